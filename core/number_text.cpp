@@ -1,0 +1,108 @@
+// Numbers as text, on std::from_chars and std::to_chars, which know no locale.  What those leave out of the C
+// library's rules is added here: white space, a plus sign, the hexadecimal prefix, and the answers out of
+// range.
+
+#include "core/number_text.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstring>
+#include <limits>
+
+namespace tarn {
+namespace {
+
+bool isSpace(char c) {
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+const char* skipSpace(const char* text) {
+    while (isSpace(*text)) ++text;
+    return text;
+}
+
+bool isHexadecimal(const char* text) {
+    const auto isHexDigit = [](char c) {
+        return isDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+    };
+    return text[0] == '0' && (text[1] == 'x' || text[1] == 'X') &&
+           (isHexDigit(text[2]) || (text[2] == '.' && isHexDigit(text[3])));
+}
+
+// Tells whether a decimal number that no double holds is too large rather than too small: by its first
+// significant digit's place and its exponent.
+bool isTooLarge(const char* text, const char* end, char exponentMark) {
+    const char* const mark = std::find_if(
+        text, end, [exponentMark](char c) { return c == exponentMark || c == exponentMark - 'a' + 'A'; });
+    if (mark != end) return mark[1] != '-';
+    const char* const point = std::find(text, end, '.');
+    return std::find_if(text, point, [](char c) { return c != '0'; }) != point;
+}
+
+}  // namespace
+
+double readDouble(const char* text) {
+    if (text == nullptr) return 0.0;
+    text = skipSpace(text);
+    const bool negative = *text == '-';
+    if (negative || *text == '+') ++text;
+    if (*text == '-') return 0.0;  // from_chars would take a second sign
+    const bool hexadecimal = isHexadecimal(text);
+    if (hexadecimal) text += 2;
+    double number = 0.0;
+    const auto result = std::from_chars(text, text + std::strlen(text), number,
+                                        hexadecimal ? std::chars_format::hex : std::chars_format::general);
+    if (result.ec == std::errc::result_out_of_range) {
+        number = isTooLarge(text, result.ptr, hexadecimal ? 'p' : 'e')
+                     ? std::numeric_limits<double>::infinity()
+                     : 0.0;
+    }
+    return negative ? -number : number;
+}
+
+std::int32_t readLong(const char* text) {
+    if (text == nullptr) return 0;
+    text = skipSpace(text);
+    const bool negative = *text == '-';
+    if (negative || *text == '+') ++text;
+    std::int64_t number = 0;
+    for (; isDigit(*text) && number <= std::numeric_limits<std::int32_t>::max(); ++text) {
+        number = number * 10 + (*text - '0');
+    }
+    const std::int64_t limit = std::int64_t{std::numeric_limits<std::int32_t>::max()} + (negative ? 1 : 0);
+    number = std::min(number, limit);
+    return static_cast<std::int32_t>(negative ? -number : number);
+}
+
+char* writeFixed(char* target, double value, std::uint32_t decimals) {
+    const auto digits =
+        static_cast<int>(std::min<std::uint32_t>(decimals, std::numeric_limits<int>::max() - 400));
+    const auto end = std::to_chars(target, target + fixedRoom(static_cast<std::size_t>(digits)), value,
+                                   std::chars_format::fixed, digits);
+    *end.ptr = '\0';
+    return end.ptr;
+}
+
+char* writeGeneral(char* target, double value, std::uint32_t digits) {
+    const auto end = std::to_chars(target, target + digits + 11, value, std::chars_format::general,
+                                   static_cast<int>(digits));
+    *end.ptr = '\0';
+    return end.ptr;
+}
+
+char* writeLong(char* target, std::int32_t value) {
+    const auto end = std::to_chars(target, target + 11, value);
+    *end.ptr = '\0';
+    return end.ptr;
+}
+
+std::int32_t cutToLong(double value) {
+    if (std::isnan(value)) return 0;
+    return static_cast<std::int32_t>(std::clamp(value, -2147483648.0, 2147483647.0));
+}
+
+}  // namespace tarn

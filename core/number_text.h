@@ -1,0 +1,32 @@
+#pragma once
+
+// Internal: the one home of the rules by which the library reads and writes numbers as text.  They are those
+// of the C library in its "C" locale, whatever locale the program has set.  Users want convertToDouble and
+// its sisters in core/variant.h, or fintext/financial_text.h.
+
+#include <cstddef>
+#include <cstdint>
+
+namespace tarn {
+
+// Reads what atof reads: white space, a sign, then the longest decimal, hexadecimal, "inf" or "nan" form.
+// Anything else, and NULL, answers 0; too large a number answers infinity.
+double readDouble(const char* text);
+
+// Reads what atol reads, as 32 bits: a number outside them becomes the nearest limit.  NULL answers 0.
+std::int32_t readLong(const char* text);
+
+// Bytes that writeFixed may need with this many decimals: sign, 309 digits, point, decimals, terminator.
+constexpr std::size_t fixedRoom(std::size_t decimals) {
+    return 312 + decimals;
+}
+
+// Write as the formats "%.*f", "%.*g" and "%d" do, with a terminator.  Answer the terminator's place.
+char* writeFixed(char* target, double value, std::uint32_t decimals);
+char* writeGeneral(char* target, double value, std::uint32_t digits);  // at most digits + 12 bytes
+char* writeLong(char* target, std::int32_t value);                     // at most 12 bytes
+
+// Cuts a number towards zero; one outside 32 bits becomes the nearest limit, and what is no number becomes 0.
+std::int32_t cutToLong(double value);
+
+}  // namespace tarn

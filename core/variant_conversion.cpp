@@ -1,0 +1,207 @@
+// Tagged values to text and back, to another tag, and prices from text.
+
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+#include "core/number_text.h"
+#include "core/string.h"
+#include "core/value_text.h"
+#include "core/variant.h"
+
+using tarn::hasTextForm;
+using tarn::textOf;
+
+namespace {
+
+constexpr std::size_t numberBlock = 40;
+
+// The first 32 bits of any payload, as a number.
+std::int32_t firstWord(const MOLTVARIANT& value) {
+    std::int32_t word = 0;
+    std::memcpy(&word, &value.payload, sizeof word);
+    return word;
+}
+
+// The text of sprintf(format, argument) in a zeroed block of at least 40 bytes.
+template <class Argument>
+char* formatted(const char* format, Argument argument) {
+    const int length = std::snprintf(nullptr, 0, format, argument);
+    const std::size_t bytes = length < 0 ? 1 : static_cast<std::size_t>(length) + 1;
+    std::unique_ptr<char[]> text(new char[bytes < numberBlock ? numberBlock : bytes]());
+    std::snprintf(text.get(), bytes, format, argument);
+    return text.release();
+}
+
+// A number of tags 2 to 5 or the number that a text begins with.
+double numberOf(const MOLTVARIANT& value) {
+    switch (value.tag) {
+        case tagShort: return value.payload.shortValue;
+        case tagLong: return value.payload.longValue;
+        case tagFloat: return static_cast<double>(value.payload.floatValue);
+        case tagDouble: return value.payload.doubleValue;
+        default: return tarn::readDouble(textOf(value));
+    }
+}
+
+bool isNumberOrText(std::int32_t tag) {
+    return (tag >= tagShort && tag <= tagDouble) || hasTextForm(tag);
+}
+
+}  // namespace
+
+char* convertToString(const MOLTVARIANT* value) {
+    if (value == nullptr) return nullptr;
+    if (hasTextForm(value->tag)) return newstr(textOf(*value));
+    std::unique_ptr<char[]> text(new char[numberBlock]());
+    switch (value->tag) {
+        case tagShort: tarn::writeLong(text.get(), value->payload.shortValue); break;
+        case tagFloat:
+            tarn::writeGeneral(text.get(), static_cast<double>(value->payload.floatValue), 16);
+            break;
+        case tagDouble: tarn::writeGeneral(text.get(), value->payload.doubleValue, 16); break;
+        case tagChar: text[0] = static_cast<char>(value->payload.charValue); break;
+        default: tarn::writeLong(text.get(), firstWord(*value)); break;
+    }
+    return text.release();
+}
+
+char* convertToString(const MOLTVARIANT* value, const char* format) {
+    if (value == nullptr || format == nullptr) return nullptr;
+    switch (value->tag) {
+        case tagText:
+        case tagString: {
+            const char* const text = textOf(*value);
+            return formatted(format, text == nullptr ? "" : text);
+        }
+        case tagShort: return formatted(format, static_cast<int>(value->payload.shortValue));
+        case tagFloat: return formatted(format, static_cast<double>(value->payload.floatValue));
+        case tagDouble: return formatted(format, value->payload.doubleValue);
+        case tagChar: return formatted(format, static_cast<int>(value->payload.charValue));
+        default: return formatted(format, firstWord(*value));
+    }
+}
+
+void convertFromString(MOLTVARIANT* value, std::int32_t tag) {
+    if (value == nullptr) return;
+    MOLTVARIANT converted;
+    converted.tag = tag;
+    char* const text = value->payload.text;
+    switch (tag) {
+        case tagShort: converted.payload.shortValue = static_cast<std::int16_t>(tarn::readLong(text)); break;
+        case tagLong:
+        case tagNumber: converted.payload.longValue = tarn::readLong(text); break;
+        case tagFloat: converted.payload.floatValue = static_cast<float>(tarn::readDouble(text)); break;
+        case tagDouble: converted.payload.doubleValue = tarn::readDouble(text); break;
+        case tagChar:
+            converted.payload.charValue = static_cast<signed char>(text == nullptr ? 0 : *text);
+            break;
+        case tagText: value->tag = tagText; return;
+        default: return;
+    }
+    delete[] text;
+    *value = converted;
+}
+
+void convertFromLong(MOLTVARIANT* value, std::int32_t type, std::int32_t size) {
+    if (value == nullptr) return;
+    const std::int32_t number = value->payload.longValue;
+    switch (type) {
+        case 1: value->tag = tagShort; break;
+        case 4:
+        case 5:
+        case 8:
+        case 9: value->tag = size == 1 ? tagChar : tagText; break;
+        case 6:
+            value->tag = tagFloat;
+            value->payload.floatValue = static_cast<float>(number);
+            break;
+        case 7:
+            value->tag = tagDouble;
+            value->payload.doubleValue = number;
+            break;
+        default: break;
+    }
+}
+
+void MOLTVARIANT::convertContent(const MOLTVARIANT* source, std::int32_t wantedTag) {
+    if (source == nullptr || source->tag == tagEmpty) return assignContent(nullptr);
+    const std::int32_t from = source->tag;
+    MOLTVARIANT converted;
+    converted.tag = wantedTag;
+    bool done = false;
+    switch (wantedTag) {
+        case tagShort:
+        case tagFloat:
+        case tagDouble: {
+            done = isNumberOrText(from);
+            const double number = done ? numberOf(*source) : 0.0;
+            if (wantedTag == tagDouble) converted.payload.doubleValue = number;
+            if (wantedTag == tagFloat) converted.payload.floatValue = static_cast<float>(number);
+            if (wantedTag == tagShort)
+                converted.payload.shortValue = static_cast<std::int16_t>(tarn::cutToLong(number));
+            break;
+        }
+        case tagLong:
+            done = isNumberOrText(from);
+            if (done) {
+                converted.payload.longValue =
+                    hasTextForm(from) ? tarn::readLong(textOf(*source)) : tarn::cutToLong(numberOf(*source));
+            }
+            break;
+        case tagChar:
+            done = from == tagChar || hasTextForm(from);
+            if (from == tagChar) converted.payload.charValue = source->payload.charValue;
+            if (const char* const text = textOf(*source); text != nullptr) {
+                converted.payload.charValue = static_cast<signed char>(*text);
+            }
+            break;
+        case tagNumber:
+            done = from == tagNumber;
+            converted.payload.longValue = source->payload.longValue;
+            break;
+        case tagText:
+        case tagString: {
+            const bool readable = isNumberOrText(from) && !(wantedTag == tagString && from == tagFloat);
+            tarnString text;
+            if (readable) text.assign(source);
+            done = text.length != 0;
+            if (done && wantedTag == tagText) converted.payload.text = newstr(&text);
+            if (done && wantedTag == tagString) converted.payload.string = new tarnString(text);
+            break;
+        }
+        default: break;
+    }
+    if (!done) return copyContent(source);
+    assignContent(&converted);
+}
+
+void tarnString::assign(const MOLTVARIANT* value) {
+    if (value == nullptr) return clear();
+    switch (value->tag) {
+        case tagShort: return assign(static_cast<std::int32_t>(value->payload.shortValue));
+        case tagLong:
+        case tagNumber: return assign(value->payload.longValue);
+        case tagFloat: return assign(static_cast<double>(value->payload.floatValue), 0);
+        case tagDouble: return assign(value->payload.doubleValue, 0);
+        case tagChar: {
+            const char character = static_cast<char>(value->payload.charValue);
+            return assign(&character, character == '\0' ? 0 : 1);
+        }
+        case tagText:
+        case tagString: return assign(textOf(*value));
+        default: return clear();
+    }
+}
+
+void tarnString::append(const MOLTVARIANT* value) {
+    if (value == nullptr) return clear();
+    switch (value->tag) {
+        case tagLong: return append(value->payload.longValue);
+        case tagFloat: return appendDouble(static_cast<double>(value->payload.floatValue));
+        case tagDouble: return appendDouble(value->payload.doubleValue);
+        case tagText:
+        case tagString: return append(textOf(*value));
+        default: return;
+    }
+}
