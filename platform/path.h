@@ -1,0 +1,24 @@
+#pragma once
+
+// The layer's own reading of Win32 file names; programs hand such names to the operations of
+// platform/win32.h.
+//
+// Threads: all functions only read their arguments.
+
+#include <string>
+
+namespace tarn {
+
+// Answers the system's spelling of a Win32 file name: `\` becomes `/`, and dots and blanks behind the last
+// part of the name, which Win32 doesn't count, are taken off (`.` and `..` stay).  NULL answers an empty
+// name.
+std::string systemPath(const char* name);
+
+// Answers the folder that a system path's last part stands in, `.` for a path without a folder and an empty
+// text for an empty path.
+std::string folderOf(const std::string& path);
+
+// Answers whether the name holds a character that no Win32 file name has: one of * ? " < > |
+bool isReservedName(const std::string& path);
+
+}  // namespace tarn
