@@ -1,0 +1,40 @@
+#pragma once
+
+// The library's one way to read or write a file in one piece; users want store/file_tools.h.
+//
+// Threads: no shared state.
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+#include "platform/win32.h"
+
+namespace tarn {
+
+// How far an operation on a whole file came.
+enum class FileResult {
+    done,         // all of it
+    cantOpen,     // the file can't be opened or created
+    cantMeasure,  // its length can't be asked, or isn't below 2 GiB
+    cantMove,     // reading or writing failed
+};
+
+struct WholeFile {
+    FileResult result = FileResult::cantOpen;
+    std::unique_ptr<char[]> data;  // NULL after cantOpen and cantMeasure
+    std::size_t length = 0;        // bytes that the file has; `data` holds `room` zero bytes more
+    std::size_t size = 0;          // bytes that were read, fewer than `length` if the file shrank meanwhile
+
+    [[nodiscard]] bool isRead() const { return result == FileResult::done; }
+};
+
+// Reads an existing file, opened for reading with these sharing modes and flags.
+//   room  zero bytes behind the content, for terminators; bytes that weren't read are zero as well
+WholeFile readWholeFile(const char* name, DWORD share, DWORD flags, std::size_t room = 2);
+
+// Creates the file, or cuts an existing one to nothing, and writes `size` bytes (below 4 GiB), without
+// sharing. After cantMove the file holds what was written until then.
+FileResult writeWholeFile(const char* name, const char* data, std::size_t size, DWORD flags);
+
+}  // namespace tarn
