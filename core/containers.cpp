@@ -96,19 +96,21 @@ nodeCell* nodeList::newCell() {
         freeCells_ = reinterpret_cast<nodeCell*>(cell->value);
         return cell;
     }
-    if (unusedCells_ == 0) {
-        const std::int32_t cellCount = std::max(firstBlockCells, count / 8);
-        auto* const block = static_cast<Block*>(::operator new(Block::sizeFor(cellCount)));
-        block->older = blocks_;
-        blocks_ = block;
-        blockCells_ = unusedCells_ = cellCount;
-    }
+    if (unusedCells_ == 0) newBlock(std::max(firstBlockCells, count / 8));
     return &blocks_->cells[blockCells_ - unusedCells_--];
 }
 
-void nodeList::makeRoom() {
-    if (count < allocated_) return;
-    const std::int32_t slots = std::max(firstSlots, count + count / 4);
+// The new block is the one that cells come from; it is asked for when the one before is used up, or holds
+// few.
+void nodeList::newBlock(std::int32_t cellCount) {
+    auto* const block = static_cast<Block*>(::operator new(Block::sizeFor(cellCount)));
+    block->older = blocks_;
+    blocks_ = block;
+    blockCells_ = unusedCells_ = cellCount;
+}
+
+void nodeList::makeRoom(std::int32_t slots) {
+    if (slots <= allocated_) return;
     auto* const grown = new nodeCell*[static_cast<std::size_t>(slots)];
     std::copy(cells, cells + count, grown);
     delete[] cells;
@@ -116,8 +118,14 @@ void nodeList::makeRoom() {
     allocated_ = slots;
 }
 
+void nodeList::reserve(std::int32_t further) {
+    if (further < 1) return;
+    makeRoom(count + further);
+    if (unusedCells_ < further) newBlock(further);
+}
+
 std::int32_t nodeList::add(MOLTVARIANT* value, std::int32_t key) {
-    makeRoom();
+    if (count == allocated_) makeRoom(std::max(firstSlots, count + count / 4));
     nodeCell* const cell = newCell();
     if (count >= capacity - 1) capacity += capacityStep;
     cell->value = value;
@@ -185,11 +193,11 @@ MOLTVARIANT* nodeList::removeCell(std::int32_t position) {
     return value;
 }
 
-void nodeList::shiftKeys(std::int32_t position, std::int32_t by) {
-    for (std::int32_t i = std::max(position, 0); i < count; ++i) {
+void nodeList::shiftKeys(std::int32_t first, std::int32_t last, std::int32_t by) {
+    for (std::int32_t i = std::max(first, 0); i < std::min(last, count); ++i) {
         std::int32_t& key = cells[i]->key.number;
         const std::int32_t shifted = wrappingSum(key, by);
-        if ((shifted < key) != (by < 0)) {
+        if (by != 0 && (shifted < key) != (by < 0)) {  // it wrapped: what was in order isn't any more
             sorted_ = 0;
             needsSort = 1;
         }

@@ -220,6 +220,9 @@ class TARN_EXPORT nodeList {
     // Puts a cell at the end, whatever its key; a key may come to stand twice.  Answers 0.
     std::int32_t add(MOLTVARIANT* value, std::int32_t key);
 
+    // Makes room for this many further cells, so that adding them allocates nothing.
+    void reserve(std::int32_t further);
+
     // Releases the cells and their array, not the values.  The list is empty afterwards.
     void release();
 
@@ -238,14 +241,16 @@ class TARN_EXPORT nodeList {
     // Answers its value, which the caller owns now; NULL for a position out of range.
     MOLTVARIANT* removeCell(std::int32_t position);
 
-    // Adds `by`, 1 or -1, to the keys of all cells from a position on.  Keys wrap at 32 bits.
-    void shiftKeys(std::int32_t position, std::int32_t by);
+    // Adds `by` to the keys of the cells from position `first` up to, not including, `last`.  Keys wrap at 32
+    // bits. The caller sees to it that the order of keys stays what it was.
+    void shiftKeys(std::int32_t first, std::int32_t last, std::int32_t by);
 
   private:
     struct Block;
 
     nodeCell* newCell();
-    void makeRoom();
+    void newBlock(std::int32_t cellCount);
+    void makeRoom(std::int32_t slots);
 
     Block* blocks_ = nullptr;        // all cells live here
     nodeCell* freeCells_ = nullptr;  // removed ones, chained through `value`

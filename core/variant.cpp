@@ -8,6 +8,9 @@
 #include <memory>
 
 #include "core/string.h"
+#include "core/value_owner.h"
+
+using tarn::copyOf;
 
 namespace {
 
@@ -38,10 +41,6 @@ std::size_t vectorLength(MOLTVARIANT* const* vector) {
     return length;
 }
 
-std::unique_ptr<MOLTVARIANT> copyOf(const MOLTVARIANT* source) {
-    return std::make_unique<MOLTVARIANT>(source);
-}
-
 unsigned char* copyBytes(const unsigned char* source, std::size_t count) {
     auto* const copy = new unsigned char[count];
     if (count != 0) std::memcpy(copy, source, count);
@@ -70,6 +69,7 @@ void copyElements(tarnTList<MOLTVARIANT*>& target, const tarnTList<MOLTVARIANT*>
 }
 
 void copyElements(nodeList& target, const nodeList& source) {
+    target.reserve(source.count);
     for (std::int32_t i = 0; i < source.count; ++i) {
         auto value = copyOf(source.cells[i]->value);
         target.add(value.get(), source.cells[i]->key.number);
@@ -86,9 +86,7 @@ void copyElements(tarnFieldList& target, const tarnFieldList& source) {
 }
 
 void destroyValue(MOLTVARIANT* value) {
-    if (value == nullptr) return;
-    value->destroyContent();
-    delete value;
+    const tarn::OwnedValue owner(value);
 }
 
 void destroyVector(MOLTVARIANT** vector) {

@@ -1,0 +1,192 @@
+// The record and its single fields.  `root` and `fields` are one thing twice: the payload of the value `root`
+// is `fields`.  A search is a scan of the ids with a memory of one field in front, which every use checks
+// against the list, so that nothing ever has to invalidate it.
+
+#include "engine/engine_data.h"
+
+#include <algorithm>
+#include <memory>
+
+#include "core/value_owner.h"
+#include "engine/column.h"
+
+using tarn::copyOf;
+using tarn::OwnedValue;
+
+namespace {
+
+constexpr std::int32_t rowCountField = 185;
+
+struct NewRecord {
+    OwnedValue root;  // owns the fields
+    tarnFieldList* fields;
+};
+
+NewRecord emptyRecord() {
+    NewRecord record{OwnedValue(new MOLTVARIANT), nullptr};
+    record.fields = record.root->payload.record = new tarnFieldList;
+    record.root->tag = tagRecord;
+    return record;
+}
+
+bool isColumn(const MOLTVARIANT* value) {
+    return value->tag == tagMulti;
+}
+
+}  // namespace
+
+tarnEngineParam::tarnEngineParam(const tarnEngineParam* source) {
+    if (source != nullptr) *this = *source;
+}
+
+tarnEngineParam::~tarnEngineParam() = default;
+
+tarnEngineData::tarnEngineData() {
+    NewRecord record = emptyRecord();
+    fields = record.fields;
+    root = record.root.release();
+}
+
+tarnEngineData::tarnEngineData(tarnEngineData* source) : tarnEngineData() {
+    if (source == nullptr) return;
+    for (std::int32_t i = 0; source->fields != nullptr && i < source->fields->count; ++i) {
+        std::int32_t id = 0;
+        MOLTVARIANT* value = nullptr;
+        source->fields->getAt(i, id, value);
+        OwnedValue copy = copyOf(value);
+        fields->add(id, copy.get());
+        copy.release();
+    }
+    numMulti = source->numMulti;
+    dataType = source->dataType;
+    descriptions = source->descriptions;
+}
+
+tarnEngineData::~tarnEngineData() {
+    releaseAll();
+}
+
+void tarnEngineData::releaseAll() {
+    if (fields == nullptr) return;
+    root->destroyContent();
+    delete root;
+    root = nullptr;
+    fields = nullptr;
+    numMulti = 0;
+}
+
+void tarnEngineData::makeEmpty() {
+    NewRecord record = emptyRecord();
+    releaseAll();
+    fields = record.fields;
+    root = record.root.release();
+}
+
+std::int32_t tarnEngineData::findField(const tarnFieldList* list, std::int32_t id, int multi) {
+    if (list == nullptr) return -1;
+    const std::int32_t* const ids = list->ids->data;
+    const auto matches = [&](std::int32_t index) {
+        const MOLTVARIANT* const value = list->values->data[index];
+        return ids[index] == id && value != nullptr && isColumn(value) == (multi != 0);
+    };
+    if (id == lastId && lastIndex >= 0 && lastIndex < list->count && matches(lastIndex)) return lastIndex;
+    const std::int32_t* const end = ids + list->count;
+    for (const std::int32_t* slot = std::find(ids, end, id); slot != end;
+         slot = std::find(slot + 1, end, id)) {
+        const auto index = static_cast<std::int32_t>(slot - ids);
+        if (!matches(index)) continue;
+        lastId = id;
+        lastIndex = index;
+        return index;
+    }
+    return -1;
+}
+
+std::int32_t tarnEngineData::getId(std::int32_t index) const {
+    if (fields == nullptr) return -1;
+    std::int32_t id = -1;
+    MOLTVARIANT* value = nullptr;
+    fields->getAt(index, id, value);
+    return value == nullptr ? -1 : id;
+}
+
+std::int32_t tarnEngineData::getData(std::int32_t id, MOLTVARIANT* out) {
+    if (out != nullptr) out->initContent(nullptr);
+    const std::int32_t index = findField(fields, id, 0);
+    if (index >= 0 && out != nullptr) out->assignContent(fields->values->getAt(index));
+    return index;
+}
+
+void tarnEngineData::storeData(std::int32_t id, const MOLTVARIANT* value) {
+    if (fields == nullptr) return;
+    const std::int32_t index = findField(fields, id, 0);
+    OwnedValue copy = copyOf(value);
+    if (index >= 0) {
+        // The old content goes with `copy`, after the new one is in place: `value` may be a part of it.
+        std::swap(*fields->values->getAt(index), *copy);
+    } else {
+        fields->add(id, copy.get());
+        copy.release();
+    }
+}
+
+void tarnEngineData::removeData(std::int32_t id) {
+    const std::int32_t index = findField(fields, id, 0);
+    if (index < 0) return;
+    const OwnedValue removed(fields->values->removeAt(index));
+    fields->ids->removeAt(index);
+    --fields->count;
+}
+
+int tarnEngineData::isEmpty() const {
+    return fields == nullptr || fields->count == 0 ? 1 : 0;
+}
+
+int tarnEngineData::isMulti(std::int32_t index) const {
+    if (fields == nullptr) return 0;
+    std::int32_t id = -1;
+    MOLTVARIANT* value = nullptr;
+    fields->getAt(index, id, value);
+    return value != nullptr && isColumn(value) ? 1 : 0;
+}
+
+MOLTVARIANT* tarnEngineData::getRootData() {
+    return root;
+}
+
+void tarnEngineData::setRootData(MOLTVARIANT* value) {
+    if (value == nullptr || value->tag != tagRecord || value->payload.record == nullptr) return;
+    if (value != root) {
+        // A field of the record itself is handed over by leaving it first.
+        for (std::int32_t i = 0; fields != nullptr && i < fields->count; ++i) {
+            if (fields->values->getAt(i) != value) continue;
+            fields->values->removeAt(i);
+            fields->ids->removeAt(i);
+            --fields->count;
+            break;
+        }
+        if (root == nullptr) {
+            root = new MOLTVARIANT;
+        } else {
+            root->destroyContent();
+        }
+        root->assignContent(value);
+        fields = root->payload.record;
+        delete value;
+    }
+    countRows();
+    if (numMulti < 1) return;
+    MOLTVARIANT rows;
+    rows.tag = tagShort;
+    rows.payload.shortValue = static_cast<std::int16_t>(numMulti);
+    storeData(rowCountField, &rows);
+}
+
+void tarnEngineData::countRows() {
+    numMulti = 0;
+    for (std::int32_t i = 0; i < fields->count; ++i) {
+        nodeList* const column = columnAt(i);
+        if (column == nullptr || column->count == 0) continue;
+        raiseNumMulti(tarn::lastRow(*column));
+    }
+}

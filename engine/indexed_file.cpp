@@ -1,0 +1,115 @@
+// The record's indexed form (store/index_data_file.h): an index record of type 0 for a single field, with one
+// value, and of type 1 for a column, with a value for every row of the record.
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "engine/column.h"
+#include "engine/engine_data.h"
+#include "engine/record_loader.h"
+#include "store/index_data_file.h"
+#include "store/index_file_writer.h"
+
+using tarn::OwnedValue;
+
+namespace {
+
+constexpr std::int32_t typeField = 0;  // on disk
+constexpr std::int32_t typeColumn = 1;
+
+struct SavedField {
+    std::int32_t id;
+    std::int32_t type;
+    const MOLTVARIANT* value;
+};
+
+// The fields that have a value, in order.  Should a pair of id and kind stand twice, in a list that a client
+// built by hand, the last value goes to the place of the first.
+std::vector<SavedField> fieldsToSave(const tarnFieldList& fields) {
+    std::vector<SavedField> saved;
+    saved.reserve(static_cast<std::size_t>(fields.count));
+    for (std::int32_t i = 0; i < fields.count; ++i) {
+        const MOLTVARIANT* const value = fields.values->getAt(i);
+        if (value != nullptr)
+            saved.push_back({fields.ids->getAt(i), value->tag == tagMulti ? typeColumn : typeField, value});
+    }
+    std::vector<std::size_t> order(saved.size());
+    for (std::size_t i = 0; i < order.size(); ++i) order[i] = i;
+    const auto keys = [&](std::size_t i) { return std::pair(saved[i].id, saved[i].type); };
+    std::stable_sort(order.begin(), order.end(),
+                     [&](std::size_t a, std::size_t b) { return keys(a) < keys(b); });
+    for (std::size_t i = 0, first = 0; i < order.size(); ++i) {
+        if (keys(order[i]) != keys(order[first])) first = i;
+        if (i == first) continue;
+        saved[order[first]].value = saved[order[i]].value;
+        saved[order[i]].value = nullptr;
+    }
+    std::erase_if(saved, [](const SavedField& field) { return field.value == nullptr; });
+    return saved;
+}
+
+// Writes the values of rows 0 up to `rows`, an empty one for a row without a cell.
+void writeColumn(tarn::IndexFileWriter& writer, nodeList* column, std::int32_t rows) {
+    std::int32_t position = column == nullptr ? 0 : column->findInsertPosition(0);
+    for (std::int32_t row = 0; row < rows; ++row) {
+        const bool found =
+            column != nullptr && position < column->count && column->cells[position]->key.number == row;
+        writer.writeValue(found ? column->cells[position]->value : nullptr);
+        while (found && position < column->count && column->cells[position]->key.number == row) ++position;
+    }
+}
+
+}  // namespace
+
+int tarnEngineData::saveBinaryData(const char* fileName) {
+    if (fields == nullptr) return 0;
+    const std::vector<SavedField> saved = fieldsToSave(*fields);
+    std::vector<_IndexRecord> index;
+    index.reserve(saved.size());
+    for (const SavedField& field : saved) {
+        index.push_back({field.id, field.type, field.type == typeColumn ? numMulti : 1, 0});
+    }
+    tarn::IndexFileWriter writer(fileName, index);
+    if (!writer.isOpen()) return 0;
+    for (const SavedField& field : saved) {
+        writer.beginRecord();
+        if (field.type == typeField) {
+            writer.writeValue(field.value);
+        } else {
+            const multiColumn* const column = field.value->payload.multi;
+            writeColumn(writer, column == nullptr ? nullptr : column->nodes, numMulti);
+        }
+    }
+    return writer.finish() ? 1 : 0;
+}
+
+int tarnEngineData::saveData(const char* fileName) {
+    return saveBinaryData(fileName);
+}
+
+int tarnEngineData::loadBinaryData(const char* fileName, eLoadType mode) {
+    tarnIndexDataFile file;
+    const int result = file.readIndexDataFile(fileName);
+    tarn::RecordLoader loader(*this, mode);
+    for (tarnIndexDataFile::Record& record : file.records_) {
+        if (record.index.type != typeField || !loader.takesFields() || record.values.empty()) continue;
+        OwnedValue value(std::exchange(record.values[0], nullptr));
+        loader.storeField(record.index.id, value == nullptr ? OwnedValue(new MOLTVARIANT) : std::move(value));
+    }
+    for (tarnIndexDataFile::Record& record : file.records_) {
+        if (record.index.type != typeColumn) continue;
+        const auto isCell = [](const MOLTVARIANT* value) {
+            return value != nullptr && value->tag != tagEmpty;
+        };
+        const auto cells = std::count_if(record.values.begin(), record.values.end(), isCell);
+        if (cells == 0) continue;
+        loader.reserveCells(record.index.id, static_cast<std::int32_t>(cells));
+        for (std::size_t row = 0; row < record.values.size(); ++row) {
+            if (!isCell(record.values[row])) continue;
+            loader.storeCell(record.index.id, static_cast<std::int32_t>(row),
+                             OwnedValue(std::exchange(record.values[row], nullptr)));
+        }
+    }
+    return result;
+}

@@ -1,0 +1,158 @@
+// Columns of rows.  A column's cells carry their row number as key and are sorted lazily, so positions in
+// `cells` and row numbers are two things; every operation below says which it means.  Row numbers wrap at 32
+// bits.
+
+#include <algorithm>
+
+#include "core/value_owner.h"
+#include "engine/column.h"
+#include "engine/engine_data.h"
+
+using tarn::copyOf;
+using tarn::OwnedValue;
+using tarn::takeRow;
+using tarn::wrappingSum;
+
+namespace {
+
+constexpr std::int32_t fieldTakenOver = -26;  // by appendMultiData
+
+}  // namespace
+
+nodeList* tarnEngineData::columnAt(std::int32_t index) const {
+    const MOLTVARIANT* const value = fields == nullptr ? nullptr : fields->values->getAt(index);
+    if (value == nullptr || value->tag != tagMulti || value->payload.multi == nullptr) return nullptr;
+    return value->payload.multi->nodes;
+}
+
+nodeList* tarnEngineData::findColumn(std::int32_t id) {
+    const std::int32_t index = findField(fields, id, 1);
+    return index < 0 ? nullptr : columnAt(index);
+}
+
+std::int32_t tarnEngineData::addColumn(std::int32_t id) {
+    OwnedValue column = tarn::newColumn();
+    fields->add(id, column.get());
+    column.release();
+    return fields->count - 1;
+}
+
+nodeList* tarnEngineData::findOrMakeColumn(std::int32_t id) {
+    const std::int32_t index = findField(fields, id, 1);
+    return columnAt(index >= 0 ? index : addColumn(id));
+}
+
+void tarnEngineData::raiseNumMulti(std::int32_t row) {
+    if (row >= numMulti) numMulti = wrappingSum(row, 1);
+}
+
+void tarnEngineData::storeMultiData(std::int32_t id, std::int32_t row, const MOLTVARIANT* value,
+                                    int appendOnly) {
+    nodeList* const column = fields == nullptr ? nullptr : findOrMakeColumn(id);
+    if (column == nullptr) return;
+    if (appendOnly != 0) {
+        tarn::addCell(*column, row, copyOf(value));
+    } else {
+        tarn::putCell(*column, row, copyOf(value));
+    }
+    raiseNumMulti(row);
+}
+
+void tarnEngineData::insertMultiData(std::int32_t id, std::int32_t row, const MOLTVARIANT* value) {
+    nodeList* const column = fields == nullptr ? nullptr : findOrMakeColumn(id);
+    if (column == nullptr) return;
+    tarn::insertCell(*column, row, copyOf(value));
+    raiseNumMulti(tarn::lastRow(*column));
+}
+
+std::int32_t tarnEngineData::getMultiData(std::int32_t id, std::int32_t row, MOLTVARIANT* out) {
+    if (out != nullptr) out->initContent(nullptr);
+    const std::int32_t index = findField(fields, id, 1);
+    nodeList* const column = index < 0 ? nullptr : columnAt(index);
+    nodeCell** const slot = column == nullptr ? nullptr : column->find(row);
+    if (slot == nullptr || (*slot)->value == nullptr) return -1;
+    if (out != nullptr) out->assignContent((*slot)->value);
+    return index;
+}
+
+std::int32_t tarnEngineData::findMultiData(std::int32_t id, const MOLTVARIANT* value) {
+    const nodeList* const column = value == nullptr ? nullptr : findColumn(id);
+    if (column == nullptr) return -1;
+    for (std::int32_t position = 0; position < column->count; ++position) {
+        const MOLTVARIANT* const cell = column->cells[position]->value;
+        if (cell != nullptr && isVarEqual(*cell, *value) != 0) return position;
+    }
+    return -1;
+}
+
+void tarnEngineData::removeMultiData(std::int32_t id, std::int32_t row) {
+    if (fields == nullptr) return;
+    for (std::int32_t i = fields->count - 1; i >= 0; --i) {
+        nodeList* const column = fields->ids->getAt(i) == id ? columnAt(i) : nullptr;
+        if (column == nullptr) continue;
+        std::int32_t position = 0;
+        takeRow(*column, row, position);
+    }
+}
+
+void tarnEngineData::removeMultiData(std::int32_t row) {
+    for (std::int32_t i = fields == nullptr ? -1 : fields->count - 1; i >= 0; --i) {
+        nodeList* const column = columnAt(i);
+        if (column == nullptr) continue;
+        std::int32_t position = 0;
+        takeRow(*column, row, position);
+        column->shiftKeys(position, column->count, -1);
+    }
+    numMulti = wrappingSum(numMulti, -1);
+}
+
+void tarnEngineData::removeMultiData() {
+    for (std::int32_t i = fields == nullptr ? -1 : fields->count - 1; i >= 0; --i) {
+        if (isMulti(i) == 0) continue;
+        const OwnedValue removed(fields->values->removeAt(i));
+        fields->ids->removeAt(i);
+        --fields->count;
+    }
+    numMulti = 0;
+}
+
+void tarnEngineData::moveMultiData(std::int32_t from, std::int32_t to) {
+    for (std::int32_t i = fields == nullptr ? -1 : fields->count - 1; i >= 0; --i) {
+        nodeList* const column = columnAt(i);
+        if (column == nullptr) continue;
+        column->reserve(1);
+        std::int32_t position = 0;
+        OwnedValue moved = takeRow(*column, from, position);
+        column->shiftKeys(position, column->count, -1);
+        column->shiftKeys(column->findInsertPosition(to), column->count, 1);
+        tarn::addCell(*column, to, std::move(moved));
+    }
+}
+
+void tarnEngineData::appendMultiData(tarnEngineData* other) {
+    if (other == nullptr || other->fields == nullptr) return;
+    const std::int32_t base = numMulti;
+    const std::int32_t rows = other->numMulti;
+    const std::int32_t fieldCount = other->fields->count;
+    for (std::int32_t i = 0; i < fieldCount; ++i) {
+        const nodeList* const column = other->columnAt(i);
+        if (column == nullptr) continue;
+        const std::int32_t id = other->fields->ids->getAt(i);
+        const std::int32_t cellCount = std::min(rows, column->count);
+        for (std::int32_t position = 0; position < cellCount; ++position) {
+            const nodeCell* const cell = column->cells[position];
+            if (cell->value == nullptr || cell->value->tag == tagEmpty) continue;
+            storeMultiData(id, wrappingSum(cell->key.number, base), cell->value, 1);
+        }
+    }
+    MOLTVARIANT view;
+    other->getData(fieldTakenOver, &view);
+    storeData(fieldTakenOver, &view);
+}
+
+std::int32_t tarnEngineData::getNumMulti() const {
+    return numMulti;
+}
+void tarnEngineData::setNumMulti(std::int32_t rows) {
+    numMulti = rows;
+}

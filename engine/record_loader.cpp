@@ -1,0 +1,144 @@
+// Putting a file's content into a record.  See the header for the one idea; the difficult case is loadInsert,
+// where the told outcome is that of inserting row after row: each new row r moves every cell at r or behind
+// it up by one. Rows come in ascending order, so an old cell that a new row has passed never moves again, and
+// the others have moved by as many rows as came.
+
+#include "engine/record_loader.h"
+
+#include <algorithm>
+#include <bit>
+
+#include "engine/column.h"
+
+namespace tarn {
+
+FieldFinder::FieldFinder(const tarnFieldList& fields) {
+    for (std::int32_t i = 0; i < fields.count; ++i) {
+        const MOLTVARIANT* const value = fields.values->getAt(i);
+        if (value != nullptr) add(fields.ids->getAt(i), value->tag == tagMulti, i);
+    }
+}
+
+std::int32_t FieldFinder::find(std::int32_t id, bool column) const {
+    const std::int64_t key = keyOf(id, column);
+    auto run = entries_.begin();
+    for (std::size_t length = std::bit_floor(entries_.size()); length != 0; length /= 2) {
+        if ((entries_.size() & length) == 0) continue;
+        const auto end = run + static_cast<std::ptrdiff_t>(length);
+        const auto found = std::lower_bound(
+            run, end, key, [](const Entry& entry, std::int64_t wanted) { return entry.key < wanted; });
+        if (found != end && found->key == key) return found->index;
+        run = end;
+    }
+    return -1;
+}
+
+void FieldFinder::add(std::int32_t id, bool column, std::int32_t index) {
+    entries_.push_back({keyOf(id, column), index});
+    const auto carries = std::countr_zero(entries_.size());
+    for (std::ptrdiff_t half = 1; half < std::ptrdiff_t{1} << carries; half *= 2) {
+        const auto end = entries_.end();
+        // Equal keys keep the order of their fields.
+        std::inplace_merge(end - 2 * half, end - half, end,
+                           [](const Entry& a, const Entry& b) { return a.key < b.key; });
+    }
+}
+
+RecordLoader::RecordLoader(tarnEngineData& record, eLoadType mode)
+    : record_(record),
+      inserts_(mode == loadInsert),
+      takesFields_(false),
+      base_(0),
+      finder_((mode == loadReplace ? record.makeEmpty() : void(), *record.fields)) {
+    takesFields_ = record.isEmpty() != 0;
+    if (mode == loadAppend) base_ = std::max(record.numMulti, 0);
+}
+
+RecordLoader::~RecordLoader() {
+    for (Insertion& insertion : insertions_) {
+        if (insertion.column == nullptr) continue;
+        insertion.finish();
+        record_.raiseNumMulti(lastRow(*insertion.column));
+    }
+}
+
+void RecordLoader::storeField(std::int32_t id, OwnedValue value) {
+    const std::int32_t index = finder_.find(id, false);
+    if (index >= 0) {
+        std::swap(*record_.fields->values->getAt(index), *value);
+        return;
+    }
+    finder_.add(id, false, record_.fields->count);
+    record_.fields->add(id, value.get());
+    value.release();
+}
+
+// Files repeat their columns in the same order row after row, so the column behind the last one is tried
+// first.
+std::int32_t RecordLoader::columnIndex(std::int32_t id) {
+    for (std::int32_t i = lastColumn_; i <= lastColumn_ + 1; ++i) {
+        if (i < record_.fields->count && record_.isMulti(i) != 0 && record_.fields->ids->getAt(i) == id) {
+            return lastColumn_ = i;
+        }
+    }
+    std::int32_t index = finder_.find(id, true);
+    if (index < 0) {
+        index = record_.addColumn(id);
+        finder_.add(id, true, index);
+    }
+    return lastColumn_ = index;
+}
+
+void RecordLoader::reserveCells(std::int32_t id, std::int32_t cells) {
+    if (nodeList* const column = record_.columnAt(columnIndex(id)); column != nullptr) column->reserve(cells);
+}
+
+void RecordLoader::storeCell(std::int32_t id, std::int32_t row, OwnedValue value) {
+    const std::int32_t index = columnIndex(id);
+    if (inserts_) return insertCell(index, row, std::move(value));
+    nodeList* const column = record_.columnAt(index);
+    if (column == nullptr) return;
+    putCell(*column, wrappingSum(base_, row), std::move(value));
+    record_.raiseNumMulti(wrappingSum(base_, row));
+}
+
+void RecordLoader::insertCell(std::int32_t index, std::int32_t row, OwnedValue value) {
+    nodeList* const column = record_.columnAt(index);
+    if (column == nullptr) return;
+    const auto place = static_cast<std::size_t>(index);
+    if (place >= insertions_.size()) insertions_.resize(place + 1);
+    Insertion& insertion = insertions_[place];
+    if (insertion.column == nullptr) insertion.begin(*column);
+    if (row <= insertion.lastRow) {
+        // A column that recurs in a row moves what has just been inserted: its cells are all old ones now.
+        insertion.finish();
+        tarn::insertCell(*column, row, std::move(value));
+        insertion.begin(*column);
+    } else {
+        std::int32_t end = insertion.settled;
+        while (end < insertion.oldCells &&
+               std::int64_t{column->cells[end]->key.number} + insertion.moved < row)
+            ++end;
+        insertion.settle(end);
+        addCell(*column, row, std::move(value));
+        ++insertion.moved;
+    }
+    insertion.lastRow = row;
+}
+
+void RecordLoader::Insertion::begin(nodeList& cells) {
+    cells.sort();
+    *this = {&cells, cells.count, 0, 0, -1};
+}
+
+void RecordLoader::Insertion::settle(std::int32_t end) {
+    column->shiftKeys(settled, end, moved);
+    settled = end;
+}
+
+void RecordLoader::Insertion::finish() {
+    settle(oldCells);
+    column->sort();
+}
+
+}  // namespace tarn

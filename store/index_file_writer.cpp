@@ -1,0 +1,204 @@
+// Writing an indexed data file in one pass.  The index block stands in front of the values but needs their
+// lengths, so it is written first with offsets of 0 and once more, over itself, when the values are out.
+// Everything goes through one chunk of memory; only a payload larger than that is written by itself.
+
+#include "store/index_file_writer.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string>
+
+#include "core/byte_order.h"
+#include "core/string.h"
+#include "store/index_format.h"
+
+namespace tarn {
+
+using namespace indexfile;
+
+namespace {
+
+bool isStoredEmpty(const MOLTVARIANT* value) {
+    return value == nullptr || hasNoForm(value->tag);
+}
+
+std::size_t blobLength(const MOLTVARIANT& blob) {
+    const bool empty = blob.payload.blob.data == nullptr || blob.payload.blob.length < 0;
+    return empty ? 0 : static_cast<std::size_t>(blob.payload.blob.length);
+}
+
+// The size word: what sizeOfData gives, for values as they are stored.
+std::uint32_t storedSize(const MOLTVARIANT* value) {
+    if (isStoredEmpty(value)) return payloadSize;
+    if (value->tag == tagBlob) return static_cast<std::uint32_t>(blobLength(*value) + wordSize);
+    if (value->tag != tagVector) return static_cast<std::uint32_t>(value->sizeOfData());
+    std::uint32_t size = 0;
+    for (MOLTVARIANT* const* entry = value->payload.vector; entry != nullptr && *entry != nullptr; ++entry) {
+        size += storedSize(*entry);
+    }
+    return size;
+}
+
+std::uint32_t vectorLength(MOLTVARIANT* const* vector) {
+    std::uint32_t length = 0;
+    while (vector != nullptr && vector[length] != nullptr) ++length;
+    return length;
+}
+
+}  // namespace
+
+IndexFileWriter::IndexFileWriter(const char* fileName, std::vector<_IndexRecord>& index)
+    : file_(INVALID_HANDLE_VALUE), good_(false), index_(index), buffer_(new unsigned char[chunk]) {
+    if (fileName == nullptr) return;
+    file_ = CreateFileA(fileName, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    good_ = isOpen();
+    if (!good_) return;
+    for (_IndexRecord& record : index_) record.offset = 0;
+    writeIndex();
+}
+
+IndexFileWriter::~IndexFileWriter() {
+    if (file_ != INVALID_HANDLE_VALUE) CloseHandle(file_);
+}
+
+void IndexFileWriter::writeIndex() {
+    *reserve(1) = marker;
+    writeWord(headerSize);
+    writeWord(formatVersion);
+    writeWord(static_cast<std::uint32_t>(index_.size()));
+    for (const _IndexRecord& record : index_) {
+        writeWord(static_cast<std::uint32_t>(record.id));
+        writeWord(static_cast<std::uint32_t>(record.type));
+        writeWord(static_cast<std::uint32_t>(record.repeats));
+        writeWord(static_cast<std::uint32_t>(record.offset));
+    }
+}
+
+void IndexFileWriter::beginRecord() {
+    index_[records_++].offset = static_cast<std::int32_t>(offset_);
+}
+
+bool IndexFileWriter::finish() {
+    flush();
+    good_ = good_ && SetFilePointer(file_, 0, nullptr, FILE_BEGIN) == 0;
+    writeIndex();
+    flush();
+    return good_;
+}
+
+void IndexFileWriter::flush() {
+    DWORD written = 0;
+    const auto bytes = static_cast<DWORD>(used_);
+    if (good_ && bytes != 0) {
+        good_ = WriteFile(file_, buffer_.get(), bytes, &written, nullptr) != 0 && written == bytes;
+    }
+    used_ = 0;
+}
+
+// Room for at most a chunk in the buffer, to be filled by the caller at once.
+unsigned char* IndexFileWriter::reserve(std::size_t bytes) {
+    if (bytes > chunk - used_) flush();
+    used_ += bytes;
+    return buffer_.get() + used_ - bytes;
+}
+
+void IndexFileWriter::write(const void* bytes, std::size_t count) {
+    constexpr std::size_t largestPiece = std::size_t{1} << 30;
+    if (count <= chunk) {
+        if (count != 0) std::memcpy(reserve(count), bytes, count);
+        return;
+    }
+    flush();
+    for (std::size_t done = 0; good_ && done < count;) {
+        const auto piece = static_cast<DWORD>(std::min(count - done, largestPiece));
+        DWORD written = 0;
+        good_ = WriteFile(file_, static_cast<const unsigned char*>(bytes) + done, piece, &written, nullptr) !=
+                    0 &&
+                written == piece;
+        done += piece;
+    }
+}
+
+void IndexFileWriter::writeWord(std::uint32_t word) {
+    storeWord(reserve(wordSize), word);
+}
+
+void IndexFileWriter::writePrefix(std::int32_t tag, std::uint32_t size) {
+    unsigned char* const prefix = reserve(prefixSize);
+    storeWord(prefix, static_cast<std::uint32_t>(tag));
+    storeWord(prefix + wordSize, size);
+    offset_ += size + static_cast<std::uint32_t>(prefixSize);
+}
+
+void IndexFileWriter::writeText(std::int32_t tag, const char* text) {
+    const std::size_t size = text == nullptr ? 0 : std::strlen(text) + 1;
+    writePrefix(tag, static_cast<std::uint32_t>(size));
+    write(text, size);
+}
+
+void IndexFileWriter::writeWideText(const char16_t* text) {
+    const std::size_t units = text == nullptr ? 0 : std::char_traits<char16_t>::length(text) + 1;
+    writePrefix(tagWideText, static_cast<std::uint32_t>(2 * units));
+    for (std::size_t i = 0; i < units; ++i) storeLittleEndian(reserve(2), text[i], 2);
+}
+
+void IndexFileWriter::writeVector(const MOLTVARIANT& value) {
+    const std::uint32_t length = vectorLength(value.payload.vector);
+    writePrefix(tagVector, storedSize(&value));
+    writeWord(length);
+    // As an index record counts, a vector is its elements' payloads and three words.
+    const std::uint32_t offset = offset_ + static_cast<std::uint32_t>(wordSize);
+    for (std::uint32_t i = 0; i < length; ++i) writeValue(value.payload.vector[i]);
+    offset_ = offset;
+}
+
+void IndexFileWriter::writePlain(const MOLTVARIANT& value) {
+    const bool word = value.tag == tagLong || value.tag == tagNumber;
+    unsigned char payload[payloadSize];
+    std::memcpy(payload, value.payload.plain, payloadSize);
+    exchangePayload(payload, value.tag);
+    const std::size_t size = word ? wordSize : payloadSize;
+    writePrefix(value.tag, static_cast<std::uint32_t>(size));
+    std::memcpy(reserve(size), payload, size);
+}
+
+void IndexFileWriter::writeValue(const MOLTVARIANT* value) {
+    if (isStoredEmpty(value)) return writePlain(MOLTVARIANT());
+    switch (value->tag) {
+        case tagText: return writeText(tagText, value->payload.text);
+        case tagString: {
+            const tarnString* const string = value->payload.string;
+            return writeText(tagString, string == nullptr ? nullptr : string->text);
+        }
+        case tagWideText: return writeWideText(value->payload.wideText);
+        case tagVector: return writeVector(*value);
+        case tagBlob: {
+            const std::size_t length = blobLength(*value);
+            writePrefix(tagBlob, static_cast<std::uint32_t>(length + wordSize));
+            writeWord(static_cast<std::uint32_t>(length));
+            return write(value->payload.blob.data, length);
+        }
+        default: return writePlain(*value);
+    }
+}
+
+}  // namespace tarn
+
+int tarnIndexDataFile::writeIndexDataFile(const char* fileName) {
+    header_ = {static_cast<std::int32_t>(tarn::indexfile::headerSize),
+               static_cast<std::int32_t>(tarn::indexfile::formatVersion),
+               static_cast<std::int32_t>(records_.size())};
+    std::vector<_IndexRecord> index;
+    index.reserve(records_.size());
+    for (const Record& record : records_) index.push_back(record.index);
+
+    tarn::IndexFileWriter writer(fileName, index);
+    if (!writer.isOpen()) return 0;
+    for (const Record& record : records_) {
+        writer.beginRecord();
+        for (const MOLTVARIANT* const value : record.values) writer.writeValue(value);
+    }
+    const bool written = writer.finish();
+    for (std::size_t i = 0; i < index.size(); ++i) records_[i].index.offset = index[i].offset;
+    return written ? 1 : 0;
+}

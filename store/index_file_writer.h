@@ -1,0 +1,59 @@
+#pragma once
+
+// Internal: writes an indexed data file.  Users want tarnIndexDataFile in store/index_data_file.h; the engine
+// record saves itself through this writer too, straight from its fields.
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "core/variant.h"
+#include "platform/win32.h"
+#include "store/index_data_file.h"
+
+namespace tarn {
+
+// Call order: beginRecord before the values of each record of `index`, writeValue for each of its values,
+// finish. After a failure everything else does nothing, and finish answers false.
+class IndexFileWriter {
+  public:
+    // Creates the file, or cuts it to nothing, and writes what stands before the values.  `index` gives all
+    // records in order; it takes the offsets and has to outlive the writer.
+    IndexFileWriter(const char* fileName, std::vector<_IndexRecord>& index);
+    IndexFileWriter(const IndexFileWriter&) = delete;
+    IndexFileWriter& operator=(const IndexFileWriter&) = delete;
+    ~IndexFileWriter();
+
+    // False if the file couldn't be created: nothing was touched then.
+    [[nodiscard]] bool isOpen() const { return file_ != INVALID_HANDLE_VALUE; }
+
+    void beginRecord();
+    // NULL writes an empty value.
+    void writeValue(const MOLTVARIANT* value);
+    bool finish();
+
+  private:
+    unsigned char* reserve(std::size_t bytes);
+    void write(const void* bytes, std::size_t count);
+    void writeWord(std::uint32_t word);
+    void writePrefix(std::int32_t tag, std::uint32_t size);
+    void writeText(std::int32_t tag, const char* text);
+    void writeWideText(const char16_t* text);
+    void writeVector(const MOLTVARIANT& value);
+    void writePlain(const MOLTVARIANT& value);
+    void writeIndex();
+    void flush();
+
+    static constexpr std::size_t chunk = 65536;
+
+    HANDLE file_;
+    bool good_;
+    std::vector<_IndexRecord>& index_;
+    std::size_t records_ = 0;   // begun
+    std::uint32_t offset_ = 0;  // of the next value, as an index record counts it
+    std::size_t used_ = 0;
+    std::unique_ptr<unsigned char[]> buffer_;
+};
+
+}  // namespace tarn
