@@ -56,6 +56,7 @@ double readDouble(const char* text) {
     double number = 0.0;
     const auto result = std::from_chars(text, text + std::strlen(text), number,
                                         hexadecimal ? std::chars_format::hex : std::chars_format::general);
+    if (result.ec == std::errc::invalid_argument) return 0.0;
     if (result.ec == std::errc::result_out_of_range) {
         number = isTooLarge(text, result.ptr, hexadecimal ? 'p' : 'e')
                      ? std::numeric_limits<double>::infinity()

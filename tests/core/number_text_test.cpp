@@ -1,0 +1,175 @@
+// The rules for numbers as text: core/number_text.cpp, and prices: core/price_text.cpp.
+
+#include "core/number_text.h"
+
+#include <clocale>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <limits>
+#include <random>
+
+#include "core/variant.h"
+#include "tests/support.h"
+
+namespace {
+
+std::uint64_t bitsOf(double number) {
+    std::uint64_t bits = 0;
+    std::memcpy(&bits, &number, sizeof bits);
+    return bits;
+}
+
+std::string randomText(std::mt19937& random, std::string_view alphabet) {
+    std::string text(random() % 14, ' ');
+    for (char& c : text) c = alphabet[random() % alphabet.size()];
+    return text;
+}
+
+#if !defined(_WIN32)  // its older C library reads and writes some of these in a way of its own
+TEST(NumberTextTest, ReadingAgreesWithTheCLibrary) {
+    std::mt19937 random(4);
+    for (int i = 0; i < 300'000; ++i) {
+        const std::string text =
+            randomText(random, i % 2 == 0 ? "0123456789.e-+ " : "019.eExXpP-+ \tinfaINFNA,/");
+        const double expected = std::strtod(text.c_str(), nullptr);
+        const double number = tarn::readDouble(text.c_str());
+        ASSERT_TRUE(bitsOf(number) == bitsOf(expected) || (std::isnan(number) && std::isnan(expected)))
+            << text;
+        const long long whole = std::strtoll(text.c_str(), nullptr, 10);
+        ASSERT_EQ(tarn::readLong(text.c_str()), std::clamp<long long>(whole, INT32_MIN, INT32_MAX)) << text;
+    }
+    for (const char* text :
+         {"1e999", "-1e999", "1e-999", "-1e-999", "1e308", "4.9e-324", "2e-324", "0x1p-2000", "0x1p2000",
+          "99999999999999999999", "-99999999999999999999", "infinity", "nan(12)", "0x", "1e", "+-1"}) {
+        EXPECT_TRUE(bitsOf(tarn::readDouble(text)) == bitsOf(std::strtod(text, nullptr)) ||
+                    std::isnan(std::strtod(text, nullptr)))
+            << text;
+    }
+    const std::string tiny = "0." + std::string(400, '0') + "1";
+    const std::string huge = "1" + std::string(400, '0') + ".5";
+    EXPECT_EQ(tarn::readDouble(tiny.c_str()), 0.0);
+    EXPECT_EQ(tarn::readDouble(huge.c_str()), std::numeric_limits<double>::infinity());
+}
+
+TEST(NumberTextTest, WritingAgreesWithTheCLibrary) {
+    std::mt19937_64 random(5);
+    char expected[1100];
+    char written[1100];
+    for (int i = 0; i < 200'000; ++i) {
+        const std::uint64_t bits = random();
+        double number = 0;
+        std::memcpy(&number, &bits, sizeof number);
+        if (i % 2 == 0)
+            number =
+                std::ldexp(static_cast<double>(bits >> 40), static_cast<int>(bits % 30) - 24);  // many ties
+        const auto decimals = static_cast<std::uint32_t>(bits % 11);
+        std::snprintf(expected, sizeof expected, "%.*f", static_cast<int>(decimals), number);
+        EXPECT_EQ(tarn::writeFixed(written, number, decimals) - written,
+                  static_cast<std::ptrdiff_t>(std::strlen(expected)));
+        ASSERT_STREQ(written, expected);
+        std::snprintf(expected, sizeof expected, "%.16g", number);
+        tarn::writeGeneral(written, number, 16);
+        ASSERT_STREQ(written, expected);
+    }
+}
+#endif
+
+TEST(NumberTextTest, CutsStayWithinThirtyTwoBits) {
+    EXPECT_EQ(tarn::cutToLong(-1.9), -1);
+    EXPECT_EQ(tarn::cutToLong(1e300), INT32_MAX);
+    EXPECT_EQ(tarn::cutToLong(-1e300), INT32_MIN);
+    EXPECT_EQ(tarn::cutToLong(std::nan("")), 0);
+}
+
+// The told steps of a price, plainly.
+int plainPrice(const std::string& text, double& number) {
+    std::string kept;
+    char sign = '+';
+    for (const char c : text) {
+        if (c == ',') continue;
+        if (c == '+' || c == '-') {
+            sign = c;
+        } else if ((c == '.' || c == '/') && kept.find(c) != std::string::npos) {
+            return 0;
+        } else if (std::string_view("0123456789 ./").find(c) == std::string_view::npos) {
+            return 0;
+        } else {
+            kept += c;
+        }
+    }
+    kept.erase(0,
+               kept.find_first_not_of(' ') == std::string::npos ? kept.size() : kept.find_first_not_of(' '));
+    kept.erase(kept.find_last_not_of(' ') + 1);
+    kept = sign + kept;
+    const auto slash = kept.find('/');
+    const auto blank = kept.find(' ');
+    const auto read = [](const std::string& part) { return std::strtod(part.c_str(), nullptr); };
+    if (slash == std::string::npos) {
+        if (blank != std::string::npos) return 0;
+        number = read(kept);
+        return 1;
+    }
+    if (blank == std::string::npos && kept.find('.') != std::string::npos) return 0;
+    const double below = read(kept.substr(
+        slash + 1, blank != std::string::npos && blank > slash ? blank - slash - 1 : std::string::npos));
+    const double above =
+        read(blank == std::string::npos
+                 ? kept.substr(0, slash)
+                 : kept.substr(blank + 1, blank < slash ? slash - blank - 1 : std::string::npos));
+    if (above == 0 || below == 0) return 0;
+    const double whole = blank == std::string::npos ? 0 : read(kept.substr(0, std::min(blank, slash)));
+    number = blank == std::string::npos ? above / below
+             : whole < 0                ? whole - above / below
+                                        : whole + above / below;
+    return 1;
+}
+
+TEST(PriceTest, FastAndPlainReadingAgree) {
+    std::mt19937 random(6);
+    for (int i = 0; i < 400'000; ++i) {
+        const std::string text = randomText(random, i % 3 == 0   ? "0123456789."
+                                                    : i % 3 == 1 ? "0123 ./,-+"
+                                                                 : "12 /-.a");
+        double number = 77;
+        double expected = 77;
+        ASSERT_EQ(convertToDouble(text.c_str(), number), plainPrice(text, expected)) << text;
+        ASSERT_EQ(bitsOf(number), bitsOf(expected)) << text;
+    }
+}
+
+TEST(PriceTest, PricesAsScreensShowThem) {
+    constexpr double refused = 77;
+    const std::string longFraction = std::string(300, ' ') + "12 1/2" + std::string(300, ' ');
+    const struct {
+        const char* text;
+        double number;
+    } rows[] = {{"1,234.50", 1234.5},
+                {"12 1/2", 12.5},
+                {"-12 1/2", -12.5},
+                {"1/2", 0.5},
+                {"-1/2", -0.5},
+                {"1.5/2", refused},
+                {"12 3", refused},
+                {"1.2.3", refused},
+                {"1/2/3", refused},
+                {"abc", refused},
+                {"1/0", refused},
+                {"0/5", refused},
+                {"0 1/2", 0.5},
+                {"  7  ", 7},
+                {"", 0},
+                {"5-", -5},
+                {nullptr, 0},
+                {"3/4 5", 4.25},
+                {"-+5", 5},
+                {"0.1234567890123456789", 0.1234567890123456789},
+                {longFraction.c_str(), 12.5}};
+    for (const auto& row : rows) {
+        double number = refused;
+        EXPECT_EQ(convertToDouble(row.text, number), row.number == refused ? 0 : 1);
+        EXPECT_EQ(number, row.number) << (row.text == nullptr ? "NULL" : row.text);
+    }
+}
+
+}  // namespace
