@@ -15,8 +15,36 @@ namespace tarn {
 // system's clock again.
 TARN_LINKAGE void setClock(const SYSTEMTIME* utc, const SYSTEMTIME* local);
 
+// What GetSystemMetrics, GetSysColor, SystemParametersInfoA, GetDeviceCaps and GetVersionExA answer from; the
+// arrays are indexed by the Win32 index.
+struct ScreenDescription {
+    std::int32_t metrics[100];
+    COLORREF colors[32];
+    LOGFONTA iconTitleFont;
+    std::int32_t numColors;  // -1: more than 256
+    std::int32_t platformId, majorVersion;
+};
+
+// Answers the layer's own screen: 1920 x 1080 pixels at 96 dpi, the classic colours, Windows NT 4.
+TARN_LINKAGE ScreenDescription classicScreen();
+
+// Makes a copy of `screen` the screen from now on; NULL puts the classic one back.
+TARN_LINKAGE void setScreen(const ScreenDescription* screen);
+
+// Gives `module` (NULL: the program) a resource, with a copy of the bytes.  One of the same type and id is
+// replaced, and what was found or locked of it is void.
+TARN_LINKAGE void addResource(HINSTANCE module, std::uint16_t type, std::uint16_t id, const void* data,
+                              std::uint32_t size);
+// Takes all resources of `module` away.
+TARN_LINKAGE void removeResources(HINSTANCE module);
+
+// Puts every MessageBoxA to `function`, whose answer is the box's; the text is NULL where the caller's was.
+// NULL: caption and text go to standard error, and the answer is IDOK.
+using MessageBoxFunction = int (*)(const char* text, const char* caption, std::uint32_t style);
+TARN_LINKAGE void setMessageBox(MessageBoxFunction function);
+
 // Answers how many handles of all families are open in this process: files, registry keys, menus, device
-// contexts and their objects, loaded modules.
+// contexts and their objects, blocks of global memory, loaded modules.
 TARN_LINKAGE std::int32_t openHandles();
 
 }  // namespace tarn

@@ -7,8 +7,10 @@
 //   files          platform/files.cpp            profile files  platform/profile_files.cpp
 //   clock          platform/clock.cpp            registry       platform/registry*.cpp
 //   last error     platform/last_error.cpp       menus          platform/menus.cpp
-//   number, text   platform/text_services.cpp    screen         platform/screen*.cpp, platform/resources.cpp
-//   messages       platform/messages.cpp         modules        platform/modules.cpp
+//   number, text   platform/text_services.cpp    screen         platform/screen.cpp
+//   messages       platform/messages.cpp         drawing        platform/device_contexts.cpp, bitmaps.cpp,
+//   dib.cpp modules        platform/modules.cpp          resources      platform/resources.cpp,
+//   global_memory.cpp
 //
 // docs/platform.md tells what each family does where Win32 leaves a choice.  Programs and tests that want
 // another clock, screen or message box than the machine's include platform/host.h.
@@ -25,6 +27,7 @@
 
 #else
 
+#include <cstdarg>
 #include <cstddef>
 #include <cstdint>
 
@@ -152,8 +155,209 @@ TARN_LINKAGE int lstrlenA(const char* text);
 // ------------------------------------------------------------------------------------------------------
 // menus
 
+using HMENU = struct HMENU__*;
+using HBITMAP = struct HBITMAP__*;
+
+constexpr UINT MF_BYCOMMAND = 0;
+constexpr UINT MF_BYPOSITION = 0x400;
+constexpr UINT MF_STRING = 0;
+constexpr UINT MF_BITMAP = 4;
+constexpr UINT MF_GRAYED = 1;
+constexpr UINT MF_DISABLED = 2;
+constexpr UINT MF_CHECKED = 8;
+constexpr UINT MF_POPUP = 0x10;
+constexpr UINT MF_OWNERDRAW = 0x100;
+constexpr UINT MF_SEPARATOR = 0x800;
+
+constexpr UINT MIIM_STATE = 1;
+constexpr UINT MIIM_ID = 2;
+constexpr UINT MIIM_SUBMENU = 4;
+constexpr UINT MIIM_TYPE = 0x10;
+constexpr UINT MIIM_DATA = 0x20;
+constexpr UINT MIIM_STRING = 0x40;
+constexpr UINT MIIM_FTYPE = 0x100;
+constexpr UINT MFT_OWNERDRAW = MF_OWNERDRAW;
+
+struct MENUITEMINFOA {
+    UINT cbSize;  // sizeof(MENUITEMINFOA), or that without hbmpItem
+    UINT fMask;
+    UINT fType;
+    UINT fState;
+    UINT wID;
+    HMENU hSubMenu;
+    HBITMAP hbmpChecked;
+    HBITMAP hbmpUnchecked;
+    ULONG_PTR dwItemData;
+    char* dwTypeData;
+    UINT cch;
+    HBITMAP hbmpItem;
+};
+
+TARN_LINKAGE HMENU CreatePopupMenu();
+// With MF_POPUP `id` is a menu, which goes with this one; with MF_OWNERDRAW `content` is the entry's data.
+TARN_LINKAGE BOOL AppendMenuA(HMENU menu, UINT flags, ULONG_PTR id, const char* content);
+// By command a menu is searched with all menus below it, depth first, and the first entry of that id is
+// taken.
+TARN_LINKAGE BOOL DeleteMenu(HMENU menu, UINT item, UINT flags);
+TARN_LINKAGE BOOL DestroyMenu(HMENU menu);  // and every menu below it
+TARN_LINKAGE int GetMenuItemCount(HMENU menu);
+TARN_LINKAGE UINT GetMenuItemID(HMENU menu, int position);
+TARN_LINKAGE HMENU GetSubMenu(HMENU menu, int position);
+TARN_LINKAGE UINT GetMenuState(HMENU menu, UINT item, UINT flags);
+TARN_LINKAGE BOOL GetMenuItemInfoA(HMENU menu, UINT item, BOOL byPosition, MENUITEMINFOA* info);
+
 // ------------------------------------------------------------------------------- screen, bitmaps, resources
 
+using HINSTANCE = struct HINSTANCE__*;
+using HMODULE = HINSTANCE;
+using HWND = struct HWND__*;
+using HDC = struct HDC__*;
+using HPALETTE = struct HPALETTE__*;
+using HBRUSH = struct HBRUSH__*;
+using HRSRC = struct HRSRC__*;
+using HGDIOBJ = void*;
+using HGLOBAL = HANDLE;
+using HLOCAL = HANDLE;
+using COLORREF = DWORD;  // 0x00BBGGRR
+
+constexpr int SM_CXSCREEN = 0, SM_CYSCREEN = 1, SM_CXVSCROLL = 2, SM_CYHSCROLL = 3, SM_CYCAPTION = 4;
+constexpr int SM_CXBORDER = 5, SM_CYBORDER = 6, SM_CXDLGFRAME = 7, SM_CYDLGFRAME = 8;
+constexpr int SM_CXICON = 11, SM_CYICON = 12, SM_CYMENU = 15, SM_CXFULLSCREEN = 16, SM_CYFULLSCREEN = 17;
+constexpr int SM_CYVSCROLL = 20, SM_CYSIZE = 31, SM_CXFRAME = 32, SM_CYFRAME = 33;
+constexpr int SM_CXEDGE = 45, SM_CYEDGE = 46, SM_CXSMICON = 49, SM_CYSMICON = 50, SM_CYSMCAPTION = 51;
+constexpr int SM_CXMENUCHECK = 71, SM_CYMENUCHECK = 72;
+
+constexpr int COLOR_MENU = 4, COLOR_WINDOW = 5, COLOR_WINDOWTEXT = 8, COLOR_HIGHLIGHT = 13;
+constexpr int COLOR_HIGHLIGHTTEXT = 14, COLOR_BTNFACE = 15, COLOR_BTNSHADOW = 16, COLOR_BTNTEXT = 18;
+constexpr int COLOR_BTNHIGHLIGHT = 20, COLOR_3DLIGHT = 22, COLOR_INFOBK = 24;
+
+constexpr UINT SPI_GETICONTITLELOGFONT = 31;
+constexpr DWORD VER_PLATFORM_WIN32s = 0, VER_PLATFORM_WIN32_WINDOWS = 1, VER_PLATFORM_WIN32_NT = 2;
+constexpr int HORZRES = 8, VERTRES = 10, BITSPIXEL = 12, PLANES = 14, NUMCOLORS = 24;
+constexpr int LOGPIXELSX = 88, LOGPIXELSY = 90, SIZEPALETTE = 104;
+constexpr COLORREF CLR_INVALID = 0xFFFFFFFF;
+constexpr DWORD BI_RGB = 0, BI_RLE8 = 1, BI_RLE4 = 2, BI_BITFIELDS = 3;
+constexpr DWORD CBM_INIT = 4;
+constexpr UINT DIB_RGB_COLORS = 0;
+constexpr UINT GMEM_FIXED = 0, GMEM_MOVEABLE = 2, GMEM_ZEROINIT = 0x40, GHND = 0x42;
+constexpr UINT GDI_ERROR = 0xFFFFFFFF;
+
+#define RGB(red, green, blue)                                                       \
+    (static_cast<COLORREF>(static_cast<BYTE>(red) | static_cast<BYTE>(green) << 8 | \
+                           static_cast<BYTE>(blue) << 16))
+#define MAKEINTRESOURCEA(number) \
+    (reinterpret_cast<const char*>(static_cast<ULONG_PTR>(static_cast<WORD>(number))))
+#define RT_BITMAP MAKEINTRESOURCEA(2)
+
+struct RECT {
+    LONG left, top, right, bottom;
+};
+struct LOGFONTA {
+    LONG lfHeight, lfWidth, lfEscapement, lfOrientation, lfWeight;
+    BYTE lfItalic, lfUnderline, lfStrikeOut, lfCharSet, lfOutPrecision, lfClipPrecision, lfQuality;
+    BYTE lfPitchAndFamily;
+    char lfFaceName[32];
+};
+struct OSVERSIONINFOA {
+    DWORD dwOSVersionInfoSize, dwMajorVersion, dwMinorVersion, dwBuildNumber, dwPlatformId;
+    char szCSDVersion[128];
+};
+struct BITMAP {
+    LONG bmType, bmWidth, bmHeight, bmWidthBytes;
+    WORD bmPlanes, bmBitsPixel;
+    void* bmBits;
+};
+struct PALETTEENTRY {
+    BYTE peRed, peGreen, peBlue, peFlags;
+};
+struct LOGPALETTE {
+    WORD palVersion, palNumEntries;
+    PALETTEENTRY palPalEntry[1];
+};
+struct RGBQUAD {
+    BYTE rgbBlue, rgbGreen, rgbRed, rgbReserved;
+};
+struct BITMAPINFOHEADER {
+    DWORD biSize;
+    LONG biWidth, biHeight;  // rows run upward when the height is above 0
+    WORD biPlanes, biBitCount;
+    DWORD biCompression, biSizeImage;
+    LONG biXPelsPerMeter, biYPelsPerMeter;
+    DWORD biClrUsed, biClrImportant;
+};
+struct BITMAPINFO {
+    BITMAPINFOHEADER bmiHeader;
+    RGBQUAD bmiColors[1];
+};
+
+TARN_LINKAGE int GetSystemMetrics(int index);
+TARN_LINKAGE COLORREF GetSysColor(int index);
+TARN_LINKAGE BOOL SystemParametersInfoA(UINT action, UINT size, void* out, UINT update);
+TARN_LINKAGE BOOL GetVersionExA(OSVERSIONINFOA* version);
+TARN_LINKAGE HWND GetDesktopWindow();
+
+// The screen's device context shows no pixels; those of a memory device context are its bitmap's.
+TARN_LINKAGE HDC GetDC(HWND window);
+TARN_LINKAGE int ReleaseDC(HWND window, HDC context);
+TARN_LINKAGE HDC CreateCompatibleDC(HDC context);
+TARN_LINKAGE BOOL DeleteDC(HDC context);
+TARN_LINKAGE int GetDeviceCaps(HDC context, int index);
+TARN_LINKAGE HGDIOBJ SelectObject(HDC context, HGDIOBJ object);  // bitmaps only
+TARN_LINKAGE HPALETTE SelectPalette(HDC context, HPALETTE palette, BOOL background);
+TARN_LINKAGE UINT RealizePalette(HDC context);
+TARN_LINKAGE BOOL SetRect(RECT* rectangle, int left, int top, int right, int bottom);
+TARN_LINKAGE int FillRect(HDC context, const RECT* rectangle, HBRUSH brush);
+TARN_LINKAGE COLORREF GetPixel(HDC context, int x, int y);
+
+TARN_LINKAGE HBITMAP CreateCompatibleBitmap(HDC context, int width, int height);
+TARN_LINKAGE HBITMAP CreateDIBitmap(HDC context, const BITMAPINFOHEADER* header, DWORD flags,
+                                    const void* pixels, const BITMAPINFO* info, UINT usage);
+TARN_LINKAGE HPALETTE CreatePalette(const LOGPALETTE* palette);
+TARN_LINKAGE UINT GetPaletteEntries(HPALETTE palette, UINT first, UINT count, PALETTEENTRY* entries);
+TARN_LINKAGE HBRUSH CreateSolidBrush(COLORREF color);
+TARN_LINKAGE int GetObjectA(HANDLE object, int size, void* out);  // bitmaps and palettes
+TARN_LINKAGE BOOL DeleteObject(HGDIOBJ object);                   // refused while a bitmap is selected
+
+// Resources are those of tarn::addResource; names are numbers, or texts like "#101".
+TARN_LINKAGE HRSRC FindResourceA(HINSTANCE module, const char* name, const char* type);
+TARN_LINKAGE HGLOBAL LoadResource(HINSTANCE module, HRSRC resource);
+TARN_LINKAGE void* LockResource(HGLOBAL resource);
+TARN_LINKAGE DWORD SizeofResource(HINSTANCE module, HRSRC resource);
+TARN_LINKAGE BOOL FreeResource(HGLOBAL resource);
+TARN_LINKAGE HBITMAP LoadBitmapA(HINSTANCE module, const char* name);
+
+TARN_LINKAGE HGLOBAL GlobalAlloc(UINT flags, std::size_t bytes);
+TARN_LINKAGE void* GlobalLock(HGLOBAL memory);
+TARN_LINKAGE BOOL GlobalUnlock(HGLOBAL memory);
+TARN_LINKAGE HGLOBAL GlobalFree(HGLOBAL memory);  // NULL when it is released
+TARN_LINKAGE HLOCAL LocalFree(HLOCAL memory);
+
 // ---------------------------------------------------------------------------------------- messages, modules
+
+using FARPROC = std::intptr_t(WINAPI*)();
+
+constexpr DWORD FORMAT_MESSAGE_ALLOCATE_BUFFER = 0x100;
+constexpr DWORD FORMAT_MESSAGE_IGNORE_INSERTS = 0x200;
+constexpr DWORD FORMAT_MESSAGE_FROM_SYSTEM = 0x1000;
+constexpr UINT MB_OK = 0;
+constexpr UINT MB_SETFOREGROUND = 0x10000;
+constexpr int IDOK = 1;
+constexpr UINT SEM_FAILCRITICALERRORS = 1;
+constexpr UINT SEM_NOOPENFILEERRORBOX = 0x8000;
+constexpr DWORD DLL_PROCESS_ATTACH = 1;
+
+// With FORMAT_MESSAGE_ALLOCATE_BUFFER `buffer` is the address of a char*, which LocalFree releases.  Inserts
+// (%1) are never filled: a text that holds one is given with FORMAT_MESSAGE_IGNORE_INSERTS alone.
+TARN_LINKAGE DWORD FormatMessageA(DWORD flags, const void* source, DWORD code, DWORD language, char* buffer,
+                                  DWORD size, std::va_list* arguments);
+TARN_LINKAGE int MessageBoxA(HWND owner, const char* text, const char* caption, UINT style);
+
+// `file` may leave out the suffix ".so"; without a folder it is searched for where the system searches.
+TARN_LINKAGE HMODULE LoadLibraryA(const char* file);
+TARN_LINKAGE FARPROC GetProcAddress(HMODULE module, const char* name);  // NULL is the program itself
+TARN_LINKAGE BOOL FreeLibrary(HMODULE module);
+TARN_LINKAGE BOOL DisableThreadLibraryCalls(HMODULE module);
+TARN_LINKAGE UINT SetErrorMode(UINT mode);  // answers the earlier mode
+TARN_LINKAGE UINT GetErrorMode();
 
 #endif
