@@ -104,7 +104,7 @@ TEST(Menus, TextsAreCutToTheRoomThatIsGiven) {
     char text[] = "Orders";
     ASSERT_TRUE(AppendMenuA(menu, MF_STRING | MF_GRAYED, 7, text));
     text[0] = '?';
-    char buffer[16] = "";
+    char buffer[] = "????????";
     MENUITEMINFOA info{};
     info.cbSize = sizeof info;
     info.fMask = MIIM_STRING | MIIM_STATE;
@@ -114,7 +114,8 @@ TEST(Menus, TextsAreCutToTheRoomThatIsGiven) {
     info.dwTypeData = buffer;
     info.cch = 4;
     ASSERT_TRUE(GetMenuItemInfoA(menu, 7, FALSE, &info));
-    EXPECT_STREQ(buffer, "Ord");
+    EXPECT_EQ(std::string(buffer, 3), "Ord");
+    EXPECT_EQ(std::string(buffer + 4), "????");
     DestroyMenu(menu);
 }
 
