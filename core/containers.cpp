@@ -194,13 +194,22 @@ MOLTVARIANT* nodeList::removeCell(std::int32_t position) {
 }
 
 void nodeList::shiftKeys(std::int32_t first, std::int32_t last, std::int32_t by) {
-    for (std::int32_t i = std::max(first, 0); i < std::min(last, count); ++i) {
+    first = std::max(first, 0);
+    last = std::min(last, count);
+    if (first >= last || by == 0) return;
+    bool wrapped = false;
+    for (std::int32_t i = first; i < last; ++i) {
         std::int32_t& key = cells[i]->key.number;
         const std::int32_t shifted = wrappingSum(key, by);
-        if (by != 0 && (shifted < key) != (by < 0)) {  // it wrapped: what was in order isn't any more
-            sorted_ = 0;
-            needsSort = 1;
-        }
+        wrapped = wrapped || (shifted < key) != (by < 0);
         key = shifted;
     }
+    const auto inOrder = [this](std::int32_t i) { return i < 1 || i >= count || !comesBefore(cells[i], cells[i - 1]); };
+    std::int32_t ordered = sorted_;
+    if (!inOrder(last)) ordered = std::min(ordered, last);
+    if (!inOrder(first)) ordered = std::min(ordered, first);
+    if (wrapped) ordered = 0;
+    if (ordered == sorted_) return;
+    sorted_ = ordered;
+    needsSort = 1;
 }

@@ -71,8 +71,11 @@ TEST(EngineDataTest, RandomWorkOnFieldsMatchesAModel) {
         } else {
             if (column) record.storeMultiData(id, 0, &value, 0);
             if (!column) record.storeData(id, &value);
-            if (known == model.end()) model.push_back({id, column, step});
-            if (known != model.end()) known->value = step;
+            if (known != model.end()) {
+                known->value = step;
+            } else {
+                model.push_back({id, column, step});
+            }
         }
         const auto probe = static_cast<std::int32_t>(random() % 60) - 30;
         for (const bool kind : {false, true}) {

@@ -1,0 +1,65 @@
+// The exception object and the two boxes of diagnostics.
+
+#include "core/exception.h"
+
+#include <string>
+
+#include "core/number_text.h"
+
+namespace {
+
+constexpr std::int32_t kindPutToUser = 1;
+constexpr std::int32_t questionStyle = 0x100001;
+constexpr std::int32_t answerYes = 6;
+constexpr DWORD userDefaultLanguage = 1024;
+
+}  // namespace
+
+tarnException::tarnException(TARN_EXCEPTION_TYPE kind, const tarnString& text)
+    : message(text), type(kind), code(0) {}
+
+tarnException::tarnException(std::int32_t number, const tarnString& text)
+    : message(text), type{}, code(number) {}
+
+tarnException::~tarnException() = default;
+
+int tarnException::displayMessage(tarnGlobalInterfaces* host) {
+    if (type != kindPutToUser || host == nullptr) return 0;
+    tarnUserDialog* const dialog = host->userDialog();
+    if (dialog == nullptr) return 0;
+    const std::int32_t answer =
+        dialog->askUser(message.text, "Do you want to try to restore the old flow? ", questionStyle);
+    return answer == answerYes ? 1 : 0;
+}
+
+void showGetLastError(const char* title) {
+    const DWORD code = GetLastError();
+    char* text = nullptr;
+    FormatMessageA(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM, nullptr, code,
+                   userDefaultLanguage, reinterpret_cast<char*>(&text), 0, nullptr);
+    char number[12];
+    tarn::writeLong(number, static_cast<std::int32_t>(code));
+    const std::string caption =
+        "GetLastError( " + std::string(number) + " ) : " + (title == nullptr ? "" : title);
+    MessageBoxA(nullptr, text, caption.c_str(), MB_SETFOREGROUND);
+    LocalFree(text);
+}
+
+int loadDllFunc(HINSTANCE& module, int(__stdcall** function)(), const char* file, const char* name,
+                int quiet) {
+    if (function != nullptr) *function = nullptr;
+    if (quiet != 0) SetErrorMode(SEM_NOOPENFILEERRORBOX);
+    module = LoadLibraryA(file);
+    int found = 0;
+    if (module != nullptr) {
+        // Every function pointer fits into any other; the caller knows the true type.
+        const auto plain = reinterpret_cast<void (*)()>(GetProcAddress(module, name));
+        const auto address = reinterpret_cast<int(__stdcall*)()>(plain);
+        if (function != nullptr) *function = address;
+        found = address != nullptr ? 1 : 0;
+    } else if (quiet == 0) {
+        showGetLastError(file);
+    }
+    if (quiet != 0) SetErrorMode(0);
+    return found;
+}

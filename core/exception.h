@@ -1,0 +1,75 @@
+#pragma once
+
+// The client's exception object, and two ways to put a failure to the user.  The library itself throws
+// nothing.
+//
+//   throw tarnException(TARN_EXCEPTION_TYPE{1}, message);
+//   ...
+//   catch (tarnException& failure) { if (failure.displayMessage(host) == 1) restoreFlow(); }
+//
+// Threads: no shared state but the process's error mode, which loadDllFunc changes for the time of the load.
+// The boxes block the caller's thread.
+
+#include <cstdint>
+
+#include "core/containers.h"
+#include "core/export.h"
+#include "core/string.h"
+#include "platform/win32.h"
+
+// The kind of a failure.  1 is the kind that is put to the user; the other values are the client's.
+enum TARN_EXCEPTION_TYPE : std::int32_t {};
+
+// Host interfaces, which the client implements.
+
+class TARN_EXPORT tarnUserDialog {
+  public:
+    virtual ~tarnUserDialog() = default;
+    // Shows a text and a question in a box of this style.  Answers 6 for yes.
+    virtual std::int32_t askUser(const char* text, const char* question, std::int32_t style) = 0;
+};
+
+class TARN_EXPORT tarnFieldDictionary {
+  public:
+    virtual ~tarnFieldDictionary() = default;
+    // Answers the type code of a field in the low 16 bits, signed: 1 short, 2 and 3 long, 4 character, 5
+    // text, 6 float, 7 double.  Any other code, for an unknown field too, means text.
+    virtual std::int32_t getFieldType(std::int32_t id) = 0;
+};
+
+class TARN_EXPORT tarnGlobalInterfaces {
+  public:
+    virtual ~tarnGlobalInterfaces() = default;
+    virtual tarnUserDialog* userDialog() = 0;
+    virtual tarnFieldDictionary* fieldDictionary() = 0;
+};
+
+class TARN_EXPORT tarnException : public tarnObject {
+  public:
+    tarnString message;
+    TARN_EXCEPTION_TYPE type;
+    std::int32_t code;
+
+    // Copies the text.  The kind and the code exclude each other: the one that isn't given is 0.
+    tarnException(TARN_EXCEPTION_TYPE kind, const tarnString& text);
+    tarnException(std::int32_t number, const tarnString& text);
+    tarnException(const tarnException&) = default;
+    tarnException& operator=(const tarnException&) = default;
+    ~tarnException() override;
+
+    // Puts a failure of kind 1 to the user, through the host's dialog.
+    // Answers 1 if the user said yes, else 0, and 0 without asking for every other kind and without a dialog.
+    int displayMessage(tarnGlobalInterfaces* host);
+};
+
+// Shows the text of the last system error in a box with the caption "GetLastError( 2 ) : title".  A code
+// without a text shows an empty box.
+TARN_EXPORT void showGetLastError(const char* title);
+
+// Loads a module and finds a function in it.
+//   module    out: the module, NULL if it can't be loaded.  Owner: the caller, FreeLibrary, also after answer
+//   0 function  out: the function, NULL if there is none quiet     0 shows the box of showGetLastError for a
+//   module that can't be loaded; anything else shows nothing
+// Answers 1 if the function was found.  A function that the module lacks shows nothing in either case.
+TARN_EXPORT int loadDllFunc(HINSTANCE& module, int(__stdcall** function)(), const char* file,
+                            const char* name, int quiet);
