@@ -132,10 +132,12 @@ std::int32_t nodeList::add(MOLTVARIANT* value, std::int32_t key) {
     cell->key.text = nullptr;
     cell->key.number = key;
     cell->keyType = keyType;
-    const bool inOrder =
-        sorted_ == count && keyType == keyTypeNumber && (count == 0 || cells[count - 1]->key.number <= key);
+    const bool inOrder = sorted_ == count && keyType == keyTypeNumber;
+    const bool ascends = inOrder && (count == 0 || cells[count - 1]->key.number < key);
+    const bool repeats = inOrder && !ascends && cells[count - 1]->key.number == key;
     cells[count++] = cell;
-    if (inOrder) sorted_ = count;
+    if (ascends || repeats) sorted_ = count;
+    if (!ascends) mayRepeat_ = true;
     needsSort = 1;
     return 0;
 }
@@ -150,6 +152,7 @@ void nodeList::release() {
     cells = nullptr;
     freeCells_ = nullptr;
     count = capacity = allocated_ = unusedCells_ = blockCells_ = sorted_ = needsSort = 0;
+    mayRepeat_ = false;
 }
 
 void nodeList::sort() {
@@ -170,7 +173,7 @@ std::int32_t nodeList::findInsertPosition(std::int32_t key) {
     return static_cast<std::int32_t>(position - cells);
 }
 
-nodeCell** nodeList::find(std::int32_t key) {
+nodeCell** nodeList::search(std::int32_t key) {
     sort();
     if (keyType != keyTypeNumber || count == 0) return nullptr;
     const auto keyAt = [this](std::int32_t position) { return cells[position]->key.number; };
@@ -204,11 +207,14 @@ void nodeList::shiftKeys(std::int32_t first, std::int32_t last, std::int32_t by)
         wrapped = wrapped || (shifted < key) != (by < 0);
         key = shifted;
     }
-    const auto inOrder = [this](std::int32_t i) { return i < 1 || i >= count || !comesBefore(cells[i], cells[i - 1]); };
+    const auto inOrder = [this](std::int32_t i) {
+        return i < 1 || i >= count || !comesBefore(cells[i], cells[i - 1]);
+    };
     std::int32_t ordered = sorted_;
     if (!inOrder(last)) ordered = std::min(ordered, last);
     if (!inOrder(first)) ordered = std::min(ordered, first);
     if (wrapped) ordered = 0;
+    mayRepeat_ = true;
     if (ordered == sorted_) return;
     sorted_ = ordered;
     needsSort = 1;

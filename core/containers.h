@@ -231,7 +231,13 @@ class TARN_EXPORT nodeList {
 
     // Sorts, and answers the slot of the first cell with this key, or NULL.  Owner: the list, until it
     // changes. A list of another key type than 1 finds nothing.
-    nodeCell** find(std::int32_t key);
+    nodeCell** find(std::int32_t key) {
+        // In a column without gaps a row stands at the position of its number.
+        if (needsSort == 0 && !mayRepeat_ && key >= 0 && key < count && cells[key]->key.number == key) {
+            return cells + key;
+        }
+        return search(key);
+    }
 
     // Sorts, and answers the position of the first cell whose key is at or above `key`, `count` if there is
     // none.
@@ -248,6 +254,7 @@ class TARN_EXPORT nodeList {
   private:
     struct Block;
 
+    nodeCell** search(std::int32_t key);
     nodeCell* newCell();
     void newBlock(std::int32_t cellCount);
     void makeRoom(std::int32_t slots);
@@ -258,6 +265,7 @@ class TARN_EXPORT nodeList {
     std::int32_t unusedCells_ = 0;   // in the newest block
     std::int32_t blockCells_ = 0;    // size of the newest block
     std::int32_t sorted_ = 0;        // leading cells that are in key order
+    bool mayRepeat_ = false;         // a key may stand twice, or isn't a number
 };
 
 // Payload of a column, a value of tag 21.

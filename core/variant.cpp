@@ -168,11 +168,7 @@ void MOLTVARIANT::initContent(const MOLTVARIANT* source) {
 }
 
 void MOLTVARIANT::assignContent(const MOLTVARIANT* source) {
-    if (source == nullptr) {
-        std::memset(static_cast<void*>(this), 0, sizeof *this);
-    } else {
-        std::memmove(static_cast<void*>(this), source, sizeof *this);
-    }
+    *this = source == nullptr ? MOLTVARIANT() : *source;
 }
 
 void MOLTVARIANT::copyContent(const MOLTVARIANT* source) {

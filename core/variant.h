@@ -20,6 +20,7 @@
 // Threads: no shared state; a value and the tree below it belong to one thread at a time.
 
 #include <cstdint>
+#include <cstring>
 
 #include "core/containers.h"
 #include "core/export.h"
@@ -81,7 +82,7 @@ struct TARN_EXPORT MOLTVARIANT {
         tarnFieldList* record;          // tag 22
     } payload;
 
-    MOLTVARIANT() { initContent(nullptr); }
+    MOLTVARIANT() { std::memset(static_cast<void*>(this), 0, sizeof *this); }
     // A deep copy; of NULL an empty value.
     explicit MOLTVARIANT(const MOLTVARIANT* source) { initContent(source); }
 

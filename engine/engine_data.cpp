@@ -4,11 +4,12 @@
 
 #include "engine/engine_data.h"
 
-#include <algorithm>
 #include <memory>
+#include <utility>
 
 #include "core/value_owner.h"
 #include "engine/column.h"
+#include "engine/field_lookup.h"
 
 using tarn::copyOf;
 using tarn::OwnedValue;
@@ -82,26 +83,6 @@ void tarnEngineData::makeEmpty() {
     root = record.root.release();
 }
 
-std::int32_t tarnEngineData::findField(const tarnFieldList* list, std::int32_t id, int multi) {
-    if (list == nullptr) return -1;
-    const std::int32_t* const ids = list->ids->data;
-    const auto matches = [&](std::int32_t index) {
-        const MOLTVARIANT* const value = list->values->data[index];
-        return ids[index] == id && value != nullptr && isColumn(value) == (multi != 0);
-    };
-    if (id == lastId && lastIndex >= 0 && lastIndex < list->count && matches(lastIndex)) return lastIndex;
-    const std::int32_t* const end = ids + list->count;
-    for (const std::int32_t* slot = std::find(ids, end, id); slot != end;
-         slot = std::find(slot + 1, end, id)) {
-        const auto index = static_cast<std::int32_t>(slot - ids);
-        if (!matches(index)) continue;
-        lastId = id;
-        lastIndex = index;
-        return index;
-    }
-    return -1;
-}
-
 std::int32_t tarnEngineData::getId(std::int32_t index) const {
     if (fields == nullptr) return -1;
     std::int32_t id = -1;
@@ -111,9 +92,8 @@ std::int32_t tarnEngineData::getId(std::int32_t index) const {
 }
 
 std::int32_t tarnEngineData::getData(std::int32_t id, MOLTVARIANT* out) {
-    if (out != nullptr) out->initContent(nullptr);
     const std::int32_t index = findField(fields, id, 0);
-    if (index >= 0 && out != nullptr) out->assignContent(fields->values->getAt(index));
+    if (out != nullptr) *out = index < 0 ? MOLTVARIANT() : *fields->values->data[index];
     return index;
 }
 

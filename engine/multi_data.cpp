@@ -7,6 +7,7 @@
 #include "core/value_owner.h"
 #include "engine/column.h"
 #include "engine/engine_data.h"
+#include "engine/field_lookup.h"
 
 using tarn::copyOf;
 using tarn::OwnedValue;
@@ -18,12 +19,6 @@ namespace {
 constexpr std::int32_t fieldTakenOver = -26;  // by appendMultiData
 
 }  // namespace
-
-nodeList* tarnEngineData::columnAt(std::int32_t index) const {
-    const MOLTVARIANT* const value = fields == nullptr ? nullptr : fields->values->getAt(index);
-    if (value == nullptr || value->tag != tagMulti || value->payload.multi == nullptr) return nullptr;
-    return value->payload.multi->nodes;
-}
 
 nodeList* tarnEngineData::findColumn(std::int32_t id) {
     const std::int32_t index = findField(fields, id, 1);
@@ -66,13 +61,12 @@ void tarnEngineData::insertMultiData(std::int32_t id, std::int32_t row, const MO
 }
 
 std::int32_t tarnEngineData::getMultiData(std::int32_t id, std::int32_t row, MOLTVARIANT* out) {
-    if (out != nullptr) out->initContent(nullptr);
     const std::int32_t index = findField(fields, id, 1);
     nodeList* const column = index < 0 ? nullptr : columnAt(index);
     nodeCell** const slot = column == nullptr ? nullptr : column->find(row);
-    if (slot == nullptr || (*slot)->value == nullptr) return -1;
-    if (out != nullptr) out->assignContent((*slot)->value);
-    return index;
+    const bool found = slot != nullptr && (*slot)->value != nullptr;
+    if (out != nullptr) *out = found ? *(*slot)->value : MOLTVARIANT();
+    return found ? index : -1;
 }
 
 std::int32_t tarnEngineData::findMultiData(std::int32_t id, const MOLTVARIANT* value) {

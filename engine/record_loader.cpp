@@ -9,6 +9,7 @@
 #include <bit>
 
 #include "engine/column.h"
+#include "engine/field_lookup.h"
 
 namespace tarn {
 

@@ -1,0 +1,36 @@
+#pragma once
+
+// Internal: how all operations of a record find a field; included by the sources that do.  Users want
+// engine/engine_data.h.
+
+#include <algorithm>
+
+#include "engine/engine_data.h"
+
+// The field remembered from the last search is tried first, and checked against the list, so that nothing
+// ever has to forget it.
+inline std::int32_t tarnEngineData::findField(const tarnFieldList* list, std::int32_t id, int multi) {
+    if (list == nullptr) return -1;
+    const std::int32_t* const ids = list->ids->data;
+    const auto matches = [&](std::int32_t index) {
+        const MOLTVARIANT* const value = list->values->data[index];
+        return ids[index] == id && value != nullptr && (value->tag == tagMulti) == (multi != 0);
+    };
+    if (id == lastId && lastIndex >= 0 && lastIndex < list->count && matches(lastIndex)) return lastIndex;
+    const std::int32_t* const end = ids + list->count;
+    for (const std::int32_t* slot = std::find(ids, end, id); slot != end;
+         slot = std::find(slot + 1, end, id)) {
+        const auto index = static_cast<std::int32_t>(slot - ids);
+        if (!matches(index)) continue;
+        lastId = id;
+        lastIndex = index;
+        return index;
+    }
+    return -1;
+}
+
+inline nodeList* tarnEngineData::columnAt(std::int32_t index) const {
+    const MOLTVARIANT* const value = fields == nullptr ? nullptr : fields->values->getAt(index);
+    if (value == nullptr || value->tag != tagMulti || value->payload.multi == nullptr) return nullptr;
+    return value->payload.multi->nodes;
+}
