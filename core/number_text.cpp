@@ -66,17 +66,24 @@ double readDouble(const char* text) {
 }
 
 std::int32_t readLong(const char* text) {
-    if (text == nullptr) return 0;
+    std::int32_t number = 0;
+    if (text != nullptr) scanLong(text, number);
+    return number;
+}
+
+const char* scanLong(const char* text, std::int32_t& number) {
+    constexpr std::int64_t largest = std::numeric_limits<std::int32_t>::max();
     text = skipSpace(text);
     const bool negative = *text == '-';
     if (negative || *text == '+') ++text;
-    std::int64_t number = 0;
-    for (; isDigit(*text) && number <= std::numeric_limits<std::int32_t>::max(); ++text) {
-        number = number * 10 + (*text - '0');
+    if (!isDigit(*text)) return nullptr;
+    std::int64_t size = 0;
+    for (; isDigit(*text); ++text) {
+        if (size <= largest) size = size * 10 + (*text - '0');
     }
-    const std::int64_t limit = std::int64_t{std::numeric_limits<std::int32_t>::max()} + (negative ? 1 : 0);
-    number = std::min(number, limit);
-    return static_cast<std::int32_t>(negative ? -number : number);
+    size = std::min(size, largest + (negative ? 1 : 0));
+    number = static_cast<std::int32_t>(negative ? -size : size);
+    return text;
 }
 
 char* writeFixed(char* target, double value, std::uint32_t decimals) {

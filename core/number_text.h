@@ -16,6 +16,10 @@ double readDouble(const char* text);
 // Reads what atol reads, as 32 bits: a number outside them becomes the nearest limit.  NULL answers 0.
 std::int32_t readLong(const char* text);
 
+// Reads one number as the C library's %d does, with that clamping.  Answers where it ends, or NULL if no
+// digits stand there, which leaves `number` alone.
+const char* scanLong(const char* text, std::int32_t& number);
+
 // Bytes that writeFixed may need with this many decimals: sign, 309 digits, point, decimals, terminator.
 constexpr std::size_t fixedRoom(std::size_t decimals) {
     return 312 + decimals;

@@ -6,12 +6,18 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <random>
 #include <string>
 #include <string_view>
+
+#include "platform/win32.h"
+#if !defined(_WIN32)
+#include "platform/host.h"
+#endif
 
 namespace tarntest {
 
@@ -59,5 +65,36 @@ inline void setEnvironment(const char* name, const char* value) {
     }
 #endif
 }
+
+// Sets the zone of local time, in a form that POSIX and Windows share: UTC0, EST5EDT.
+inline void setTimeZone(const char* zone) {
+    setEnvironment("TZ", zone);
+#if defined(_WIN32)
+    ::_tzset();
+#else
+    ::tzset();
+#endif
+}
+
+// Holds the clock, for universal and local time alike, at the start of a day until the end of the test.
+class HeldClock {
+  public:
+#if defined(_WIN32)
+    static constexpr bool possible = false;
+    HeldClock(int, int, int) {}
+#else
+    static constexpr bool possible = true;
+    HeldClock(int year, int month, int day) {
+        const SYSTEMTIME now{
+            static_cast<WORD>(year), static_cast<WORD>(month), 0, static_cast<WORD>(day), 0, 0, 0, 0};
+        tarn::setClock(&now, &now);
+    }
+    ~HeldClock() {
+        tarn::setClock(nullptr, nullptr);
+    }
+#endif
+    HeldClock(const HeldClock&) = delete;
+    HeldClock& operator=(const HeldClock&) = delete;
+};
 
 }  // namespace tarntest
