@@ -134,19 +134,23 @@ const char* scanField(const char* text, std::int32_t& number) {
     return text + 2;
 }
 
-// Scans numbers with the separators between them, up to the first that doesn't fit.  Answers false if the
-// text ends before anything stands in it, for which sscanf has an answer of its own.
-bool scanNumbers(const char* text, std::string_view separators, std::int32_t* numbers) {
+}  // namespace
+
+int scanNumbers(const char* text, std::string_view separators, std::int32_t* numbers) {
     const char* at = scanField(text, *numbers);
-    if (at == nullptr) return text[std::strspn(text, " \t\n\v\f\r")] != '\0';
+    if (at == nullptr) return text[std::strspn(text, " \t\n\v\f\r")] == '\0' ? -1 : 0;
+    int found = 1;
     for (const char separator : separators) {
         // A blank stands for any number of them, which the next number passes over itself.
         if (separator != ' ' && *at++ != separator) break;
         at = scanField(at, *++numbers);
         if (at == nullptr) break;
+        ++found;
     }
-    return true;
+    return found;
 }
+
+namespace {
 
 constexpr std::int32_t noSeconds = -1;  // of a moment that mktime can't tell
 
@@ -158,7 +162,7 @@ std::int32_t readMoment(char* text, std::tm& out) {
     overwriteNoDate(text, length);
     const std::string_view separators = separatorsOf(length);
     std::int32_t numbers[6] = {};
-    if (separators.empty() || !scanNumbers(text, separators, numbers)) return noSeconds;  // all 0 is 1899
+    if (separators.empty() || scanNumbers(text, separators, numbers) < 0) return noSeconds;  // all 0 is 1899
     const auto [month, day, year, hour, minute, second] = numbers;
     out.tm_sec = second;
     out.tm_min = minute;

@@ -6,6 +6,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <ctime>
+#include <string_view>
+
+#include "calendar/market_calendar.h"
 
 namespace tarn {
 
@@ -80,6 +83,14 @@ bool readCompactDate(const char* text, CalendarDate& date);
 // writes them, without the year's first two characters in the short form, and cut after 10 characters.  The
 // last byte is always 0.
 void writeDate(const CalendarDate& date, bool fourDigitYear, char* out);
+
+// Scans numbers with these separators between them, as sscanf scans "%d/%d/%d" for "//"; a blank stands for
+// any white space.  `numbers` has one place more than there are separators and keeps what isn't found.
+// Answers how many were found, and -1 for a text in which nothing stands.
+int scanNumbers(const char* text, std::string_view separators, std::int32_t* numbers);
+
+// Today's local date, with the year taken modulo 128 as the packed field is.
+PKDATE packedToday();
 
 // mktime with a 32-bit result: normalises `moment`, taken as local time, and answers its seconds since 1970.
 // A moment outside 1970 to 2038 answers -1 and leaves `moment` alone.

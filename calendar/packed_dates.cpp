@@ -3,13 +3,11 @@
 
 #include <cstdint>
 
+#include "calendar/date_text.h"
 #include "calendar/market_calendar.h"
 #include "platform/win32.h"
 
-namespace {
-
-// The local date, with the year taken modulo 128 as the field is.
-PKDATE packedToday() {
+PKDATE tarn::packedToday() {
     SYSTEMTIME now;
     GetLocalTime(&now);
     PKDATE today{};
@@ -18,8 +16,6 @@ PKDATE packedToday() {
     today.parts.year = (now.wYear - 1970) & 127;
     return today;
 }
-
-}  // namespace
 
 std::int32_t DateToJulian(PKDATE date) {
     std::int32_t year = date.parts.year + 1970;
@@ -38,5 +34,5 @@ std::int32_t DateToJulian(PKDATE date) {
 std::int32_t calculateDaystoExpiration(std::uint16_t swappedDate) {
     PKDATE date{};
     date.value = static_cast<std::uint16_t>(swappedDate << 8 | swappedDate >> 8);
-    return DateToJulian(date) - DateToJulian(packedToday());
+    return DateToJulian(date) - DateToJulian(tarn::packedToday());
 }

@@ -12,6 +12,7 @@
 #include <array>
 #include <cstdio>
 #include <cstring>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -127,13 +128,13 @@ void printLine(const char* text) {
 
 char* getSettlementDate(const char* date, std::int32_t businessDays, int fourDigitYear) {
     if (date == nullptr) return nullptr;
-    char* const result = new char[tarn::dateTextSize]();
+    std::unique_ptr<char[]> result(new char[tarn::dateTextSize]());
     const std::size_t length = std::strlen(date);
     if (const auto found = tarn::settlementDate(date, length, businessDays)) {
-        tarn::writeDate(*found, fourDigitYear != 0, result);
+        tarn::writeDate(*found, fourDigitYear != 0, result.get());
     } else {
-        std::memcpy(result, date, std::min(length, tarn::dateTextSize - 1));
+        std::memcpy(result.get(), date, std::min(length, tarn::dateTextSize - 1));
     }
-    tarn::printLine(result);
-    return result;
+    tarn::printLine(result.get());
+    return result.release();
 }
