@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <memory>
 #include <string_view>
 
 #include "fintext/financial_text.h"
@@ -17,11 +16,9 @@ char* endOf(char* text) {
 
 char* concatstr(const char* first, const char* second) {
     if (first == nullptr || second == nullptr) return nullptr;
-    const std::size_t firstLength = std::strlen(first);
-    const std::size_t secondBytes = std::strlen(second) + 1;
-    auto* const joined = new char[firstLength + secondBytes];
-    std::memcpy(joined, first, firstLength);
-    std::memcpy(joined + firstLength, second, secondBytes);
+    const std::string_view front(first);
+    auto* const joined = new char[front.size() + std::strlen(second) + 1];
+    std::strcpy(std::copy(front.begin(), front.end(), joined), second);
     return joined;
 }
 
