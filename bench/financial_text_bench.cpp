@@ -215,10 +215,11 @@ void checkAnswers() {
 }  // namespace
 
 BENCHMARK(run<readOurs>)->Name("price_read/ours");
-BENCHMARK(run<readOursFractions>)->Name("price_read/ours_with_fractions");
 BENCHMARK(run<readByHand>)->Name("price_read/hand_written");
 BENCHMARK(run<readFromChars>)->Name("price_read/from_chars");
 BENCHMARK(run<readStrtod>)->Name("price_read/strtod");
+BENCHMARK(run<readOursFractions>)->Name("price_or_fraction_read/ours");
+BENCHMARK(run<readByHand>)->Name("price_or_fraction_read/hand_written");
 BENCHMARK(run<writeOurs>)->Name("price_write/ours");
 BENCHMARK(run<writeByHand>)->Name("price_write/hand_written");
 BENCHMARK(run<writeToChars>)->Name("price_write/to_chars");
