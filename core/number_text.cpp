@@ -1,6 +1,7 @@
 // Numbers as text, on std::from_chars and std::to_chars, which know no locale.  What those leave out of the C
 // library's rules is added here: white space, a plus sign, the hexadecimal prefix, and the answers out of
-// range.
+// range.  Prices are mostly short, so short decimals have ways of their own, in whole numbers and just as
+// exact.
 
 #include "core/number_text.h"
 
@@ -10,15 +11,11 @@
 #include <cstring>
 #include <limits>
 
+#include "core/ascii.h"
+#include "core/short_decimal.h"
+
 namespace tarn {
 namespace {
-
-bool isSpace(char c) {
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
-bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
 
 const char* skipSpace(const char* text) {
     while (isSpace(*text)) ++text;
@@ -43,6 +40,46 @@ bool isTooLarge(const char* text, const char* end, char exponentMark) {
     return std::find_if(text, point, [](char c) { return c != '0'; }) != point;
 }
 
+constexpr std::uint32_t mostExactDecimals = 9;
+
+constexpr std::uint64_t unitsOfOne[mostExactDecimals + 1] = {
+    1, 10, 100, 1'000, 10'000, 100'000, 1'000'000, 10'000'000, 100'000'000, 1'000'000'000};
+
+// The fraction in units of 2^-64, times a number below 2^32: the whole part of the product, rounded to
+// nearest, of two equally near the even one.
+std::uint64_t multiplyRounded(std::uint64_t fraction, std::uint64_t factor, bool oddBefore) {
+    const std::uint64_t low = (fraction & 0xFFFFFFFF) * factor;
+    const std::uint64_t high = (fraction >> 32) * factor + (low >> 32);
+    const std::uint64_t whole = high >> 32;
+    const std::uint64_t rest = high << 32 | (low & 0xFFFFFFFF);
+    constexpr std::uint64_t half = std::uint64_t{1} << 63;
+    const bool odd = factor == 1 ? oddBefore : whole % 2 != 0;
+    return whole + (rest > half || (rest == half && odd) ? 1 : 0);
+}
+
+// Writes a number whose binary places all lie above 2^-64.
+char* writeShortDecimal(char* target, double magnitude, std::uint32_t decimals) {
+    auto whole = static_cast<std::uint64_t>(magnitude);
+    const double rest = magnitude - static_cast<double>(whole);  // exact, and so is the next
+    const auto fraction = static_cast<std::uint64_t>(rest * 0x1p64);
+    std::uint64_t shown = multiplyRounded(fraction, unitsOfOne[decimals], whole % 2 != 0);
+    if (shown == unitsOfOne[decimals]) {
+        ++whole;
+        shown = 0;
+    }
+    char* end = std::to_chars(target, target + 20, whole).ptr;
+    if (decimals > 0) {
+        *end = '.';
+        auto digits = static_cast<std::uint32_t>(shown);  // below 10^9
+        for (char* place = end + decimals; place != end; --place, digits /= 10) {
+            *place = static_cast<char>('0' + digits % 10);
+        }
+        end += decimals + 1;
+    }
+    *end = '\0';
+    return end;
+}
+
 }  // namespace
 
 double readDouble(const char* text) {
@@ -50,10 +87,11 @@ double readDouble(const char* text) {
     text = skipSpace(text);
     const bool negative = *text == '-';
     if (negative || *text == '+') ++text;
+    double number = 0.0;
+    if (readShortDecimal(text, number) != nullptr) return negative ? -number : number;
     if (*text == '-') return 0.0;  // from_chars would take a second sign
     const bool hexadecimal = isHexadecimal(text);
     if (hexadecimal) text += 2;
-    double number = 0.0;
     const auto result = std::from_chars(text, text + std::strlen(text), number,
                                         hexadecimal ? std::chars_format::hex : std::chars_format::general);
     if (result.ec == std::errc::invalid_argument) return 0.0;
@@ -87,6 +125,11 @@ const char* scanLong(const char* text, std::int32_t& number) {
 }
 
 char* writeFixed(char* target, double value, std::uint32_t decimals) {
+    const double magnitude = std::fabs(value);
+    if (decimals <= mostExactDecimals && magnitude < 0x1p63 && (magnitude >= 0x1p-12 || magnitude == 0.0)) {
+        if (std::signbit(value)) *target++ = '-';
+        return writeShortDecimal(target, magnitude, decimals);
+    }
     const auto digits =
         static_cast<int>(std::min<std::uint32_t>(decimals, std::numeric_limits<int>::max() - 400));
     const auto end = std::to_chars(target, target + fixedRoom(static_cast<std::size_t>(digits)), value,
@@ -106,6 +149,13 @@ char* writeLong(char* target, std::int32_t value) {
     const auto end = std::to_chars(target, target + 11, value);
     *end.ptr = '\0';
     return end.ptr;
+}
+
+char* writePadded(char* target, std::int32_t value, std::size_t digits) {
+    char number[12];
+    const auto length = static_cast<std::size_t>(writeLong(number, value) - number);
+    if (length < digits) target = std::fill_n(target, digits - length, '0');
+    return std::copy_n(number, length + 1, target) - 1;
 }
 
 std::int32_t cutToLong(double value) {

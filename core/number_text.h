@@ -25,10 +25,12 @@ constexpr std::size_t fixedRoom(std::size_t decimals) {
     return 312 + decimals;
 }
 
-// Write as the formats "%.*f", "%.*g" and "%d" do, with a terminator.  Answer the terminator's place.
+// Write as the formats "%.*f", "%.*g", "%d" and "%.*d" do, with a terminator.  Answer the terminator's place.
 char* writeFixed(char* target, double value, std::uint32_t decimals);
 char* writeGeneral(char* target, double value, std::uint32_t digits);  // at most digits + 12 bytes
 char* writeLong(char* target, std::int32_t value);                     // at most 12 bytes
+// Of a number from 0 on; at most 12 bytes or digits + 1.
+char* writePadded(char* target, std::int32_t value, std::size_t digits);
 
 // Cuts a number towards zero; one outside 32 bits becomes the nearest limit, and what is no number becomes 0.
 std::int32_t cutToLong(double value);

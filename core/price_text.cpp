@@ -1,50 +1,16 @@
 // convertToDouble.  A decimal of up to 15 digits, by far the most common price, is read while its characters
-// are sorted out: the digits as one whole number, divided by a power of ten.  Both are exact as doubles, so
-// that the one division rounds as correctly as reading the text does.  Everything else is sorted into a
-// buffer first.
+// are sorted out: the digits as one whole number, divided by a power of ten.  Everything else is sorted into
+// a buffer first.
 
 #include <cstring>
 #include <memory>
 
 #include "core/number_text.h"
+#include "core/short_decimal.h"
 #include "core/string.h"
 #include "core/variant.h"
 
 namespace {
-
-constexpr double powersOfTen[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                  1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
-constexpr int exactDigits = 15;
-
-enum class Outcome { read, refused, undecided };
-
-Outcome readDecimal(const char* text, double& number) {
-    std::uint64_t digits = 0;
-    int count = 0;
-    const char* point = nullptr;
-    int decimals = 0;
-    bool negative = false;
-    for (; *text != '\0'; ++text) {
-        const char c = *text;
-        if (c >= '0' && c <= '9') {
-            if (++count > exactDigits) return Outcome::undecided;
-            digits = digits * 10 + static_cast<std::uint64_t>(c - '0');
-            decimals += point != nullptr ? 1 : 0;
-        } else if (c == '.') {
-            if (point != nullptr) return Outcome::refused;
-            point = text;
-        } else if (c == '-' || c == '+') {
-            negative = c == '-';
-        } else if (c == ' ' || c == '/') {
-            return Outcome::undecided;
-        } else if (c != ',') {
-            return Outcome::refused;
-        }
-    }
-    const double magnitude = static_cast<double>(digits) / powersOfTen[decimals];
-    number = negative && count > 0 ? -magnitude : magnitude;
-    return Outcome::read;
-}
 
 // Leaves the digits, blanks, point and slash of a price in `kept`, trimmed and behind their sign.
 // Answers NULL for a text that is no price.
@@ -105,8 +71,13 @@ int convertToDouble(const char* text, double& number) {
         number = 0.0;
         return 1;
     }
-    const Outcome outcome = readDecimal(text, number);
-    if (outcome != Outcome::undecided) return outcome == Outcome::read ? 1 : 0;
+    const bool signedText = *text == '-' || *text == '+';
+    double magnitude = 0.0;
+    const char* const end = tarn::readShortDecimal(signedText ? text + 1 : text, magnitude);
+    if (end != nullptr && *end == '\0') {
+        number = *text == '-' ? -magnitude : magnitude;
+        return 1;
+    }
 
     const std::size_t room = std::strlen(text) + 2;  // a sign in front, a terminator behind
     char local[256];

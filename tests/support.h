@@ -13,6 +13,7 @@
 #include <random>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/win32.h"
 #if !defined(_WIN32)
@@ -51,6 +52,13 @@ inline std::string contentOf(const std::string& file) {
 
 inline void fill(const std::string& file, std::string_view content) {
     std::ofstream(file, std::ios::binary).write(content.data(), static_cast<std::streamsize>(content.size()));
+}
+
+// A text of up to `longest` characters from an alphabet.
+inline std::string randomText(std::mt19937& random, std::string_view alphabet, unsigned longest) {
+    std::string text(random() % (longest + 1), '\0');
+    for (char& c : text) c = alphabet[random() % alphabet.size()];
+    return text;
 }
 
 // Sets a variable of the environment; NULL takes it away.

@@ -63,6 +63,9 @@ TEST(NumberTextTest, WritingAgreesWithTheCLibrary) {
         if (i % 2 == 0)
             number =
                 std::ldexp(static_cast<double>(bits >> 40), static_cast<int>(bits % 30) - 24);  // many ties
+        if (i % 8 == 0) number = std::nextafter(number, i % 16 == 0 ? 0.0 : 1e9);  // just beside a tie
+        if (i % 8 == 1)
+            number = std::ldexp(1.0 - std::ldexp(1.0, -53), i / 8 % 80 - 13);  // at limits of size
         const auto decimals = static_cast<std::uint32_t>(bits % 11);
         std::snprintf(expected, sizeof expected, "%.*f", static_cast<int>(decimals), number);
         EXPECT_EQ(tarn::writeFixed(written, number, decimals) - written,
@@ -104,7 +107,11 @@ int plainPrice(const std::string& text, double& number) {
     kept = sign + kept;
     const auto slash = kept.find('/');
     const auto blank = kept.find(' ');
-    const auto read = [](const std::string& part) { return std::strtod(part.c_str(), nullptr); };
+    const auto read = [](const std::string& part) {
+        char* end = nullptr;
+        const double value = std::strtod(part.c_str(), &end);
+        return end == part.c_str() ? 0.0 : value;  // some libraries keep the sign of a missing number
+    };
     if (slash == std::string::npos) {
         if (blank != std::string::npos) return 0;
         number = read(kept);

@@ -1,0 +1,110 @@
+// Patterned text: fintext/patterned_text.cpp, fintext/clock_text.cpp and fintext/fund_amount.cpp.  The table
+// of examples is tests/fintext/examples.txt.
+
+#include <algorithm>
+
+#include "core/string.h"
+#include "core/variant.h"
+#include "engine/engine_data.h"
+#include "fintext/clock_text.h"
+#include "fintext/financial_text.h"
+#include "platform/win32.h"
+#include "tests/support.h"
+#if !defined(_WIN32)
+#include "platform/host.h"
+#endif
+
+namespace {
+
+// The steps one by one; a round of the group that takes nothing from the text is the last.
+std::string plainPattern(std::string text, const std::string& pattern, int negative) {
+    text = text.substr(0, std::min(text.find('.'), text.size()) + 3);
+    text.erase(0, std::min(text.find_first_not_of(' '), text.size()));
+    text.erase(text.find_last_not_of(' ') + 1);
+    const bool minus = text.starts_with('-');
+    if (minus) text.erase(0, 1);
+    std::string out = !minus ? "" : negative == eNegParens ? ")" : negative == eNegTrailing ? "-" : "";
+    int j = static_cast<int>(pattern.size()) - 1, right = -1, left = -1;
+    const auto at = [&](int place) { return pattern[static_cast<std::size_t>(place)]; };
+    for (std::size_t lengthBefore = 0; !text.empty() && j >= 0; --j) {
+        if (at(j) == '#' || at(j) == '.') {
+            out += text.back();
+            text.pop_back();
+        } else if (at(j) != '*') {
+            out += at(j);
+        } else {
+            (right < 0 ? right : left) = j;
+            if (left >= 0 && lengthBefore == text.size()) break;
+            if (left >= 0) j = right;
+            lengthBefore = text.size();
+        }
+    }
+    for (; right >= 0 && left < 0 && j >= 0; --j) left = at(j) == '*' ? j : -1;
+    if (out.ends_with(',')) out.pop_back();
+    if (minus && negative != eNegTrailing) out += negative == eNegParens ? '(' : '-';
+    while (left > 0) out += at(--left);
+    return {out.rbegin(), out.rend()};
+}
+
+TEST(PatternedText, ScanDiffersFromItsSteps) {
+    std::mt19937 random(3);
+    for (int i = 0; i < 100'000; ++i) {
+        std::string text = tarntest::randomText(random, "0123456789.- ,", 12);
+        const std::string pattern = tarntest::randomText(random, "###.***,$-", 12),
+                          expected = plainPattern(text, pattern, i % 5);
+        char target[400];
+        formatStringWithPattern(text.data(), pattern.c_str(), target, static_cast<eNegType>(i % 5));
+        ASSERT_EQ(target, expected) << text << "|" << pattern;
+    }
+}
+
+TEST(PatternedText, MissingTextIsRead) {
+    char text[] = " 12.3456 ";
+    formatStringWithPattern(text, nullptr, text, eNegLeading);
+    EXPECT_STREQ(text, " 12.3456 ");
+    formatStringWithPattern(nullptr, nullptr, text, eNegLeading);
+    EXPECT_STREQ(text, "$0.0");
+    EXPECT_EQ(fmtToTaxId(nullptr, text) + fmtToPhoneNumber(text, nullptr) + getDollarsOrShares(nullptr, text),
+              0);
+}
+
+#if !defined(_WIN32)  // the system's own clock can't be held still
+TEST(PatternedText, NoonOrMidnightIsOnTheWrongHalf) {
+    const std::pair<int, std::string> rows[] = {
+        {0, "00:30:05 AM"}, {9, "09:30:05 AM"}, {12, "12:30:05 PM"}, {13, "01:30:05 PM"}};
+    for (const auto& [hour, twelve] : rows) {
+        const SYSTEMTIME local = {1999, 1, 6, 9, static_cast<WORD>(hour), 30, 5, 0};
+        tarn::setClock(nullptr, &local);
+        char text[4][40];
+        getLocalTimeStr(text[0], 0);
+        getLocalTimeStr(text[1], 1);
+        tarn::getLocalDateTimeStr(text[2], 0);
+        tarn::getLocalDateTimeStr(text[3], 5);
+        EXPECT_EQ(text[0], (hour == 13 ? "13" : twelve.substr(0, 2)) + ":30:05");
+        EXPECT_EQ(text[1] + std::string(text[3]), " " + twelve + " 01/09/1999 " + twelve);
+        EXPECT_EQ(text[2], " 01/09/1999  " + std::string(text[0]));
+    }
+    tarn::setClock(nullptr, nullptr);
+}
+#endif
+
+// The fields are filled from the last in rank to the first.
+TEST(PatternedText, FundsAmountComesFromAnotherField) {
+    const std::pair<std::int32_t, const char*> fields[] = {{1750, "0.00"}, {1750, "7"},   {595, "-5"},
+                                                           {595, "100"},   {1664, "abc"}, {1664, "2.5 x"},
+                                                           {1664, nullptr}};
+    tarnEngineData record;
+    char target[40] = "old";
+    std::string found;
+    for (const auto& [field, text] : fields) {
+        MOLTVARIANT value;
+        value.tag = text != nullptr ? tagText : tagNumber;
+        value.payload.text = const_cast<char*>(text);
+        if (text == nullptr) value.payload.longValue = 12;
+        record.storeData(field, &value);
+        found += std::to_string(getDollarsOrShares(&record, target)) + " " + target + ", ";
+    }
+    EXPECT_EQ(found, "0 old, 1 7, 1 7, 1 100, 1 100, 2 2.5 x, 2 12, ");
+}
+
+}  // namespace
