@@ -1,38 +1,16 @@
-// The plain arguments of each routine become OptionTerms; options/valuation.cpp does the work.
+// Each routine is a part of what doCalculateBSValue works out; the other out arguments stay unasked for.
 
 #include "options/black_scholes.h"
 
 #include "options/european_option.h"
-#include "options/valuation.h"
+#include "options/option_value.h"
 
 namespace tarn {
 
-namespace {
-
-constexpr double noMarketPrice = 0;
-
-void store(double value, double* out) {
-    if (out != nullptr) *out = value;
-}
-
-void store(const Value& result, double* optionValue, double* delta, double* impliedVolatility) {
-    store(result.value, optionValue);
-    store(result.delta, delta);
-    store(result.impliedVolatility, impliedVolatility);
-}
-
-void store(const Sensitivities& result, double* gamma, double* theta, double* vega) {
-    store(result.gamma, gamma);
-    store(result.theta, theta);
-    store(result.vega, vega);
-}
-
-}  // namespace
-
 void normalDistribution(double x, double* cumulative, double* density) {
     const double densityOfX = normalDensity(x);
-    store(cumulativeNormal(x, densityOfX), cumulative);
-    store(densityOfX, density);
+    if (cumulative != nullptr) *cumulative = cumulativeNormal(x, densityOfX);
+    if (density != nullptr) *density = densityOfX;
 }
 
 void calculateCallValue(double interestRate, double volatility, double marketPrice, double strikePrice,
@@ -41,11 +19,10 @@ void calculateCallValue(double interestRate, double volatility, double marketPri
                         double splitFactor, const std::int32_t* dividendDays, const double* dividendAmounts,
                         std::int32_t dividendMode, double* optionValue, double* delta,
                         double* impliedVolatility) {
-    const OptionTerms terms{interestRate,    volatility,       marketPrice,     strikePrice,
-                            stockPrice,      daysToExpiration, exDividendDays1, exDividendDays2,
-                            exDividendDays3, dividendAmount,   splitFactor,     dividendDays,
-                            dividendAmounts, dividendMode};
-    store(tarn::optionValue(terms, false), optionValue, delta, impliedVolatility);
+    doCalculateBSValue(0, strikePrice, interestRate, 0, volatility, dividendDays, dividendAmounts,
+                       dividendAmount, splitFactor, exDividendDays1, exDividendDays2, exDividendDays3,
+                       dividendMode, marketPrice, stockPrice, daysToExpiration, nullptr, nullptr, nullptr,
+                       delta, optionValue, impliedVolatility);
 }
 
 void calculatePutValue(double interestRate, double volatility, double marketPrice, double strikePrice,
@@ -54,11 +31,10 @@ void calculatePutValue(double interestRate, double volatility, double marketPric
                        double splitFactor, const std::int32_t* dividendDays, const double* dividendAmounts,
                        std::int32_t dividendMode, double* optionValue, double* delta,
                        double* impliedVolatility) {
-    const OptionTerms terms{interestRate,    volatility,       marketPrice,     strikePrice,
-                            stockPrice,      daysToExpiration, exDividendDays1, exDividendDays2,
-                            exDividendDays3, dividendAmount,   splitFactor,     dividendDays,
-                            dividendAmounts, dividendMode};
-    store(tarn::optionValue(terms, true), optionValue, delta, impliedVolatility);
+    doCalculateBSValue(1, strikePrice, interestRate, 0, volatility, dividendDays, dividendAmounts,
+                       dividendAmount, splitFactor, exDividendDays1, exDividendDays2, exDividendDays3,
+                       dividendMode, marketPrice, stockPrice, daysToExpiration, nullptr, nullptr, nullptr,
+                       delta, optionValue, impliedVolatility);
 }
 
 void calculateCallSensitivities(double interestRate, double volatility, double strikePrice, double stockPrice,
@@ -67,11 +43,10 @@ void calculateCallSensitivities(double interestRate, double volatility, double s
                                 double dividendAmount, double splitFactor, const std::int32_t* dividendDays,
                                 const double* dividendAmounts, std::int32_t dividendMode, double* gamma,
                                 double* theta, double* vega) {
-    const OptionTerms terms{interestRate,    volatility,       noMarketPrice,   strikePrice,
-                            stockPrice,      daysToExpiration, exDividendDays1, exDividendDays2,
-                            exDividendDays3, dividendAmount,   splitFactor,     dividendDays,
-                            dividendAmounts, dividendMode};
-    store(optionSensitivities(terms, false), gamma, theta, vega);
+    doCalculateBSValue(0, strikePrice, interestRate, 0, volatility, dividendDays, dividendAmounts,
+                       dividendAmount, splitFactor, exDividendDays1, exDividendDays2, exDividendDays3,
+                       dividendMode, 0, stockPrice, daysToExpiration, gamma, theta, vega, nullptr, nullptr,
+                       nullptr);
 }
 
 void calculatePutSensitivities(double interestRate, double volatility, double strikePrice, double stockPrice,
@@ -80,11 +55,10 @@ void calculatePutSensitivities(double interestRate, double volatility, double st
                                double dividendAmount, double splitFactor, const std::int32_t* dividendDays,
                                const double* dividendAmounts, std::int32_t dividendMode, double* gamma,
                                double* theta, double* vega) {
-    const OptionTerms terms{interestRate,    volatility,       noMarketPrice,   strikePrice,
-                            stockPrice,      daysToExpiration, exDividendDays1, exDividendDays2,
-                            exDividendDays3, dividendAmount,   splitFactor,     dividendDays,
-                            dividendAmounts, dividendMode};
-    store(optionSensitivities(terms, true), gamma, theta, vega);
+    doCalculateBSValue(1, strikePrice, interestRate, 0, volatility, dividendDays, dividendAmounts,
+                       dividendAmount, splitFactor, exDividendDays1, exDividendDays2, exDividendDays3,
+                       dividendMode, 0, stockPrice, daysToExpiration, gamma, theta, vega, nullptr, nullptr,
+                       nullptr);
 }
 
 }  // namespace tarn

@@ -2,17 +2,17 @@
 
 // Inside the library only; users include options/option_value.h.
 //
-// The routines of a valuation one by one, on plain arguments: the value with its delta and implied
-// volatility, and the other sensitivities.  doCalculateBSValue answers what the two of a call or the two of a
-// put answer on the same arguments, for less.  Units, bad input and sources are those of
-// options/option_value.h; out arguments that are NULL are skipped.
+// The routines of a valuation one by one: the value with its delta and implied volatility, and the other
+// sensitivities.  doCalculateBSValue answers what the two of a call or the two of a put answer on the same
+// arguments.  Units, bad input and sources are those of options/option_value.h; out arguments that are NULL
+// are skipped.
 
 #include <cstdint>
 
 namespace tarn {
 
 // The cumulative normal and the normal density at x.
-// Source: Abramowitz and Stegun (1964), 26.2.17; error of the cumulative below 7.5e-8.
+// Source: Abramowitz and Stegun (1964), 26.2.17; the cumulative is good to 7.5e-8.
 void normalDistribution(double x, double* cumulative, double* density);
 
 void calculateCallValue(double interestRate, double volatility, double marketPrice, double strikePrice,

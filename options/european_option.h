@@ -2,7 +2,7 @@
 
 // Inside the library only; users include options/option_value.h.
 //
-// The Black-Scholes formula of a European option on annual compounding, split where its cost lies: what
+// The Black-Scholes formula of a European option with annual compounding, split where its cost lies: what
 // doesn't depend on the volatility is worked out once in EuropeanOption, what does in ModelPoint.  With
 //
 //   K' = (1 + r)^-T K,   L = ln(S / K'),   v = sigma sqrt(T),   d1 = L / v + v / 2,   d2 = d1 - v
@@ -22,10 +22,8 @@ namespace tarn {
 
 // ------------------------------------------------------------------------------------- normal distribution
 
-constexpr double peakDensity = 0.39894228;  // n(0)
-
 inline double normalDensity(double x) {
-    return peakDensity * std::exp(-0.5 * (x * x));
+    return 0.39894228 * std::exp(-0.5 * (x * x));
 }
 
 // N(x), good to 7.5e-8, from n(x), which the callers have at hand.  N(0) is 0.4999999994.
@@ -37,51 +35,55 @@ inline double cumulativeNormal(double x, double density) {
     return x < 0 ? 1 - cumulative : cumulative;
 }
 
-// ------------------------------------------------------------------------------------------ the formula
+// --------------------------------------------------------------------------------------------- the formula
 
 struct EuropeanOption {
+    bool isPut;
     double stock;             // S
     double discountedStrike;  // K'
+    double moneyness;         // S / K'
     double logMoneyness;      // L
     double rootOfTime;        // sqrt(T), T in years
     double logGrowth;         // ln(1 + r), what a continuous model calls the rate
-    bool isPut;
 };
 
 // The option at one volatility.
 struct ModelPoint {
+    double price;  // not floored: the approximation of N can take it a little below 0
     double d1, d2;
     double density;                   // n(d1)
     double cumulative1, cumulative2;  // N(d1), N(d2)
 };
 
-inline EuropeanOption europeanOption(double stock, double strike, double logGrowth, std::int32_t days,
-                                     bool isPut) {
+inline EuropeanOption europeanOption(bool isPut, double stock, double strike, double logGrowth,
+                                     std::int32_t days) {
     constexpr double dayFraction = 0.0027397260273972603;  // 1/365
+    // A strike that discounting has made less than this part of the stock price is nothing beside it; the cap
+    // keeps infinity out of modelPoint.
+    constexpr double mostMoneyness = 1e30;
     const double years = days * dayFraction;
-    const double discountedStrike = std::exp(-years * logGrowth) * strike;  // (1 + r)^-T K
-    return {stock, discountedStrike, std::log(stock / discountedStrike), std::sqrt(years), logGrowth, isPut};
+    const double growth = years * logGrowth;
+    const double discountedStrike = std::exp(-growth) * strike;  // (1 + r)^-T K
+    return {.isPut = isPut,
+            .stock = stock,
+            .discountedStrike = discountedStrike,
+            .moneyness = std::min(stock / discountedStrike, mostMoneyness),
+            .logMoneyness = std::log(stock / strike) + growth,
+            .rootOfTime = std::sqrt(years),
+            .logGrowth = logGrowth};
 }
 
-// One exponential serves both densities, since S n(d1) = K' n(d2).  The larger one is computed and the
-// smaller one is a fraction of it, so that nothing is divided by a strike that discounting has made 0.
 inline ModelPoint modelPoint(const EuropeanOption& option, double volatility) {
     const double v = volatility * option.rootOfTime;
     const double d1 = option.logMoneyness / v + v / 2;
     const double d2 = d1 - v;
-    const bool inTheMoney = option.logMoneyness > 0;  // for a call: |d1| is above |d2|
-    const double larger = normalDensity(inTheMoney ? d2 : d1);
-    const double smaller = larger * (inTheMoney ? option.discountedStrike / option.stock
-                                                : option.stock / option.discountedStrike);
-    const double density1 = inTheMoney ? smaller : larger;
-    const double density2 = inTheMoney ? larger : smaller;
-    return {d1, d2, density1, cumulativeNormal(d1, density1), cumulativeNormal(d2, density2)};
-}
-
-// Not floored: the approximation of N can take it a little below 0.
-inline double modelPrice(const EuropeanOption& option, const ModelPoint& point) {
-    const double call = option.stock * point.cumulative1 - option.discountedStrike * point.cumulative2;
-    return option.isPut ? call + option.discountedStrike - option.stock : call;
+    const double density1 = normalDensity(d1);
+    const double density2 = density1 * option.moneyness;  // S n(d1) = K' n(d2)
+    const double cumulative1 = cumulativeNormal(d1, density1);
+    const double cumulative2 = cumulativeNormal(d2, density2);
+    const double call = option.stock * cumulative1 - option.discountedStrike * cumulative2;
+    const double price = option.isPut ? call + option.discountedStrike - option.stock : call;
+    return {price, d1, d2, density1, cumulative1, cumulative2};
 }
 
 inline double modelDelta(const EuropeanOption& option, const ModelPoint& point) {
