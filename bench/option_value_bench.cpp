@@ -1,0 +1,223 @@
+// doCalculateBSValue against a hand-written closed form and QuantLib's BlackCalculator, without a quoted
+// price (value and sensitivities) and with one (the implied volatility besides).  Every peer's answers are
+// compared before anything is timed.  One iteration values a whole book of options.
+
+#include <benchmark/benchmark.h>
+
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <ql/pricingengines/blackcalculator.hpp>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "options/option_value.h"
+
+namespace {
+
+struct Option {
+    int isPut;
+    double strike, rate, volatility, stock, quote;
+    std::int32_t days;
+};
+
+struct Result {
+    double value, delta, gamma, theta, vega, implied;
+};
+
+constexpr double dayFraction = 0.0027397260273972603;
+constexpr double tolerance = 0.0002F;
+
+Result ours(const Option& option) {
+    Result r{};
+    doCalculateBSValue(option.isPut, option.strike, option.rate, 0, option.volatility, nullptr, nullptr, 0, 0,
+                       0, 0, 0, 1, option.quote, option.stock, option.days, &r.gamma, &r.theta, &r.vega,
+                       &r.delta, &r.value, &r.implied);
+    return r;
+}
+
+// ------------------------------------------------------------------------------- the hand-written closed
+// form
+
+inline double cumulative(double x, double density) {
+    const double t = 1 / (1 + 0.2316419 * std::fabs(x));
+    const double tail =
+        density * t *
+        (0.31938153 + t * (-0.35656378 + t * (1.78147794 + t * (-1.82125598 + t * 1.33027443))));
+    return x < 0 ? tail : 1 - tail;
+}
+
+// Two logarithms and two exponentials in all.
+inline Result handWritten(const Option& option) {
+    const double years = option.days * dayFraction, root = std::sqrt(years),
+                 logGrowth = std::log(1 + option.rate);
+    const double strike = option.strike * std::exp(-years * logGrowth), stock = option.stock;
+    const double moneyness = stock / strike,
+                 logMoneyness = std::log(stock / option.strike) + years * logGrowth;
+    const double parity = option.isPut ? strike - stock : 0;
+    const auto point = [&](double g, double& density, double& n1, double& n2) {
+        const double v = g * root, d1 = logMoneyness / v + v / 2, d2 = d1 - v;
+        density = 0.39894228 * std::exp(-0.5 * d1 * d1);
+        n1 = cumulative(d1, density);
+        n2 = cumulative(d2, density * moneyness);
+        return stock * n1 - strike * n2 + parity;
+    };
+    double density, n1, n2;
+    const double sigma = option.volatility, price = point(sigma, density, n1, n2);
+    Result result{price,
+                  option.isPut ? n1 - 1 : n1,
+                  density / (stock * sigma * root),
+                  -(stock * sigma * density / (2 * root) + logGrowth * strike * (option.isPut ? n2 - 1 : n2)),
+                  density * root * stock,
+                  0};
+    if (!(option.quote > 0)) return result;
+    result.implied = sigma;
+    if (std::fabs(price - option.quote) < tolerance) return result;
+
+    // Newton's root first, then the steps of the bisection as the line through it foretells them.
+    double slope = result.vega, rootOfPrice = sigma + (option.quote - price) / slope, miss = 1;
+    for (int i = 0; i < 8 && std::fabs(miss) > 1e-6; ++i) {
+        miss = option.quote - point(rootOfPrice, density, n1, n2);
+        slope = density * root * stock;
+        rootOfPrice += miss / slope;
+    }
+    const bool upward = option.quote > price;
+    double g = upward ? (1 - sigma) * 0.5 + sigma : 0.5 * sigma,
+           step = upward ? (g - sigma) * 0.5 : 0.25 * sigma;
+    for (int i = 0; i < 15; ++i) {
+        const double difference = slope * (g - rootOfPrice);
+        if (std::fabs(difference) < tolerance) break;
+        g += difference < 0 ? step : -step;
+        step *= 0.5;
+    }
+    result.implied = g;
+    return result;
+}
+
+// ----------------------------------------------------------------------------------------------- QuantLib
+
+Result quantLib(const Option& option) {
+    const double years = option.days * dayFraction, root = std::sqrt(years);
+    const double discount = std::pow(1 + option.rate, -years), forward = option.stock / discount;
+    const auto type = option.isPut ? QuantLib::Option::Put : QuantLib::Option::Call;
+    const QuantLib::BlackCalculator calculator(type, option.strike, forward, option.volatility * root,
+                                               discount);
+    Result result{calculator.value(),
+                  calculator.delta(option.stock),
+                  calculator.gamma(option.stock),
+                  calculator.theta(option.stock, years),
+                  calculator.vega(years),
+                  0};
+    if (!(option.quote > 0)) return result;
+    const double sigma = option.volatility;
+    result.implied = sigma;
+    if (std::fabs(result.value - option.quote) < tolerance) return result;
+    const bool upward = option.quote > result.value;
+    double g = upward ? (1 - sigma) * 0.5 + sigma : 0.5 * sigma,
+           step = upward ? (g - sigma) * 0.5 : 0.25 * sigma;
+    for (int i = 0; i < 15; ++i) {
+        const double difference =
+            QuantLib::BlackCalculator(type, option.strike, forward, g * root, discount).value() -
+            option.quote;
+        if (std::fabs(difference) < tolerance) break;
+        g += difference < 0 ? step : -step;
+        step *= 0.5;
+    }
+    result.implied = g;
+    return result;
+}
+
+// ------------------------------------------------------------------------------------------------ the books
+
+enum class Quotes { none, near, unreachable };
+
+std::vector<Option> book(Quotes quotes) {
+    std::mt19937 random(20);
+    const auto between = [&](double low, double high) {
+        return std::uniform_real_distribution<double>(low, high)(random);
+    };
+    std::vector<Option> options(1024);
+    for (Option& option : options) {
+        const double stock = between(20, 200);
+        option = {static_cast<int>(random() % 2),
+                  stock * between(0.8, 1.25),
+                  between(0, 0.1),
+                  between(0.1, 0.6),
+                  stock,
+                  0,
+                  static_cast<std::int32_t>(between(20, 400))};
+        Option other = option;
+        other.volatility *= between(0.7, 1.4);
+        if (quotes == Quotes::near) option.quote = ours(other).value;
+        if (quotes == Quotes::unreachable) option.quote = 1.1 * std::max(option.stock, option.strike);
+    }
+    return options;
+}
+
+void require(bool holds, const char* what) {
+    if (holds) return;
+    std::fprintf(stderr, "option_value_bench: %s\n", what);
+    std::exit(1);
+}
+
+bool agree(const Result& a, const Result& b, double slack) {
+    return std::fabs(a.value - b.value) <= slack && std::fabs(a.delta - b.delta) <= slack &&
+           std::fabs(a.gamma - b.gamma) <= slack && std::fabs(a.theta - b.theta) <= slack &&
+           std::fabs(a.vega - b.vega) <= slack;
+}
+
+// Two ends of the search are as good as each other where both prices are within the tolerance of the quote.
+bool samePrice(Option option, double g1, double g2) {
+    option.quote = 0;
+    option.volatility = g1;
+    const double price = ours(option).value;
+    option.volatility = g2;
+    return std::fabs(g1 - g2) < 1e-4 || std::fabs(price - ours(option).value) < 3 * tolerance;
+}
+
+void checkAnswers() {
+    for (const Quotes quotes : {Quotes::none, Quotes::near}) {
+        for (const Option& option : book(quotes)) {
+            const Result result = ours(option);
+            require(agree(result, handWritten(option), 1e-9), "the hand-written form answers otherwise");
+            require(agree(result, quantLib(option), 1e-4), "QuantLib answers otherwise");
+            require(samePrice(option, result.implied, handWritten(option).implied),
+                    "another implied volatility");
+            require(samePrice(option, result.implied, quantLib(option).implied),
+                    "another implied volatility");
+        }
+    }
+}
+
+template <Result (*value)(const Option&)>
+void run(benchmark::State& state, Quotes quotes) {
+    const std::vector<Option> options = book(quotes);
+    for (auto _ : state) {
+        for (const Option& option : options) benchmark::DoNotOptimize(value(option));
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(options.size()));
+}
+
+void add(const std::string& job, Quotes quotes) {
+    benchmark::RegisterBenchmark((job + "/ours").c_str(), run<ours>, quotes);
+    benchmark::RegisterBenchmark((job + "/hand_written").c_str(), run<handWritten>, quotes);
+    benchmark::RegisterBenchmark((job + "/quantlib").c_str(), run<quantLib>, quotes);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+#ifndef __OPTIMIZE__
+    require(false, "built without optimisation");
+#endif
+    checkAnswers();
+    add("value", Quotes::none);
+    add("value_implied", Quotes::near);
+    add("value_unreachable_quote", Quotes::unreachable);
+    benchmark::AddCustomContext("compiler", __VERSION__);
+    benchmark::AddCustomContext("book", "1024 options a job, calls and puts, 20 to 400 days");
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}
