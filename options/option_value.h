@@ -23,8 +23,7 @@ class tarnEngineData;
 // Values one option and answers 1, whatever it is given.
 //   isPut              0 a call, any other value a put
 //   strikePrice        K; one that stands in another power of ten than the stock price is read in the
-//   stock's:
-//                      1.0 for a stock at 100 is the strike 100
+//                      stock's: 1.0 for a stock at 100 is the strike 100
 //   interestRate       fraction per year, compounded once a year; 0.05 is five percent, 0 is valid
 //   ignoredValue       not read
 //   volatility         fraction per year and square root of time; 0.25 is twenty-five percent
@@ -76,6 +75,8 @@ TARN_EXPORT std::int32_t doCalculateBSValue(
 // The time is the span from that date to today's local date, in years of 365 days and months of 30, spread
 // over the number of rows.
 // Answers -1.0 for fewer than two rows or a price that isn't a number, and 0.114 where the span is 0 days.
-// A price that is missing counts as 0; a change from a price of 0 counts as none.
-// Bad input: NULL answers -1.0.
+// A price that is missing, or no text, counts as 0.  A change to or from a price of 0, or between prices of
+// unlike signs, counts as none.  A year of 1900 or above is taken for the full year.
+// Bad input: NULL answers -1.0, and so does a first date that is missing, isn't three numbers or lies after
+// today, as this routine counts.
 TARN_EXPORT double doCalculateHistoricalVolatility(tarnEngineData* history);
