@@ -1,5 +1,5 @@
-// Bitmaps from resources and the painted gradient.  A packed bitmap of a resource is measured against the resource's
-// size before any of it is used.
+// Bitmaps from resources and the painted gradient.  A packed bitmap of a resource is measured against the
+// resource's size before any of it is used.
 
 #include <cstdlib>
 #include <cstring>
@@ -133,7 +133,8 @@ HPALETTE tarnBitmap::createBitmapPalette(const void* packed, std::int32_t* color
     target->palNumEntries = static_cast<WORD>(count);
     const auto* color = static_cast<const unsigned char*>(packed) + headerSize;
     PALETTEENTRY* const entries = target->palPalEntry;
-    for (std::size_t i = 0; i < count; ++i, color += colorSize) entries[i] = {color[2], color[1], color[0], 0};
+    for (std::size_t i = 0; i < count; ++i, color += colorSize)
+        entries[i] = {color[2], color[1], color[0], 0};
     const HPALETTE made = CreatePalette(target);
     GlobalUnlock(memory);
     GlobalFree(memory);

@@ -1,4 +1,5 @@
-// The start of the library as a Windows DLL, the only build that has this file: it asks for no notices of threads.
+// The start of the library as a Windows DLL, the only build that has this file: it asks for no notices of
+// threads.
 
 #include "platform/win32.h"
 

@@ -1,23 +1,24 @@
 #pragma once
 
-// Menus from a text definition: tarnMenuParser reads the file and builds a tree of tarnMenuDef nodes, and createMenu
-// turns the tree into real popup menus.  Their entries are all owner-drawn; each carries its node as item data, which
-// the client's drawing code reads.
+// Menus from a text definition: tarnMenuParser reads the file and builds a tree of tarnMenuDef nodes, and
+// createMenu turns the tree into real popup menus.  Their entries are all owner-drawn; each carries its node
+// as item data, which the client's drawing code reads.
 //
 //   // orders.mnu:  POPUP,Orders,7,MENUITEM,Open,2,100,Open an order,MENUITEM,SEPARATOR,END
 //   tarnMenuParser parser;
 //   tarnMenuDef* root = parser.getMenuDef("orders.mnu", 0);   // root->label "Orders", two children
 //   root->createMenu();                                       // root->menu has two entries
 //
-// The text is a row of tokens between commas, tabs and line ends; a run of those counts as one, and blanks at a
-// token's ends don't count.  Behind the first POPUP stands a body:
+// The text is a row of tokens between commas, tabs and line ends; a run of those counts as one, and blanks at
+// a token's ends don't count.  Behind the first POPUP stands a body:
 //
 //   body    label, number, then entries up to END
-//   entry   MENUITEM label, number, id, extra   or   MENUITEM SEPARATOR   or   POPUP body   or a token passed over
+//   entry   MENUITEM label, number, id, extra   or   MENUITEM SEPARATOR   or   POPUP body   or a token passed
+//   over
 //
-// A token that is the beginning of a keyword is that keyword (P, ME, and an empty token is any of them: END among
-// entries).  A text may end anywhere: the tree stays as far as it was built, and an entry that isn't whole isn't
-// made.  Popups nest without a limit.
+// A token that is the beginning of a keyword is that keyword (P, ME, and an empty token is any of them: END
+// among entries).  A text may end anywhere: the tree stays as far as it was built, and an entry that isn't
+// whole isn't made.  Popups nest without a limit.
 //
 // Threads: no shared state; a parser and its tree belong to one thread at a time.
 
@@ -49,9 +50,9 @@ class TARN_EXPORT tarnParser {
     tarnParser& operator=(const tarnParser&) = delete;
     ~tarnParser();
 
-    // Cuts the text up in place, as strtok does, but without its shared position.  The text has to stay as long as
-    // the list.  A second text's tokens go behind the first one's.
-    // Answers the head of the list, NULL if there is no token.  Owner: the parser.  Bad input: NULL has no token.
+    // Cuts the text up in place, as strtok does, but without its shared position.  The text has to stay as
+    // long as the list.  A second text's tokens go behind the first one's. Answers the head of the list, NULL
+    // if there is no token.  Owner: the parser.  Bad input: NULL has no token.
     _link* parseTokens(char* text);
 
   private:
@@ -67,8 +68,8 @@ class TARN_EXPORT tarnParser {
     _link* last_ = nullptr;
 };
 
-// A node of a menu tree.  Its texts lie in the parser's buffer, so that no tree outlives its parser; its children
-// are its own.  Nodes are made by the parser alone.
+// A node of a menu tree.  Its texts lie in the parser's buffer, so that no tree outlives its parser; its
+// children are its own.  Nodes are made by the parser alone.
 class TARN_EXPORT tarnMenuDef {
   public:
     std::int32_t kind = 0;         // 1 popup, 2 item, 3 separator
@@ -87,11 +88,12 @@ class TARN_EXPORT tarnMenuDef {
 
     tarnMenuDef(const tarnMenuDef&) = delete;
     tarnMenuDef& operator=(const tarnMenuDef&) = delete;
-    // Releases the nodes below, then the node's own menu; a node without one takes its entry out of its parent's
-    // menu, by its id.  The parent has to be alive, or to go in the same sweep.
+    // Releases the nodes below, then the node's own menu; a node without one takes its entry out of its
+    // parent's menu, by its id.  The parent has to be alive, or to go in the same sweep.
     ~tarnMenuDef();
 
-    // Puts a child at the end and owns it from now on.  The child's `parent` stays.  Bad input: NULL changes nothing.
+    // Puts a child at the end and owns it from now on.  The child's `parent` stays.  Bad input: NULL changes
+    // nothing.
     void addChild(tarnMenuDef* child);
 
     // Puts `newChild` into the place of a direct child, which is the caller's from now on.
@@ -105,12 +107,12 @@ class TARN_EXPORT tarnMenuDef {
     // separators have the id -1.
     [[nodiscard]] tarnMenuDef* find(std::int32_t wantedId);
 
-    // Answers the index of the first direct child whose label the text begins with, in any case, or -1: "FILE MENU"
-    // finds "File".  A child without a label is never found.
+    // Answers the index of the first direct child whose label the text begins with, in any case, or -1: "FILE
+    // MENU" finds "File".  A child without a label is never found.
     [[nodiscard]] std::int32_t find(const char* text) const;
 
-    // Makes this node's popup menu and those of all popups below, and fills them.  Called again it destroys them
-    // first and makes new ones.
+    // Makes this node's popup menu and those of all popups below, and fills them.  Called again it destroys
+    // them first and makes new ones.
     void createMenu();
 
   private:
@@ -138,6 +140,7 @@ class TARN_EXPORT tarnMenuParser : public tarnParser {
 
     // Reads a menu text, scrambled on disk (store/file_tools.h) if `scrambled` isn't 0.
     // Answers the root, of kind 1.  Owner: the parser; a second call releases the first tree.
-    // Bad input: a file that can't be read, NULL included, and a text without a POPUP give a root with nothing in it.
+    // Bad input: a file that can't be read, NULL included, and a text without a POPUP give a root with
+    // nothing in it.
     tarnMenuDef* getMenuDef(const char* fileName, int scrambled);
 };

@@ -1,6 +1,6 @@
-// A menu tree may be as deep as its text is long, so nothing here recurses.  The walks down keep a list of what is
-// still to be visited; the sweep of a tear-down, which must not allocate, keeps its way back in the tree itself: the
-// slot of the child that it is in holds the node above.
+// A menu tree may be as deep as its text is long, so nothing here recurses.  The walks down keep a list of
+// what is still to be visited; the sweep of a tear-down, which must not allocate, keeps its way back in the
+// tree itself: the slot of the child that it is in holds the node above.
 
 #include <algorithm>
 #include <bit>
@@ -32,9 +32,9 @@ tarnMenuDef::~tarnMenuDef() {
     delete[] children;
 }
 
-// Visits this node and all below, children first, and takes each out of the menus.  `labelLength`, which nobody reads
-// any more, counts the children visited, and a visited node's `parent` chains it to the one before.
-// Answers the chain of the nodes below.
+// Visits this node and all below, children first, and takes each out of the menus.  `labelLength`, which
+// nobody reads any more, counts the children visited, and a visited node's `parent` chains it to the one
+// before. Answers the chain of the nodes below.
 tarnMenuDef* tarnMenuDef::sweep() {
     tarnMenuDef* visited = nullptr;
     tarnMenuDef* above = nullptr;
@@ -56,8 +56,8 @@ tarnMenuDef* tarnMenuDef::sweep() {
     }
 }
 
-// An entry in a menu that goes in the same sweep isn't taken out first: with many children that would search the
-// menu once for each.
+// An entry in a menu that goes in the same sweep isn't taken out first: with many children that would search
+// the menu once for each.
 void tarnMenuDef::leaveMenus(const tarnMenuDef* owner) const {
     if (menu != nullptr) {
         DestroyMenu(menu);
@@ -99,7 +99,8 @@ tarnMenuDef* tarnMenuDef::find(std::int32_t wantedId) {
         if (node->id == wantedId) return node;
         pending.pop_back();
         const auto firstChild = std::make_reverse_iterator(node->children);
-        pending.insert(pending.end(), std::make_reverse_iterator(node->children + node->childCount), firstChild);
+        pending.insert(pending.end(), std::make_reverse_iterator(node->children + node->childCount),
+                       firstChild);
     }
     return nullptr;
 }

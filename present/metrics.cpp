@@ -78,7 +78,8 @@ std::int32_t readOsKind() {
     if (GetVersionExA(&version) == FALSE) return 0;
     for (const KnownSystem& known : knownSystems) {
         const bool anyVersion = known.majorVersion == 0;
-        if (known.platform == version.dwPlatformId && (anyVersion || known.majorVersion == version.dwMajorVersion)) {
+        if (known.platform == version.dwPlatformId &&
+            (anyVersion || known.majorVersion == version.dwMajorVersion)) {
             return known.kind;
         }
     }

@@ -92,7 +92,8 @@ tarnPrintData::~tarnPrintData() {
     releaseList(items_, ItemDeleter{});
 }
 
-void tarnPrintData::storeData(std::int32_t id, const MOLTVARIANT* value, std::int32_t flags, std::int32_t extra) {
+void tarnPrintData::storeData(std::int32_t id, const MOLTVARIANT* value, std::int32_t flags,
+                              std::int32_t extra) {
     Item item = newItem(id, flags, extra);
     if (value != nullptr && isText(*value)) {
         item->value = copyText(*value, flags, "");

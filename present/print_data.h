@@ -1,12 +1,12 @@
 #pragma once
 
 // The list of items behind a print-out.  A screen stores items and the rows of its tables; code outside this
-// library walks the list and reads the records.  Nothing is formatted or printed here: values stay values, but for
-// texts, which always arrive as tag 10.
+// library walks the list and reads the records.  Nothing is formatted or printed here: values stay values,
+// but for texts, which always arrive as tag 10.
 //
 //   tarnPrintData data;
-//   data.storeData(7, &title, printBullet, 0);            // getPrintData(0)->value.payload.text is "\x95 Orders"
-//   data.storeData(8, &marker, printMultiData, 0);        // marker has tag 9: a container of rows
+//   data.storeData(7, &title, printBullet, 0);            // getPrintData(0)->value.payload.text is "\x95
+//   Orders" data.storeData(8, &marker, printMultiData, 0);        // marker has tag 9: a container of rows
 //   data.storeMultiData(&row, &cell);                     // row.id is 8: getNumMultiData(8) is 1
 //
 // A consumer counts up from 0 until getPrintData answers NULL.
@@ -46,20 +46,20 @@ class TARN_EXPORT tarnPrintData {
     tarnPrintData& operator=(const tarnPrintData&) = delete;
     ~tarnPrintData();
 
-    // Appends an item with a deep copy of the value.  Texts of tags 10 and 17 become tag 10, with the bullet in
-    // front if `flags` has printBullet.  Tag 9 with printMultiData makes a container without rows.
-    // Bad input: NULL is stored as an empty value, a text of NULL as an empty text.
+    // Appends an item with a deep copy of the value.  Texts of tags 10 and 17 become tag 10, with the bullet
+    // in front if `flags` has printBullet.  Tag 9 with printMultiData makes a container without rows. Bad
+    // input: NULL is stored as an empty value, a text of NULL as an empty text.
     void storeData(std::int32_t id, const MOLTVARIANT* value, std::int32_t flags, std::int32_t extra);
 
     // Appends an item of id 0 with today's date (Coordinated Universal Time) and the local time as a text:
     // 11/18/1999  9:05:07.  It never gets a bullet.
     void storeDateTime(std::int32_t flags);
 
-    // Appends a row, a copy of `record` with this value, to the container whose id is the record's.  Of several
-    // items of one id the first decides: if it is no container, the row is dropped.  A text becomes tag 10 as in
-    // storeData, and one of NULL becomes a single blank (with printBullet: the bullet alone); a blob is copied; any
-    // other value is a view, which the caller keeps alive.
-    // Bad input: NULL changes nothing.
+    // Appends a row, a copy of `record` with this value, to the container whose id is the record's.  Of
+    // several items of one id the first decides: if it is no container, the row is dropped.  A text becomes
+    // tag 10 as in storeData, and one of NULL becomes a single blank (with printBullet: the bullet alone); a
+    // blob is copied; any other value is a view, which the caller keeps alive. Bad input: NULL changes
+    // nothing.
     void storeMultiData(const _MultiPrintStruct* record, const MOLTVARIANT* value);
 
     // Answer a record, NULL if there is none.  Owner: this object, for its whole life.

@@ -1,12 +1,13 @@
 #pragma once
 
-// The screen's sizes and colours in one snapshot, and a class that owns one bitmap with its palette: from a resource,
-// empty, or painted as a vertical gradient.
+// The screen's sizes and colours in one snapshot, and a class that owns one bitmap with its palette: from a
+// resource, empty, or painted as a vertical gradient.
 //
 //   tarnMetrics metrics;                              // metrics.cxScreen 1920, metrics.clrWindow 0xFFFFFF
 //   tarnBitmap logo(instance, 101, 1);                // a packed bitmap, with its palette up to 256 colours
 //   logo.getSize(width, height);
-//   background.bitmapMOLT(0, 400, 250, 0, screen, &manager);   // from (50,100,100) at the top to (148,198,198)
+//   background.bitmapMOLT(0, 400, 250, 0, screen, &manager);   // from (50,100,100) at the top to
+//   (148,198,198)
 //
 // Threads: no shared state; one object belongs to one thread at a time.
 
@@ -82,8 +83,8 @@ class TARN_EXPORT tarnBitmap {
 
     tarnBitmap() = default;
 
-    // Loads a bitmap of a module, by the low 16 bits of the id: with `withPalette` 0 as LoadBitmapA does, otherwise
-    // from the packed bitmap, with a palette of all 2^bits colours if it has up to 8 bits a pixel.
+    // Loads a bitmap of a module, by the low 16 bits of the id: with `withPalette` 0 as LoadBitmapA does,
+    // otherwise from the packed bitmap, with a palette of all 2^bits colours if it has up to 8 bits a pixel.
     // Bad input: a resource that is missing, cut short or no packed bitmap leaves `bitmap` NULL.
     tarnBitmap(HINSTANCE module, std::int32_t id, int withPalette);
 
@@ -97,11 +98,12 @@ class TARN_EXPORT tarnBitmap {
     // Gives out the size in pixels.  Without a bitmap both stay untouched.
     void getSize(std::int32_t& columns, std::int32_t& rows);
 
-    // Paints a new bitmap for the device as a gradient of 100 bands, from the bottom up: the lowest is grey (198), the
-    // others are i + 49, i + 99, i + 99 for i from 99 down to 1.  Where the height is no multiple of 100 the rest is
-    // spread over the bands, and rows left free at the top are grey.  The manager's device context gets its earlier
-    // bitmap back; a bitmap that this object held is released.  The arguments without a name have no effect.
-    // Bad input: without a manager nothing happens; a bitmap that can't be made, or can't be selected, isn't painted.
+    // Paints a new bitmap for the device as a gradient of 100 bands, from the bottom up: the lowest is grey
+    // (198), the others are i + 49, i + 99, i + 99 for i from 99 down to 1.  Where the height is no multiple
+    // of 100 the rest is spread over the bands, and rows left free at the top are grey.  The manager's device
+    // context gets its earlier bitmap back; a bitmap that this object held is released.  The arguments
+    // without a name have no effect. Bad input: without a manager nothing happens; a bitmap that can't be
+    // made, or can't be selected, isn't painted.
     void bitmapMOLT(std::int32_t, std::int32_t columns, std::int32_t rows, std::int32_t, HDC device,
                     ItarnResourceMgr* manager);
 

@@ -1,7 +1,7 @@
 #pragma once
 
-// The one thing that all modules of a process share through this library: a pointer slot.  What it points to, who
-// owns that and who locks it is a matter of the modules; the library neither reads nor writes it.
+// The one thing that all modules of a process share through this library: a pointer slot.  What it points to,
+// who owns that and who locks it is a matter of the modules; the library neither reads nor writes it.
 //
 //   *getGlobalPointer() = &session;
 //   static_cast<Session*>(*getGlobalPointer());   // &session, also in another module

@@ -45,6 +45,16 @@ void tarnParser::setDelimiters(const char* characters) {
     delimiters = copy;
 }
 
+char* tarnParser::loadFile(const char* fileName, int scrambled) {
+    tarn::WholeFile file = tarn::readWholeFile(fileName, 0, FILE_FLAG_SEQUENTIAL_SCAN);
+    if (file.data == nullptr) return nullptr;
+    delete[] buffer;
+    buffer = file.data.release();
+    if (!file.isRead()) return nullptr;
+    if (scrambled != 0) unscramble(buffer, static_cast<std::int32_t>(file.length));
+    return buffer;
+}
+
 _link* tarnParser::parseTokens(char* text) {
     if (text == nullptr) return tokens;
     DelimiterSet set(delimiters);
