@@ -88,8 +88,8 @@ class TARN_EXPORT tarnMenuDef {
 
     tarnMenuDef(const tarnMenuDef&) = delete;
     tarnMenuDef& operator=(const tarnMenuDef&) = delete;
-    // Releases the nodes below, then the node's own menu; a node without one takes its entry out of its
-    // parent's menu, by its id.  The parent has to be alive, or to go in the same sweep.
+    // Releases the nodes below, then the node's own menu.  A node without a menu that is deleted on its own
+    // takes its entry out of its parent's menu, by its id; the parent has to be alive then.
     ~tarnMenuDef();
 
     // Puts a child at the end and owns it from now on.  The child's `parent` stays.  Bad input: NULL changes
@@ -122,8 +122,7 @@ class TARN_EXPORT tarnMenuDef {
 
     void renewMenu();
     void appendEntry(tarnMenuDef& child) const;
-    void leaveMenus(const tarnMenuDef* owner) const;
-    tarnMenuDef* sweep();
+    void releaseBelow();
 };
 
 // Reads one menu file.

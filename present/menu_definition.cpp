@@ -22,47 +22,35 @@ std::size_t realCapacity(std::int32_t told) {
 }  // namespace
 
 tarnMenuDef::~tarnMenuDef() {
-    for (tarnMenuDef* node = sweep(); node != nullptr;) {
-        tarnMenuDef* const next = std::exchange(node->parent, nullptr);
-        node->childCount = 0;
-        node->menu = nullptr;
-        delete node;
-        node = next;
-    }
+    releaseBelow();
     delete[] children;
+    if (menu != nullptr) {
+        DestroyMenu(menu);
+    } else if (parent != nullptr && parent->menu != nullptr) {
+        DeleteMenu(parent->menu, static_cast<UINT>(id), MF_BYCOMMAND);
+    }
 }
 
-// Visits this node and all below, children first, and takes each out of the menus.  `labelLength`, which
-// nobody reads any more, counts the children visited, and a visited node's `parent` chains it to the one
-// before. Answers the chain of the nodes below.
-tarnMenuDef* tarnMenuDef::sweep() {
-    tarnMenuDef* visited = nullptr;
+// Deletes all nodes below, children first.  `labelLength`, which nobody reads any more, counts the children
+// visited. A node that goes with the one above doesn't take its entry out of that one's menu, which goes too:
+// with many children that would search the menu once for each.
+void tarnMenuDef::releaseBelow() {
     tarnMenuDef* above = nullptr;
     tarnMenuDef* node = this;
-    node->labelLength = 0;
+    labelLength = 0;
     while (true) {
         if (node->labelLength < node->childCount) {
-            tarnMenuDef* const child = std::exchange(node->children[node->labelLength], above);
-            ++node->labelLength;
+            tarnMenuDef* const child = std::exchange(node->children[node->labelLength++], above);
             above = std::exchange(node, child);
             node->labelLength = 0;
             continue;
         }
-        node->leaveMenus(above);
-        if (node == this) return visited;
-        node->parent = std::exchange(visited, node);
-        node = above;
+        if (node == this) return;
+        tarnMenuDef* const done = std::exchange(node, above);
         above = node->children[node->labelLength - 1];
-    }
-}
-
-// An entry in a menu that goes in the same sweep isn't taken out first: with many children that would search
-// the menu once for each.
-void tarnMenuDef::leaveMenus(const tarnMenuDef* owner) const {
-    if (menu != nullptr) {
-        DestroyMenu(menu);
-    } else if (parent != nullptr && parent != owner && parent->menu != nullptr) {
-        DeleteMenu(parent->menu, static_cast<UINT>(id), MF_BYCOMMAND);
+        done->childCount = 0;
+        done->parent = nullptr;
+        delete done;
     }
 }
 
