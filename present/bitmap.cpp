@@ -87,10 +87,10 @@ tarnBitmap::tarnBitmap(HDC device, std::int32_t columns, std::int32_t rows, std:
     : bitmap(CreateCompatibleBitmap(device, columns, rows)), resourceId(id), width(columns), height(rows) {}
 
 tarnBitmap::~tarnBitmap() {
-    clear();
+    release();
 }
 
-void tarnBitmap::clear() {
+void tarnBitmap::release() {
     if (bitmap != nullptr) DeleteObject(bitmap);
     if (palette != nullptr) DeleteObject(palette);
     bitmap = nullptr;
@@ -112,8 +112,9 @@ HBITMAP tarnBitmap::loadPaletteBitmap(std::uint16_t id) {
             RealizePalette(screen);
         }
         const BITMAPINFOHEADER header = headerOf(packed);
-        made = CreateDIBitmap(screen, &header, CBM_INIT, packed + pixelOffset(header),
-                              reinterpret_cast<const BITMAPINFO*>(packed), DIB_RGB_COLORS);
+        const auto* const info = reinterpret_cast<const BITMAPINFO*>(packed);
+        made = CreateDIBitmap(screen, &info->bmiHeader, CBM_INIT, packed + pixelOffset(header), info,
+                              DIB_RGB_COLORS);
         width = header.biWidth;
         height = header.biHeight;
         ReleaseDC(nullptr, screen);
@@ -156,7 +157,7 @@ void tarnBitmap::getSize(std::int32_t& columns, std::int32_t& rows) {
 void tarnBitmap::bitmapMOLT(std::int32_t, std::int32_t columns, std::int32_t rows, std::int32_t, HDC device,
                             ItarnResourceMgr* manager) {
     if (manager == nullptr) return;
-    clear();
+    release();
     width = columns;
     height = rows;
     bitmap = CreateCompatibleBitmap(device, columns, rows);

@@ -13,8 +13,7 @@
 // a token's ends don't count.  Behind the first POPUP stands a body:
 //
 //   body    label, number, then entries up to END
-//   entry   MENUITEM label, number, id, extra   or   MENUITEM SEPARATOR   or   POPUP body   or a token passed
-//   over
+//   entry   MENUITEM label, number, id, extra,  or  MENUITEM SEPARATOR,  or  POPUP body,  or any other token
 //
 // A token that is the beginning of a keyword is that keyword (P, ME, and an empty token is any of them: END
 // among entries).  A text may end anywhere: the tree stays as far as it was built, and an entry that isn't
@@ -51,8 +50,9 @@ class TARN_EXPORT tarnParser {
     ~tarnParser();
 
     // Cuts the text up in place, as strtok does, but without its shared position.  The text has to stay as
-    // long as the list.  A second text's tokens go behind the first one's. Answers the head of the list, NULL
-    // if there is no token.  Owner: the parser.  Bad input: NULL has no token.
+    // long as the list.  A second text's tokens go behind the first one's.
+    // Answers the head of the list, NULL if there is no token.  Owner: the parser.
+    // Bad input: NULL has no token.
     _link* parseTokens(char* text);
 
   private:
@@ -92,8 +92,8 @@ class TARN_EXPORT tarnMenuDef {
     // takes its entry out of its parent's menu, by its id; the parent has to be alive then.
     ~tarnMenuDef();
 
-    // Puts a child at the end and owns it from now on.  The child's `parent` stays.  Bad input: NULL changes
-    // nothing.
+    // Puts a child at the end and owns it from now on.  The child's `parent` stays.
+    // Bad input: NULL changes nothing.
     void addChild(tarnMenuDef* child);
 
     // Puts `newChild` into the place of a direct child, which is the caller's from now on.

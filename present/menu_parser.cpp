@@ -1,4 +1,4 @@
-// The grammar of menu texts, as one loop over the tokens that keeps the popup it is in.
+// The grammar of menu texts, as one loop over the tokens that knows the popup it is in.
 
 #include <cstring>
 #include <memory>

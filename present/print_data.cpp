@@ -12,6 +12,8 @@
 
 namespace {
 
+using tarn::printBullet;
+
 constexpr std::string_view bullet = "\x95 ";
 
 bool isText(const MOLTVARIANT& value) {
@@ -100,7 +102,7 @@ void tarnPrintData::storeData(std::int32_t id, const MOLTVARIANT* value, std::in
     } else {
         item->value.copyContent(value);
     }
-    if (item->value.tag == tagPlain9 && (flags & printMultiData) != 0) {
+    if (item->value.tag == tagPlain9 && (flags & tarn::printMultiData) != 0) {
         item->multiData = new tarnTList<_MultiPrintStruct*>;
     }
     append(*items_, std::move(item));

@@ -5,9 +5,9 @@
 // but for texts, which always arrive as tag 10.
 //
 //   tarnPrintData data;
-//   data.storeData(7, &title, printBullet, 0);            // getPrintData(0)->value.payload.text is "\x95
-//   Orders" data.storeData(8, &marker, printMultiData, 0);        // marker has tag 9: a container of rows
-//   data.storeMultiData(&row, &cell);                     // row.id is 8: getNumMultiData(8) is 1
+//   data.storeData(7, &title, 0x2000, 0);   // getPrintData(0)->value is a text with a bullet in front
+//   data.storeData(8, &marker, 0x40, 0);    // marker has tag 9: a container of rows
+//   data.storeMultiData(&row, &cell);       // row.id is 8: getNumMultiData(8) is 1
 //
 // A consumer counts up from 0 until getPrintData answers NULL.
 // Threads: no shared state, and one object belongs to one thread at a time.
@@ -17,9 +17,13 @@
 #include "core/export.h"
 #include "core/variant.h"
 
+namespace tarn {
+
 // The bits of `flags` that mean something here; all bits reach the consumer.
 constexpr std::int32_t printMultiData = 0x40;  // an item of tag 9 holds rows
 constexpr std::int32_t printBullet = 0x2000;   // the text gets a bullet in front, the bytes 0x95 0x20
+
+}  // namespace tarn
 
 // A row of a container.
 struct _MultiPrintStruct {
@@ -47,8 +51,8 @@ class TARN_EXPORT tarnPrintData {
     ~tarnPrintData();
 
     // Appends an item with a deep copy of the value.  Texts of tags 10 and 17 become tag 10, with the bullet
-    // in front if `flags` has printBullet.  Tag 9 with printMultiData makes a container without rows. Bad
-    // input: NULL is stored as an empty value, a text of NULL as an empty text.
+    // in front if `flags` has printBullet.  Tag 9 with printMultiData makes a container without rows.
+    // Bad input: NULL is stored as an empty value, a text of NULL as an empty text.
     void storeData(std::int32_t id, const MOLTVARIANT* value, std::int32_t flags, std::int32_t extra);
 
     // Appends an item of id 0 with today's date (Coordinated Universal Time) and the local time as a text:
@@ -58,8 +62,8 @@ class TARN_EXPORT tarnPrintData {
     // Appends a row, a copy of `record` with this value, to the container whose id is the record's.  Of
     // several items of one id the first decides: if it is no container, the row is dropped.  A text becomes
     // tag 10 as in storeData, and one of NULL becomes a single blank (with printBullet: the bullet alone); a
-    // blob is copied; any other value is a view, which the caller keeps alive. Bad input: NULL changes
-    // nothing.
+    // blob is copied; any other value is a view, which the caller keeps alive.
+    // Bad input: NULL changes nothing.
     void storeMultiData(const _MultiPrintStruct* record, const MOLTVARIANT* value);
 
     // Answer a record, NULL if there is none.  Owner: this object, for its whole life.

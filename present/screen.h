@@ -3,11 +3,9 @@
 // The screen's sizes and colours in one snapshot, and a class that owns one bitmap with its palette: from a
 // resource, empty, or painted as a vertical gradient.
 //
-//   tarnMetrics metrics;                              // metrics.cxScreen 1920, metrics.clrWindow 0xFFFFFF
-//   tarnBitmap logo(instance, 101, 1);                // a packed bitmap, with its palette up to 256 colours
-//   logo.getSize(width, height);
-//   background.bitmapMOLT(0, 400, 250, 0, screen, &manager);   // from (50,100,100) at the top to
-//   (148,198,198)
+//   tarnMetrics metrics;                 // metrics.cxScreen 1920, metrics.clrWindow 0xFFFFFF
+//   tarnBitmap logo(instance, 101, 1);   // a packed bitmap, with a palette if it has up to 256 colours
+//   back.bitmapMOLT(0, 400, 250, 0, screen, &manager);   // dark green at the top, light at the bottom
 //
 // Threads: no shared state; one object belongs to one thread at a time.
 
@@ -102,13 +100,14 @@ class TARN_EXPORT tarnBitmap {
     // (198), the others are i + 49, i + 99, i + 99 for i from 99 down to 1.  Where the height is no multiple
     // of 100 the rest is spread over the bands, and rows left free at the top are grey.  The manager's device
     // context gets its earlier bitmap back; a bitmap that this object held is released.  The arguments
-    // without a name have no effect. Bad input: without a manager nothing happens; a bitmap that can't be
-    // made, or can't be selected, isn't painted.
+    // without a name have no effect.
+    // Bad input: without a manager nothing happens; a bitmap that can't be made, or can't be selected, isn't
+    // painted.
     void bitmapMOLT(std::int32_t, std::int32_t columns, std::int32_t rows, std::int32_t, HDC device,
                     ItarnResourceMgr* manager);
 
   private:
-    void clear();
+    void release();
     HBITMAP loadPaletteBitmap(std::uint16_t id);
     static HPALETTE createBitmapPalette(const void* packed, std::int32_t* colors);
 };

@@ -95,7 +95,7 @@ TEST(Bitmap, WhatCanNotBePaintedPaintsNothing) {
     tarnBitmap bitmap;
     bitmap.bitmapMOLT(1, 10, 10, 1, manager.screen(), nullptr);
     EXPECT_EQ(bitmap.bitmap, nullptr);
-    for (const std::int32_t size : {INT32_MIN, INT32_MAX}) {
+    for (const std::int32_t size : {INT32_MIN + 1, INT32_MAX}) {
         bitmap.bitmapMOLT(1, size, size, 1, manager.screen(), &manager);
         EXPECT_EQ(bitmap.bitmap, nullptr);
         EXPECT_EQ(bitmap.height, size);

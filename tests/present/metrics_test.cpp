@@ -25,6 +25,7 @@ void expectSystemValues(const tarnMetrics& metrics) {
         std::memcpy(&value, bytes, sizeof value);
         bytes += sizeof value;
         EXPECT_EQ(value, index < 0 ? 0 : GetSystemMetrics(index)) << index;
+        EXPECT_TRUE(index < 0 || value > 0) << index;
     }
     bytes += sizeof(LOGFONTA);
     for (const int index : colorOrder) {

@@ -12,6 +12,9 @@
 
 namespace {
 
+using tarn::printBullet;
+using tarn::printMultiData;
+
 // A value that is released with the object.
 struct Value : MOLTVARIANT {
     explicit Value(std::int32_t plainTag) {
