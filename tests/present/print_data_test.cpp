@@ -15,122 +15,94 @@ namespace {
 using tarn::printBullet;
 using tarn::printMultiData;
 
-// A value that is released with the object.
-struct Value : MOLTVARIANT {
-    explicit Value(std::int32_t plainTag) {
-        tag = plainTag;
-        payload.longValue = 4711;
-    }
-    Value(std::int32_t textTag, const char* text) {
-        tag = textTag;
-        if (textTag == tagString) {
-            payload.string = text == nullptr ? nullptr : new tarnString(text);
-        } else {
-            payload.text = text == nullptr ? nullptr : newstr(text);
-        }
-    }
-    Value(const Value&) = delete;
-    Value& operator=(const Value&) = delete;
-    ~Value() { destroyContent(); }
-};
-
-_MultiPrintStruct rowOf(std::int32_t id, std::int32_t flags = 0) {
-    _MultiPrintStruct row;
-    row.id = id;
-    row.flags = flags;
-    for (std::int32_t i = 0; i < 4; ++i) row.words[i] = 10 * id + i;
-    return row;
+// A value that owns nothing; the payload is any pointer.
+MOLTVARIANT valueOf(std::int32_t tag, const void* payload = nullptr) {
+    MOLTVARIANT value;
+    value.tag = tag;
+    value.payload.block = static_cast<unsigned char*>(const_cast<void*>(payload));
+    return value;
 }
 
+_MultiPrintStruct rowOf(std::int32_t id, std::int32_t flags = 0) {
+    return {id, flags, valueOf(tagLong), {10 * id, 11, 12, 13}};
+}
+
+const MOLTVARIANT marker = valueOf(tagPlain9), number = valueOf(tagLong);
+
 TEST(PrintData, TextsArriveAsTag10WithTheirBullet) {
+    const tarnString abc("abc");
     const struct {
-        std::int32_t tag;
-        const char* text;
+        MOLTVARIANT value;
         std::int32_t flags;
-        const char* item;
-        const char* row;
-    } rows[] = {{tagText, "abc", 0, "abc", "abc"},
-                {tagText, "abc", printBullet | 1, "\x95 abc", "\x95 abc"},
-                {tagString, "abc", 0, "abc", "abc"},
-                {tagString, "abc", printBullet, "\x95 abc", "\x95 abc"},
-                {tagText, "", 0, "", ""},
-                {tagText, nullptr, 0, "", " "},
-                {tagString, nullptr, 0, "", " "},
-                {tagText, nullptr, printBullet, "\x95 ", "\x95 "}};
+        const char *item, *row;
+    } rows[] = {{valueOf(tagText, "abc"), 0, "abc", "abc"},
+                {valueOf(tagText, "abc"), printBullet | 1, "\x95 abc", "\x95 abc"},
+                {valueOf(tagString, &abc), 0, "abc", "abc"},
+                {valueOf(tagString, &abc), printBullet, "\x95 abc", "\x95 abc"},
+                {valueOf(tagText, ""), 0, "", ""},
+                {valueOf(tagText), 0, "", " "},
+                {valueOf(tagString), 0, "", " "},
+                {valueOf(tagText), printBullet, "\x95 ", "\x95 "}};
     for (const auto& row : rows) {
         tarnPrintData data;
-        {
-            const Value value(row.tag, row.text), marker(tagPlain9);
-            data.storeData(1, &marker, printMultiData, 0);
-            data.storeData(2, &value, row.flags, 77);
-            const _MultiPrintStruct record = rowOf(1, row.flags);
-            data.storeMultiData(&record, &value);
-        }
-        const _PrintStruct* item = data.getPrintData(1);
-        EXPECT_EQ(item->value.tag, tagText);
-        EXPECT_STREQ(item->value.payload.text, row.item);
-        EXPECT_EQ(item->flags, row.flags);
-        EXPECT_EQ(item->extra, 77);
-        const _MultiPrintStruct* stored = data.getMultiPrintData(1, 0);
-        EXPECT_EQ(stored->value.tag, tagText);
-        EXPECT_STREQ(stored->value.payload.text, row.row);
-        EXPECT_EQ(stored->words[3], 13);
+        data.storeData(1, &marker, printMultiData, 0);
+        data.storeData(2, &row.value, row.flags, 77);
+        const _MultiPrintStruct record = rowOf(1, row.flags);
+        data.storeMultiData(&record, &row.value);
+        const _PrintStruct& item = *data.getPrintData(1);
+        EXPECT_EQ(item.value.tag, tagText);
+        EXPECT_STREQ(item.value.payload.text, row.item);
+        EXPECT_EQ(item.flags + item.extra, row.flags + 77);
+        const _MultiPrintStruct& stored = *data.getMultiPrintData(1, 0);
+        EXPECT_EQ(stored.value.tag, tagText);
+        EXPECT_STREQ(stored.value.payload.text, row.row);
+        EXPECT_EQ(stored.words[0] + stored.words[3], 23);
     }
 }
 
 TEST(PrintData, OnlyTheFirstItemOfAnIdHoldsRows) {
-    const Value marker(tagPlain9), number(tagLong);
     tarnPrintData data;
     data.storeDateTime(printMultiData);
-    data.storeData(5, &number, printMultiData, 0);  // another tag: no container
-    data.storeData(5, &marker, printMultiData, 0);  // hidden behind it
-    data.storeData(6, &marker, 0, 0);               // without the bit
-    data.storeData(0, &marker, printMultiData, 0);  // hidden behind the date
-    data.storeData(7, &marker, printMultiData | printBullet, 0);
-    for (const std::int32_t id : {0, 5, 6, 99}) {
-        const _MultiPrintStruct row = rowOf(id);
-        data.storeMultiData(&row, &number);
-        EXPECT_EQ(data.getNumMultiData(id), -1) << id;
-        EXPECT_EQ(data.getMultiPrintData(id, 0), nullptr) << id;
-    }
+    data.storeData(5, &number, printMultiData, 0);                // another tag: no container
+    data.storeData(5, &marker, printMultiData, 0);                // hidden behind it
+    data.storeData(6, &marker, 0, 0);                             // without the bit
+    data.storeData(0, &marker, printMultiData, 0);                // hidden behind the date
+    data.storeData(7, &marker, printMultiData | printBullet, 0);  // the one that holds rows
     EXPECT_EQ(data.getNumMultiData(7), 0);
     data.storeData(7, &marker, printMultiData, 0);
-    const _MultiPrintStruct row = rowOf(7);
-    for (int i = 0; i < 50; ++i) data.storeMultiData(&row, &number);
+    for (int i = 0; i < 50; ++i) {
+        for (const std::int32_t id : {0, 5, 6, 7, 99}) {
+            const _MultiPrintStruct row = rowOf(id);
+            data.storeMultiData(&row, &number);
+            data.storeMultiData(&row, nullptr);
+            EXPECT_EQ(data.getNumMultiData(id), id == 7 ? i + 1 : -1) << id;
+            EXPECT_EQ(data.getMultiPrintData(id, i) != nullptr, id == 7) << id;
+            EXPECT_EQ(data.getMultiPrintData(id, i + 1), nullptr);
+        }
+    }
     data.storeMultiData(nullptr, &number);
-    data.storeMultiData(&row, nullptr);
-    EXPECT_EQ(data.getNumMultiData(7), 50);
-    EXPECT_NE(data.getMultiPrintData(7, 49), nullptr);
-    EXPECT_EQ(data.getMultiPrintData(7, 50), nullptr);
-    EXPECT_EQ(data.getMultiPrintData(7, -1), nullptr);
-    std::int32_t count = 0;
-    while (data.getPrintData(count) != nullptr) ++count;
-    EXPECT_EQ(count, 7);
-    EXPECT_EQ(data.getPrintData(-1), nullptr);
-    EXPECT_EQ(data.getPrintData(6)->multiData->count, 0) << "rows went to the first";
+    EXPECT_EQ(data.getPrintData(6)->multiData->count, 0);
+    EXPECT_EQ(data.getPrintData(7), nullptr);
 }
 
-TEST(PrintData, ItemsOwnCopiesAndRowsViews) {
-    Value wide(tagWideText, nullptr);
-    wide.payload.wideText = new char16_t[2]{u'x', 0};
-    Value blob(tagBlob);
-    blob.payload.blob.data = new unsigned char[3]{1, 0, 2};
+TEST(PrintData, ItemsOwnCopiesAndRowsOwnBlobsAlone) {
+    unsigned char bytes[16] = {1, 0, 2};
+    MOLTVARIANT blob = valueOf(tagBlob, bytes);
     blob.payload.blob.length = 3;
-    const Value marker(tagPlain9);
+    const MOLTVARIANT block = valueOf(tagBlock, bytes);
     tarnPrintData data;
     data.storeData(1, &marker, printMultiData, 0);
     const _MultiPrintStruct row = rowOf(1);
-    for (const MOLTVARIANT* value : {static_cast<MOLTVARIANT*>(&wide), static_cast<MOLTVARIANT*>(&blob)}) {
+    for (const MOLTVARIANT* value : {&block, const_cast<const MOLTVARIANT*>(&blob)}) {
         data.storeData(2, value, printBullet, 0);
         data.storeMultiData(&row, value);
     }
     data.storeData(3, nullptr, 0, 0);
-    EXPECT_NE(data.getPrintData(1)->value.payload.wideText, wide.payload.wideText);
-    EXPECT_EQ(data.getMultiPrintData(1, 0)->value.payload.wideText, wide.payload.wideText);
+    EXPECT_NE(data.getPrintData(1)->value.payload.block, bytes);
+    EXPECT_EQ(data.getMultiPrintData(1, 0)->value.payload.block, bytes);
+    bytes[2] = 9;
     for (const MOLTVARIANT& copy : {data.getPrintData(2)->value, data.getMultiPrintData(1, 1)->value}) {
-        EXPECT_EQ(copy.tag, tagBlob);
-        EXPECT_EQ(copy.payload.blob.length, 3);
-        EXPECT_NE(copy.payload.blob.data, blob.payload.blob.data);
+        EXPECT_EQ(copy.tag * 10 + copy.payload.blob.length, tagBlob * 10 + 3);
         EXPECT_EQ(copy.payload.blob.data[2], 2);
     }
     EXPECT_EQ(data.getPrintData(3)->value.tag, tagEmpty);
@@ -146,7 +118,6 @@ TEST(PrintData, TheDateIsUniversalAndTheTimeLocal) {
     tarn::setClock(nullptr, nullptr);
     EXPECT_STREQ(data.getPrintData(0)->value.payload.text, "11/18/1999  9:05:07");
     EXPECT_EQ(data.getPrintData(0)->flags, printBullet);
-    EXPECT_EQ(data.getPrintData(0)->id, 0);
 }
 
 #endif
