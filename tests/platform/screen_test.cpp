@@ -57,9 +57,8 @@ TEST(Screen, ANewMemoryContextHoldsOneMonochromePixel) {
 TEST(Screen, ABitmapIsSelectedIntoOneContextAtATime) {
     Canvas one(3, 3), two(3, 3);
     EXPECT_EQ(SelectObject(one.context, one.bitmap), one.bitmap);
-    for (const HDC context : {two.context, one.screen, HDC{nullptr}})
-        EXPECT_EQ(SelectObject(context, one.bitmap), nullptr);
-    EXPECT_EQ(SelectObject(one.context, nullptr), nullptr);
+    for (const HDC other : {two.context, one.screen, HDC{}})
+        EXPECT_EQ(SelectObject(other, one.bitmap), nullptr);
     EXPECT_EQ(SelectObject(one.context, one.first), one.bitmap);
     EXPECT_EQ(SelectObject(two.context, one.bitmap), two.bitmap);
     EXPECT_EQ(SelectObject(two.context, two.bitmap), one.bitmap);
@@ -122,14 +121,12 @@ TEST(Screen, BitmapsOfEveryDepthDecodeInBothDirections) {
 
 TEST(Screen, GlobalMemoryCountsItsLocks) {
     const HGLOBAL memory = GlobalAlloc(GHND, 100);
-    const void* bytes = GlobalLock(memory);
-    EXPECT_EQ(GlobalLock(memory), bytes);
+    EXPECT_EQ(GlobalLock(memory), GlobalLock(memory));
     EXPECT_TRUE(GlobalUnlock(memory));
-    SetLastError(77);
-    EXPECT_FALSE(GlobalUnlock(memory));
-    EXPECT_EQ(GetLastError(), ERROR_SUCCESS);
-    EXPECT_FALSE(GlobalUnlock(memory));
-    EXPECT_EQ(GetLastError(), ERROR_NOT_LOCKED);
+    for (const DWORD error : {DWORD{ERROR_SUCCESS}, DWORD{ERROR_NOT_LOCKED}}) {
+        EXPECT_FALSE(GlobalUnlock(memory));
+        EXPECT_EQ(GetLastError(), error);
+    }
     EXPECT_EQ(GlobalFree(memory), nullptr);
 }
 
@@ -140,8 +137,8 @@ TEST(Screen, ResourcesAreFoundByNumberAndByText) {
     tarn::addResource(module, 10, 101, "bytes", 5);
     const HRSRC found = FindResourceA(module, "#101", MAKEINTRESOURCEA(10));
     EXPECT_EQ(found, FindResourceA(module, MAKEINTRESOURCEA(101), "#10"));
-    EXPECT_EQ(SizeofResource(module, found), 5U);
-    EXPECT_EQ(std::memcmp(LockResource(LoadResource(module, found)), "bytes", 5), 0);
+    EXPECT_EQ(std::memcmp(LockResource(LoadResource(module, found)), "bytes", SizeofResource(module, found)),
+              0);
     for (const char* name : {MAKEINTRESOURCEA(102), "#101x", "LOGO", "#65637"}) {
         EXPECT_EQ(FindResourceA(module, name, "#10"), nullptr);
         EXPECT_EQ(GetLastError(), ERROR_RESOURCE_NAME_NOT_FOUND);
