@@ -71,7 +71,10 @@ TEST(Modules, AModuleGoesWithItsLastRelease) {
 #if !defined(_WIN32)
     EXPECT_FALSE(FreeLibrary(module) || DisableThreadLibraryCalls(module));
     EXPECT_EQ(GetProcAddress(module, function.c_str()), nullptr);
+#endif
 }
+
+#if !defined(_WIN32)
 
 TEST(Messages, AProgramsOwnBoxGetsWhatTheCallerGave) {
     tarn::setMessageBox([](const char* text, const char* caption, std::uint32_t style) {
