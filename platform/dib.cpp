@@ -59,7 +59,7 @@ bool readLayout(const void* data, Layout& layout) {
 BYTE primary(DWORD pixel, DWORD mask) {
     if (mask == 0) return 0;
     const DWORD value = (pixel & mask) >> std::countr_zero(mask);
-    const int width = std::bit_width(mask >> std::countr_zero(mask));
+    const int width = 32 - std::countl_zero(mask) - std::countr_zero(mask);
     if (width >= 8) return static_cast<BYTE>(value >> (width - 8));
     DWORD bits = value << (8 - width);
     for (int shown = width; shown < 8; shown *= 2) bits |= bits >> shown;

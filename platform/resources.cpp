@@ -51,6 +51,7 @@ namespace tarn {
 
 void addResource(HINSTANCE module, std::uint16_t type, std::uint16_t id, const void* data,
                  std::uint32_t size) {
+    if (data == nullptr && size != 0) return;
     auto resource = std::make_unique<Resource>();
     resource->module = module;
     resource->type = type;

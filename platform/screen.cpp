@@ -1,5 +1,6 @@
 // The screen that the system values describe: the classic one, or the program's own by setScreen.
 
+#include <algorithm>
 #include <cstring>
 #include <iterator>
 #include <string_view>
@@ -10,97 +11,51 @@
 
 namespace {
 
-struct IndexedValue {
-    int index;
-    std::int32_t value;
-};
+// By the Win32 index, at 96 dpi.  The task bar takes 28 rows of the full-screen client area.
+constexpr std::int32_t classicMetrics[] = {
+    // 0: screen, scroll bars, caption, border, dialog frame, scroll thumb
+    1920, 1080, 16, 16, 19, 1, 1, 3, 3, 16,
+    // 10: scroll thumb, icon, cursor, menu, full-screen client area, mouse
+    16, 32, 32, 32, 32, 19, 1920, 1033, 0, 1,
+    // 20: scroll arrows, 28: smallest window
+    16, 16, 0, 0, 0, 0, 0, 0, 112, 27,
+    // 30: title buttons, frame, smallest window, double click, icon spacing
+    18, 18, 4, 4, 112, 27, 4, 4, 75, 75,
+    // 43: mouse buttons, edge, minimised window, small icon
+    0, 0, 0, 3, 0, 2, 2, 160, 24, 16,
+    // 50: small icon, small caption and its buttons, menu buttons, minimised and largest window
+    16, 16, 12, 15, 18, 18, 0, 160, 24, 1932,
+    // 60: largest and maximised window, 68: drag
+    1092, 1928, 1060, 0, 0, 0, 0, 0, 4, 4,
+    // 71: menu check mark
+    0, 13, 13};
 
-// At 96 dpi, by the Win32 index; those without a name here only clients ask for.  The task bar takes 28 rows
-// of the full-screen client area.
-constexpr IndexedValue classicMetrics[] = {
-    {SM_CXSCREEN, 1920},
-    {SM_CYSCREEN, 1080},
-    {SM_CXVSCROLL, 16},
-    {SM_CYHSCROLL, 16},
-    {SM_CYCAPTION, 19},
-    {SM_CXBORDER, 1},
-    {SM_CYBORDER, 1},
-    {SM_CXDLGFRAME, 3},
-    {SM_CYDLGFRAME, 3},
-    {9, 16},
-    {10, 16},
-    {SM_CXICON, 32},
-    {SM_CYICON, 32},
-    {13, 32},
-    {14, 32},
-    {SM_CYMENU, 19},
-    {16, 1920},
-    {17, 1033},
-    {19, 1},
-    {SM_CYVSCROLL, 16},
-    {21, 16},
-    {28, 112},
-    {29, 27},
-    {30, 18},
-    {SM_CYSIZE, 18},
-    {SM_CXFRAME, 4},
-    {SM_CYFRAME, 4},
-    {34, 112},
-    {35, 27},
-    {36, 4},
-    {37, 4},
-    {38, 75},
-    {39, 75},
-    {43, 3},
-    {SM_CXEDGE, 2},
-    {SM_CYEDGE, 2},
-    {47, 160},
-    {48, 24},
-    {SM_CXSMICON, 16},
-    {SM_CYSMICON, 16},
-    {SM_CYSMCAPTION, 16},
-    {52, 12},
-    {53, 15},
-    {54, 18},
-    {55, 18},
-    {57, 160},
-    {58, 24},
-    {59, 1932},
-    {60, 1092},
-    {61, 1928},
-    {62, 1060},
-    {68, 4},
-    {69, 4},
-    {SM_CXMENUCHECK, 13},
-    {SM_CYMENUCHECK, 13},
-};
+constexpr COLORREF face = RGB(212, 208, 200), white = RGB(255, 255, 255), black = RGB(0, 0, 0);
+constexpr COLORREF grey = RGB(128, 128, 128), blue = RGB(10, 36, 106);
 
 constexpr COLORREF classicColors[] = {
-    RGB(212, 208, 200), RGB(58, 110, 165),  RGB(10, 36, 106),
-    RGB(128, 128, 128),  // 0 scroll bar
-    RGB(212, 208, 200), RGB(255, 255, 255), RGB(0, 0, 0),
-    RGB(0, 0, 0),  // 4 menu, window
-    RGB(0, 0, 0),       RGB(255, 255, 255), RGB(212, 208, 200),
-    RGB(212, 208, 200),  // 8 window text
-    RGB(128, 128, 128), RGB(10, 36, 106),   RGB(255, 255, 255),
-    RGB(212, 208, 200),  // 13 highlight, 15 button
-    RGB(128, 128, 128), RGB(128, 128, 128), RGB(0, 0, 0),
-    RGB(212, 208, 200),  // 16 button shadow
-    RGB(255, 255, 255), RGB(64, 64, 64),    RGB(212, 208, 200),
-    RGB(0, 0, 0),  // 20 button highlight
-    RGB(255, 255, 225), RGB(181, 181, 181), RGB(0, 0, 128),
-    RGB(166, 202, 240),                                          // 24 tool tip
-    RGB(192, 192, 192), RGB(10, 36, 106),   RGB(212, 208, 200),  // 28 inactive caption
-};
+    // 0: scroll bar, desktop, active and inactive caption, menu
+    face, RGB(58, 110, 165), blue, grey, face,
+    // 5: window, its frame, menu text, window text, caption text
+    white, black, black, black, white,
+    // 10: active and inactive border, application, highlight, its text
+    face, face, grey, blue, white,
+    // 15: button, its shadow, grey text, button text, inactive caption text
+    face, grey, grey, black, face,
+    // 20: button highlight, dark shadow, light, tool tip text, tool tip
+    white, RGB(64, 64, 64), face, black, RGB(255, 255, 225),
+    // 25: alternate button, link, active and inactive gradient, menu highlight, menu bar
+    RGB(181, 181, 181), RGB(0, 0, 128), RGB(166, 202, 240), RGB(192, 192, 192), blue, face};
+
+constexpr std::string_view iconFace = "MS Sans Serif";
 
 constexpr tarn::ScreenDescription makeClassic() {
     tarn::ScreenDescription screen{};
-    for (const auto& metric : classicMetrics) screen.metrics[metric.index] = metric.value;
-    for (std::size_t i = 0; i < std::size(classicColors); ++i) screen.colors[i] = classicColors[i];
+    std::copy(std::begin(classicMetrics), std::end(classicMetrics), screen.metrics);
+    std::copy(std::begin(classicColors), std::end(classicColors), screen.colors);
     screen.iconTitleFont.lfHeight = -11;
     screen.iconTitleFont.lfWeight = 400;
-    constexpr std::string_view face = "MS Sans Serif";
-    for (std::size_t i = 0; i < face.size(); ++i) screen.iconTitleFont.lfFaceName[i] = face[i];
+    std::copy(iconFace.begin(), iconFace.end(), screen.iconTitleFont.lfFaceName);
     screen.numColors = -1;
     screen.platformId = VER_PLATFORM_WIN32_NT;
     screen.majorVersion = 4;

@@ -1,10 +1,11 @@
 #pragma once
 
-// A packed device-independent bitmap for tests: header, colour table, pixels, with a colour for every place
-// that is worked out apart from any decoder.
+// A packed device-independent bitmap for tests: header, colour table and pixels of fixed random bytes, and
+// the colour at every place, read bit by bit.
 
 #include <cstdlib>
 #include <cstring>
+#include <random>
 #include <vector>
 
 #include "platform/win32.h"
@@ -12,70 +13,47 @@
 namespace tarntest {
 
 struct PackedBitmap {
-    int depth, width, height;  // a height below 0: rows from the top
-    std::size_t pixelOffset;
+    std::size_t depth, rowBytes, pixelOffset;
+    int height;  // below 0: rows from the top
     std::vector<unsigned char> bytes;
 
-    PackedBitmap(int bits, int columns, int rows) : depth(bits), width(columns), height(rows) {
-        const int colors = bits <= 8 ? 1 << bits : 0;
+    PackedBitmap(int bits, int columns, int rows)
+        : depth(static_cast<std::size_t>(bits)),
+          rowBytes(static_cast<std::size_t>((columns * bits + 31) / 32 * 4)),
+          pixelOffset(sizeof(BITMAPINFOHEADER) + (bits <= 8 ? std::size_t{4} << bits : 0)),
+          height(rows),
+          bytes(pixelOffset + rowBytes * static_cast<std::size_t>(std::abs(rows))) {
+        std::mt19937 random(static_cast<unsigned>(bits));
+        for (unsigned char& byte : bytes) byte = static_cast<unsigned char>(random());
         BITMAPINFOHEADER header{};
         header.biSize = sizeof header;
         header.biWidth = columns;
         header.biHeight = rows;
         header.biPlanes = 1;
         header.biBitCount = static_cast<WORD>(bits);
-        pixelOffset = sizeof header + static_cast<std::size_t>(4 * colors);
-        const auto rowBytes = static_cast<std::size_t>((columns * bits + 31) / 32 * 4);
-        bytes.resize(pixelOffset + rowBytes * static_cast<std::size_t>(std::abs(rows)));
         std::memcpy(bytes.data(), &header, sizeof header);
-        for (int i = 0; i < colors; ++i) {
-            const RGBQUAD entry{tableColor(i, 3), tableColor(i, 2), tableColor(i, 1), 0};
-            std::memcpy(bytes.data() + sizeof header + 4 * i, &entry, sizeof entry);
-        }
-        for (int y = 0; y < std::abs(rows); ++y) {
-            const int line = rows < 0 ? y : rows - 1 - y;
-            for (int x = 0; x < columns; ++x)
-                put(pixelOffset + rowBytes * static_cast<std::size_t>(line), x, y);
-        }
     }
 
-    // What stands at this place, counted from the top left.
-    [[nodiscard]] COLORREF color(int x, int y) const {
-        const unsigned value = valueAt(x, y);
-        if (depth <= 8) {
-            const int entry = static_cast<int>(value);
-            return RGB(tableColor(entry, 1), tableColor(entry, 2), tableColor(entry, 3));
+    [[nodiscard]] const BITMAPINFO* info() const { return reinterpret_cast<const BITMAPINFO*>(bytes.data()); }
+    [[nodiscard]] COLORREF tableColor(std::size_t entry) const {
+        const unsigned char* color = bytes.data() + sizeof(BITMAPINFOHEADER) + 4 * entry;
+        return RGB(color[2], color[1], color[0]);
+    }
+    // The colour at a place counted from the top left.
+    [[nodiscard]] COLORREF color(std::size_t x, int y) const {
+        const auto line = static_cast<std::size_t>(height < 0 ? y : height - 1 - y);
+        const unsigned char* row = bytes.data() + pixelOffset + line * rowBytes;
+        std::size_t value = 0;
+        for (std::size_t bit = x * depth; depth <= 8 && bit < (x + 1) * depth; ++bit) {
+            value = value << 1 | (row[bit / 8] >> (7 - bit % 8) & 1U);
         }
+        if (depth <= 8) return tableColor(value);
+        for (std::size_t i = 0; i < depth / 8; ++i) value |= std::size_t{row[x * depth / 8 + i]} << 8 * i;
         if (depth > 16) return RGB(value >> 16, value >> 8, value);
         const auto widened = [value](int shift) {
-            const unsigned five = value >> shift & 31U;
-            return five << 3 | five >> 2;
+            return (value >> shift & 31) << 3 | (value >> shift & 31) >> 2;
         };
         return RGB(widened(10), widened(5), widened(0));
-    }
-
-    static BYTE tableColor(int entry, int primary) {
-        return static_cast<BYTE>(entry * 37 * primary + 11 * primary);
-    }
-
-  private:
-    [[nodiscard]] unsigned valueAt(int x, int y) const {
-        const auto mixed = static_cast<unsigned>(x * 7919 + y * 104729 + x * y * 31);
-        return depth > 16 ? mixed * 2654435761U >> 8 : mixed & ((1U << depth) - 1);
-    }
-
-    void put(std::size_t row, int x, int y) {
-        const unsigned value = valueAt(x, y);
-        if (depth < 8) {
-            const int perByte = 8 / depth;
-            bytes[row + static_cast<std::size_t>(x / perByte)] |=
-                static_cast<unsigned char>(value << (8 - depth - x % perByte * depth));
-            return;
-        }
-        for (int i = 0; i < depth / 8; ++i) {
-            bytes[row + static_cast<std::size_t>(x * depth / 8 + i)] =
-                static_cast<unsigned char>(value >> (8 * i));
-        }
     }
 };
 
