@@ -171,7 +171,7 @@ void translate(char* data, std::size_t size, VectorLevel level) {
     auto* const bytes = reinterpret_cast<unsigned char*>(data);
     constexpr const SpanForm& form = scrambles ? scrambled : unscrambled;
 #if TARN_X86_VECTORS
-    if (level == VectorLevel::avx2 && blocks >= longBuffer) {
+    if (level >= VectorLevel::avx2 && blocks >= longBuffer) {
         return moveInOrder<scrambles>(bytes, blocks, form, moveSpansByAvx2);
     }
     if (level != VectorLevel::none) return moveBlocks<scrambles>(bytes, blocks, form);

@@ -86,9 +86,15 @@ std::size_t decodeLastGroup(std::string_view text, unsigned char* target, const 
 }
 
 // Decodes one piece and answers its bytes.
-std::size_t decodeChunk(std::string_view text, unsigned char* target, const Tables& tables) {
+std::size_t decodeChunk(std::string_view text, unsigned char* target, bool standard, VectorLevel level) {
+    const Tables& tables = standard ? standardTables : variantTables;
     while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) text.remove_prefix(1);
     std::size_t bytes = 0;
+    if (level == VectorLevel::avx512) {
+        const std::size_t done = decodeGroupsByAvx512(text.data(), text.size(), target, standard);
+        bytes = done / groupCharacters * groupBytes;
+        text.remove_prefix(done);
+    }
     for (; text.size() >= groupCharacters; text.remove_prefix(groupCharacters), bytes += groupBytes) {
         const std::uint32_t bits = tables.bitsOf(text.data());
         if ((bits & outsideGroup) != 0) break;
@@ -103,7 +109,12 @@ std::size_t decodeChunk(std::string_view text, unsigned char* target, const Tabl
 
 std::size_t encodeText(const unsigned char* source, std::size_t length, char* target, char padChar,
                        bool standard, VectorLevel level) {
-    const std::size_t done = level == VectorLevel::avx2 ? encodeByAvx2(source, length, target, standard) : 0;
+    std::size_t done = 0;
+    if (level == VectorLevel::avx512) {
+        done = encodeByAvx512(source, length, target, standard);
+    } else if (level == VectorLevel::avx2) {
+        done = encodeByAvx2(source, length, target, standard);
+    }
     char* const end = encodeChunk(source + done, length - done, target + done / groupBytes * groupCharacters,
                                   padChar, standard ? standardTables : variantTables);
     *end = '\0';
@@ -112,17 +123,20 @@ std::size_t encodeText(const unsigned char* source, std::size_t length, char* ta
 
 std::size_t decodeText(std::string_view text, unsigned char* target, bool standard, VectorLevel level) {
     std::size_t bytes = 0;
-    while (!text.empty()) {
-        if (level == VectorLevel::avx2) {
-            const std::size_t clean = decodeByAvx2(text.data(), text.size(), target + bytes, standard);
-            bytes += clean / groupCharacters * groupBytes;
-            text.remove_prefix(clean);
+    while (true) {
+        std::size_t clean = 0;
+        if (level == VectorLevel::avx512) {
+            clean = decodeByAvx512(text.data(), text.size(), target + bytes, standard);
+        } else if (level == VectorLevel::avx2) {
+            clean = decodeByAvx2(text.data(), text.size(), target + bytes, standard);
         }
+        bytes += clean / groupCharacters * groupBytes;
+        text.remove_prefix(clean);
+        if (text.empty()) return bytes;
         const std::string_view piece = text.substr(0, decodedPiece);
-        bytes += decodeChunk(piece, target + bytes, standard ? standardTables : variantTables);
+        bytes += decodeChunk(piece, target + bytes, standard, level);
         text.remove_prefix(piece.size());
     }
-    return bytes;
 }
 
 }  // namespace tarn
@@ -139,10 +153,17 @@ int UUencode(const unsigned char* source, std::uint32_t length, char* target, ch
 }
 
 int UUdecode(const char* source, unsigned char* target, int /*size*/, int standardAlphabet) {
-    constexpr std::uint32_t longest =
-        std::numeric_limits<int>::max() / tarn::groupBytes * tarn::groupCharacters;
+    constexpr std::size_t stretch =
+        256 * tarn::decodedPiece;  // looked through and decoded while it is in the cache
+    constexpr std::size_t mostStretches = std::numeric_limits<int>::max() / (stretch / 4 * 3);
     if (source == nullptr || target == nullptr) return 0;
-    const std::string_view text = source;
-    if (text.size() > longest) return 0;
-    return static_cast<int>(tarn::decodeText(text, target, standardAlphabet != 0, tarn::vectorLevel()));
+    std::size_t bytes = 0;
+    for (std::size_t i = 0; i < mostStretches; ++i, source += stretch) {
+        const auto* const end = static_cast<const char*>(std::memchr(source, '\0', stretch));
+        const std::size_t length = end == nullptr ? stretch : static_cast<std::size_t>(end - source);
+        bytes +=
+            tarn::decodeText({source, length}, target + bytes, standardAlphabet != 0, tarn::vectorLevel());
+        if (end != nullptr) break;
+    }
+    return static_cast<int>(bytes);
 }

@@ -1,4 +1,4 @@
-// The codec, its piece rules and its paths: store/uu_codec.cpp and store/uu_codec_simd.cpp.
+// The codec, its piece rules and its paths: store/uu_codec*.cpp.
 
 #include "store/uu_codec.h"
 
@@ -32,9 +32,11 @@ std::string decoded(const std::string& text, int standard = 1) {
 }
 
 std::vector<tarn::VectorLevel> levels() {
-    if (tarn::vectorLevel() == tarn::VectorLevel::avx2)
-        return {tarn::VectorLevel::none, tarn::VectorLevel::avx2};
-    return {tarn::VectorLevel::none};
+    std::vector<tarn::VectorLevel> all{tarn::VectorLevel::none};
+    for (const auto level : {tarn::VectorLevel::avx2, tarn::VectorLevel::avx512}) {
+        if (level <= tarn::vectorLevel()) all.push_back(level);
+    }
+    return all;
 }
 
 // The told rules for one piece, character by character: the slow plain form.
@@ -175,7 +177,12 @@ TEST(UuCodec, EveryByteIsJudgedRightlyAtEveryPlace) {
             for (int byte = 1; byte < 256; ++byte) {
                 std::string text(alphabet);
                 text[place] = static_cast<char>(byte);
-                ASSERT_EQ(decoded(text, standard), plainDecoded(text, alphabet)) << place << ' ' << byte;
+                const std::string expected = plainDecoded(text, alphabet);
+                for (const auto level : levels()) {
+                    unsigned char bytes[48];
+                    const std::size_t count = tarn::decodeText(text, bytes, standard, level);
+                    ASSERT_EQ(std::string(bytes, bytes + count), expected) << place << ' ' << byte;
+                }
             }
         }
     }

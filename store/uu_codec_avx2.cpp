@@ -2,12 +2,12 @@
 // Encoding and Decoding using AVX2 Instructions" (2018).  What depends on the alphabet is worked out from it
 // by the compiler:
 //
-//   encoding   the values fall into 14 classes (a-z, each digit, the two last characters, A-Z) of one
-//   distance between
-//              value and character; the class is found by a saturated subtraction
+//   encoding   the values fall into 14 classes (A-Z, a-z, each digit, the two last characters) that have one
+//   distance
+//              from value to character each; the class comes from a saturated subtraction
 //   decoding   a character is in the alphabet if the bit of its row (high nibble) stands in the set of its
 //   column (low
-//              nibble); a row has one distance between character and value, but for the two last characters
+//              nibble); its value has one distance from it in each row, with column 15 a row apart
 
 #include <array>
 #include <cstdint>
@@ -21,32 +21,32 @@ namespace {
 
 using Lane = std::array<std::uint8_t, 16>;
 
+constexpr unsigned lastColumn = 15;
+constexpr std::uint8_t apart = 8;  // in a column's set: its distances stand 8 on.  No row has this bit
+
+constexpr std::uint8_t bitOfRow(unsigned row) {
+    constexpr Lane bits{0, 0, 1, 2, 4, 16, 32, 64};  // no alphabet has a character below row 2 or above row 7
+    return bits[row];
+}
+
 struct VectorTables {
-    Lane distances{};           // encoding, by class
-    Lane columns{}, rows{};     // decoding: the rows that a column's characters stand in; the bit of a row
-    Lane rowDistances{};        // decoding, by row
-    std::uint8_t lastTwo[2]{};  // the two last characters
-    std::uint8_t corrections[2]{};  // what their distances differ from their rows'
+    Lane classDistances{};   // encoding
+    Lane columns{}, rows{};  // decoding: the set of a column, the bit of a row
+    Lane rowDistances{};     // decoding: by row, and by row + 8 in column 15
 
     constexpr explicit VectorTables(std::string_view characters) {
         const auto distance = [&](std::size_t value) {
-            return static_cast<std::uint8_t>(characters[value]) - value;
+            return static_cast<std::uint8_t>(static_cast<unsigned char>(characters[value]) - value);
         };
-        distances[0] = static_cast<std::uint8_t>(distance(26));
-        for (std::size_t i = 1; i <= 12; ++i) distances[i] = static_cast<std::uint8_t>(distance(i + 51));
-        distances[13] = static_cast<std::uint8_t>(distance(0));
-        for (std::size_t row = 0; row < 8; ++row) rows[row] = static_cast<std::uint8_t>(1U << row);
+        classDistances[0] = distance(0);
+        for (std::size_t i = 1; i <= 13; ++i) classDistances[i] = distance(i + 50);
+        for (unsigned row = 0; row < 8; ++row) rows[row] = bitOfRow(row);
+        columns[lastColumn] = apart;
         for (std::size_t value = 0; value < alphabetSize; ++value) {
-            const auto character = static_cast<std::uint8_t>(characters[value]);
-            columns[character & 15] =
-                static_cast<std::uint8_t>(columns[character & 15] | rows[character >> 4]);
-            if (value < 62) {
-                rowDistances[character >> 4] = static_cast<std::uint8_t>(0 - distance(value));
-            } else {
-                lastTwo[value - 62] = character;
-                corrections[value - 62] =
-                    static_cast<std::uint8_t>(0 - distance(value) - rowDistances[character >> 4]);
-            }
+            const auto character = static_cast<unsigned char>(characters[value]);
+            const unsigned row = character >> 4, column = character & 15U;
+            columns[column] = static_cast<std::uint8_t>(columns[column] | bitOfRow(row));
+            rowDistances[row | (columns[column] & apart)] = static_cast<std::uint8_t>(0 - distance(value));
         }
     }
 };
@@ -78,24 +78,9 @@ TARN_AVX2 inline __m256i valuesOfBytes(const unsigned char* source) {
 }
 
 TARN_AVX2 inline __m256i charactersOfValues(__m256i values, __m256i distances) {
-    const __m256i isCapital = _mm256_cmpgt_epi8(_mm256_set1_epi8(26), values);
-    const __m256i classes = _mm256_or_si256(_mm256_subs_epu8(values, _mm256_set1_epi8(51)),
-                                            _mm256_and_si256(isCapital, _mm256_set1_epi8(13)));
+    const __m256i isNoCapital = _mm256_cmpgt_epi8(values, _mm256_set1_epi8(25));  // -1 or 0
+    const __m256i classes = _mm256_sub_epi8(_mm256_subs_epu8(values, _mm256_set1_epi8(51)), isNoCapital);
     return _mm256_add_epi8(values, _mm256_shuffle_epi8(distances, classes));
-}
-
-// What decoding keeps in registers.
-struct Decoder {
-    __m256i columns, rows, rowDistances, last[2], corrections[2];
-};
-
-TARN_AVX2 inline Decoder decoderOf(const VectorTables& tables) {
-    const auto all = [](std::uint8_t byte) { return static_cast<char>(byte); };
-    return {bothLanes(tables.columns),
-            bothLanes(tables.rows),
-            bothLanes(tables.rowDistances),
-            {_mm256_set1_epi8(all(tables.lastTwo[0])), _mm256_set1_epi8(all(tables.lastTwo[1]))},
-            {_mm256_set1_epi8(all(tables.corrections[0])), _mm256_set1_epi8(all(tables.corrections[1]))}};
 }
 
 struct Values {
@@ -103,27 +88,28 @@ struct Values {
     __m256i member;  // 0 in each byte whose character is outside the alphabet
 };
 
-TARN_AVX2 inline Values valuesOfCharacters(const char* text, const Decoder& decoder) {
+TARN_AVX2 inline Values valuesOfCharacters(const char* text, __m256i columns, __m256i rows,
+                                           __m256i distances) {
     const __m256i characters = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(text));
     const __m256i row = _mm256_and_si256(_mm256_srli_epi32(characters, 4), _mm256_set1_epi8(15));
-    // Bytes of 0x80 and above look up no column at all.
-    const __m256i member = _mm256_and_si256(_mm256_shuffle_epi8(decoder.columns, characters),
-                                            _mm256_shuffle_epi8(decoder.rows, row));
-    __m256i values = _mm256_add_epi8(characters, _mm256_shuffle_epi8(decoder.rowDistances, row));
-    for (int i = 0; i < 2; ++i) {
-        const __m256i isLast = _mm256_cmpeq_epi8(characters, decoder.last[i]);
-        values = _mm256_add_epi8(values, _mm256_and_si256(isLast, decoder.corrections[i]));
-    }
-    return {values, member};
+    const __m256i set = _mm256_shuffle_epi8(columns, characters);  // empty for bytes of 0x80 and above
+    const __m256i place = _mm256_or_si256(row, _mm256_and_si256(set, _mm256_set1_epi8(apart)));
+    return {_mm256_add_epi8(characters, _mm256_shuffle_epi8(distances, place)),
+            _mm256_and_si256(set, _mm256_shuffle_epi8(rows, row))};
 }
 
-TARN_AVX2 inline void putBytesOfValues(__m256i values, unsigned char* target) {
+// The 32 values as 24 bytes, with 8 bytes of no meaning behind them.
+TARN_AVX2 inline __m256i bytesOfValues(__m256i values) {
     const __m256i pairs = _mm256_maddubs_epi16(values, _mm256_set1_epi32(0x01400140));
     const __m256i groups = _mm256_madd_epi16(pairs, _mm256_set1_epi32(0x00011000));
     const __m256i order = _mm256_setr_epi8(2, 1, 0, 6, 5, 4, 10, 9, 8, 14, 13, 12, -1, -1, -1, -1,  //
                                            2, 1, 0, 6, 5, 4, 10, 9, 8, 14, 13, 12, -1, -1, -1, -1);
-    const __m256i bytes = _mm256_permutevar8x32_epi32(_mm256_shuffle_epi8(groups, order),
-                                                      _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 3, 7));
+    return _mm256_permutevar8x32_epi32(_mm256_shuffle_epi8(groups, order),
+                                       _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 3, 7));
+}
+
+TARN_AVX2 inline void putBytes(unsigned char* target, __m256i bytes, bool exactly) {
+    if (!exactly) return _mm256_storeu_si256(reinterpret_cast<__m256i*>(target), bytes);
     _mm_storeu_si128(reinterpret_cast<__m128i*>(target), _mm256_castsi256_si128(bytes));
     _mm_storel_epi64(reinterpret_cast<__m128i*>(target + 16), _mm256_extracti128_si256(bytes, 1));
 }
@@ -132,7 +118,7 @@ TARN_AVX2 inline void putBytesOfValues(__m256i values, unsigned char* target) {
 
 TARN_AVX2 std::size_t encodeByAvx2(const unsigned char* source, std::size_t length, char* target,
                                    bool standard) {
-    const __m256i distances = bothLanes((standard ? standardTables : variantTables).distances);
+    const __m256i distances = bothLanes((standard ? standardTables : variantTables).classDistances);
     std::size_t done = 0;
     for (; length - done >= vectorBytes; done += vectorBytes, target += vectorCharacters) {
         _mm256_storeu_si256(reinterpret_cast<__m256i*>(target),
@@ -144,15 +130,19 @@ TARN_AVX2 std::size_t encodeByAvx2(const unsigned char* source, std::size_t leng
 TARN_AVX2 std::size_t decodeByAvx2(const char* text, std::size_t length, unsigned char* target,
                                    bool standard) {
     static_assert(decodedPiece == 2 * vectorCharacters);
-    const Decoder decoder = decoderOf(standard ? standardTables : variantTables);
+    const VectorTables& tables = standard ? standardTables : variantTables;
+    const __m256i columns = bothLanes(tables.columns);
+    const __m256i rows = bothLanes(tables.rows);
+    const __m256i distances = bothLanes(tables.rowDistances);
     std::size_t done = 0;
     for (; length - done >= decodedPiece; done += decodedPiece, target += 2 * vectorBytes) {
-        const Values first = valuesOfCharacters(text + done, decoder);
-        const Values second = valuesOfCharacters(text + done + vectorCharacters, decoder);
+        const Values first = valuesOfCharacters(text + done, columns, rows, distances);
+        const Values second = valuesOfCharacters(text + done + vectorCharacters, columns, rows, distances);
         const __m256i least = _mm256_min_epu8(first.member, second.member);
         if (_mm256_movemask_epi8(_mm256_cmpeq_epi8(least, _mm256_setzero_si256())) != 0) break;
-        putBytesOfValues(first.values, target);
-        putBytesOfValues(second.values, target + vectorBytes);
+        putBytes(target, bytesOfValues(first.values), false);
+        const bool isLast = length - done < 2 * decodedPiece;
+        putBytes(target + vectorBytes, bytesOfValues(second.values), isLast);
     }
     return done;
 }
