@@ -56,8 +56,10 @@ TARN_AVX512 inline __m512i load(const void* bytes) {
     return _mm512_loadu_si512(bytes);
 }
 
+constexpr __mmask64 everything = ~__mmask64{0};  // for the masked forms: g++ warns of its unmasked ones
+
 constexpr __mmask64 firstBytes(std::size_t count) {
-    return count >= 64 ? ~__mmask64{0} : (__mmask64{1} << count) - 1;
+    return count >= 64 ? everything : (__mmask64{1} << count) - 1;
 }
 
 struct Values {
@@ -73,7 +75,7 @@ TARN_AVX512 inline Values valuesOfCharacters(__m512i characters, __m512i low, __
 TARN_AVX512 inline __m512i bytesOfValues(__m512i values) {
     const __m512i pairs = _mm512_maddubs_epi16(values, _mm512_set1_epi32(0x01400140));
     const __m512i groups = _mm512_madd_epi16(pairs, _mm512_set1_epi32(0x00011000));
-    return _mm512_permutexvar_epi8(load(gather.data()), groups);
+    return _mm512_maskz_permutexvar_epi8(everything, load(gather.data()), groups);
 }
 
 }  // namespace
@@ -87,8 +89,10 @@ TARN_AVX512 std::size_t encodeByAvx512(const unsigned char* source, std::size_t 
     for (std::size_t left = groups; left > 0;) {
         const std::size_t taken = left < 16 ? left : 16;
         const __m512i bytes = _mm512_maskz_loadu_epi8(firstBytes(3 * taken), source);
-        const __m512i values = _mm512_multishift_epi64_epi8(rotations, _mm512_permutexvar_epi8(order, bytes));
-        _mm512_mask_storeu_epi8(target, firstBytes(4 * taken), _mm512_permutexvar_epi8(values, characters));
+        const __m512i values = _mm512_maskz_multishift_epi64_epi8(
+            everything, rotations, _mm512_maskz_permutexvar_epi8(everything, order, bytes));
+        _mm512_mask_storeu_epi8(target, firstBytes(4 * taken),
+                                _mm512_maskz_permutexvar_epi8(everything, values, characters));
         left -= taken;
         source += vectorBytes;
         target += vectorCharacters;
@@ -105,8 +109,10 @@ TARN_AVX512 std::size_t decodeByAvx512(const char* text, std::size_t length, uns
         const Values piece = valuesOfCharacters(load(text + done), low, high);
         if (piece.outsiders != 0) break;
         const __m512i bytes = bytesOfValues(piece.values);  // 48 of them, by plain stores: masks cost more
-        _mm256_storeu_si256(reinterpret_cast<__m256i*>(target), _mm512_castsi512_si256(bytes));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(target + 32), _mm512_extracti32x4_epi32(bytes, 2));
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(target),
+                            _mm512_maskz_extracti64x4_epi64(0xF, bytes, 0));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(target + 32),
+                         _mm512_maskz_extracti32x4_epi32(0xF, bytes, 2));
     }
     return done;
 }

@@ -56,7 +56,7 @@ std::string plainPiece(const std::string& piece, std::string_view alphabet) {
         bytes += static_cast<char>(value(i + 1) << 4 | value(i + 2) >> 2);
         bytes += static_cast<char>(value(i + 2) << 6 | value(i + 3));
     }
-    if (count % 4 != 0) bytes.resize(bytes.size() - (value(4 * groups - 2) != 64 ? 1 : 2));
+    if (count % 4 != 0) bytes.erase(3 * groups - (value(4 * groups - 2) != 64 ? 1 : 2));
     return bytes;
 }
 
