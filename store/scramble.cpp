@@ -112,6 +112,10 @@ TARN_SSSE3 __m128i load(const void* bytes) {
     return _mm_loadu_si128(static_cast<const __m128i*>(bytes));
 }
 
+TARN_SSSE3 void store(void* bytes, __m128i vector) {
+    _mm_storeu_si128(static_cast<__m128i*>(bytes), vector);
+}
+
 TARN_SSSE3 __m128i moveSpan(__m128i span, __m128i from, __m128i add) {
     return _mm_add_epi8(_mm_shuffle_epi8(span, from), add);
 }
@@ -120,25 +124,26 @@ TARN_SSSE3 __m128i moveSpan(__m128i span, __m128i from, __m128i add) {
 // stored the next one loads in the same pieces, and no load waits for two stores to meet in memory.  That
 // decides for short buffers, where the shifting costs little.
 template <bool scrambles>
-TARN_SSSE3 void moveBlocks(unsigned char* data, std::size_t blocks, const SpanForm& form) {
+TARN_SSSE3 void moveBlocks(unsigned char* data, std::size_t blocks) {
+    constexpr const SpanForm& form = scrambles ? scrambled : unscrambled;
     const __m128i from = load(form.from.data());
     const __m128i add = load(form.add.data());
     __m128i before = load(data);  // ends with the byte in front of the next block, as the next span reads it
     if (scrambles) before = moveSpan(before, from, add);
     __m128i span =
         _mm_slli_si128(before, 1);  // all but its first byte belong to the block that is stored next
-    for (std::size_t block = 0; block < blocks; ++block, data += scrambleBlock) {
-        __m128i next = _mm_srli_si128(before, secondSpan);
-        if (block + 1 < blocks) {
-            const __m128i bytes = load(data + scrambleBlock);
-            next = moveSpan(_mm_alignr_epi8(bytes, before, secondSpan), from, add);
-            before = bytes;
-        }
+    for (std::size_t block = 1; block < blocks; ++block, data += scrambleBlock) {
+        const __m128i bytes = load(data + scrambleBlock);
+        const __m128i next = moveSpan(_mm_alignr_epi8(bytes, before, secondSpan), from, add);
         __m128i moved = _mm_alignr_epi8(next, span, 1);
-        if (!scrambles && block == 0) moved = moveSpan(moved, from, add);  // the way back ends with span 0
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(data), moved);
+        if (!scrambles && block == 1) moved = moveSpan(moved, from, add);  // the way back ends with span 0
+        store(data, moved);
         span = next;
+        before = bytes;
     }
+    __m128i moved = _mm_alignr_epi8(_mm_srli_si128(before, secondSpan), span, 1);
+    if (!scrambles && blocks == 1) moved = moveSpan(moved, from, add);
+    store(data, moved);
 }
 
 constexpr std::size_t longBuffer = 64;  // blocks
@@ -156,12 +161,12 @@ TARN_AVX2 void moveSpansByAvx2(unsigned char* data, std::size_t count, const Spa
 
 #endif
 
-// Puts span 0 before or behind all the others.
+// Puts span 0 before or behind all the others.  It stays out of line so that short buffers don't pay for it.
 template <bool scrambles, typename MoveSpans>
-void moveInOrder(unsigned char* data, std::size_t blocks, const SpanForm& form, MoveSpans move) {
-    if (scrambles) moveSpans(data, 1, form);
-    move(data + secondSpan, blocks - 1, form);
-    if (!scrambles) moveSpans(data, 1, form);
+[[gnu::noinline]] void moveInOrder(unsigned char* data, std::size_t blocks, MoveSpans move) {
+    if (scrambles) moveSpans(data, 1, scrambled);
+    move(data + secondSpan, blocks - 1, scrambles ? scrambled : unscrambled);
+    if (!scrambles) moveSpans(data, 1, unscrambled);
 }
 
 template <bool scrambles>
@@ -169,14 +174,13 @@ void translate(char* data, std::size_t size, VectorLevel level) {
     const std::size_t blocks = size / scrambleBlock;
     if (blocks == 0) return;
     auto* const bytes = reinterpret_cast<unsigned char*>(data);
-    constexpr const SpanForm& form = scrambles ? scrambled : unscrambled;
 #if TARN_X86_VECTORS
     if (level >= VectorLevel::avx2 && blocks >= longBuffer) {
-        return moveInOrder<scrambles>(bytes, blocks, form, moveSpansByAvx2);
+        return moveInOrder<scrambles>(bytes, blocks, moveSpansByAvx2);
     }
-    if (level != VectorLevel::none) return moveBlocks<scrambles>(bytes, blocks, form);
+    if (level != VectorLevel::none) return moveBlocks<scrambles>(bytes, blocks);
 #endif
-    moveInOrder<scrambles>(bytes, blocks, form, moveSpans);
+    moveInOrder<scrambles>(bytes, blocks, moveSpans);
 }
 
 }  // namespace
