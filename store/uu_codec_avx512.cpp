@@ -120,11 +120,11 @@ TARN_AVX512 std::size_t decodeByAvx512(const char* text, std::size_t length, uns
 TARN_AVX512 std::size_t decodeGroupsByAvx512(const char* piece, std::size_t length, unsigned char* target,
                                              bool standard) {
     const auto& table = standard ? standardValues : variantValues;
-    const __mmask64 present = firstBytes(length);
-    const Values found = valuesOfCharacters(_mm512_maskz_loadu_epi8(present, piece), load(table.data()),
-                                            load(table.data() + 64));
-    const __mmask64 unusable = found.outsiders | ~present;
-    const std::size_t count = unusable == 0 ? 64 : static_cast<std::size_t>(__builtin_ctzll(unusable));
+    // What the mask leaves out is 0, which is outside the alphabet.
+    const Values found = valuesOfCharacters(_mm512_maskz_loadu_epi8(firstBytes(length), piece),
+                                            load(table.data()), load(table.data() + 64));
+    const std::size_t count =
+        found.outsiders == 0 ? vectorCharacters : static_cast<std::size_t>(__builtin_ctzll(found.outsiders));
     _mm512_mask_storeu_epi8(target, firstBytes(count / 4 * 3), bytesOfValues(found.values));
     return count / 4 * 4;
 }

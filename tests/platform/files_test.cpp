@@ -10,9 +10,12 @@
 #if !defined(_WIN32)
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include <csignal>
 
 #include "platform/host.h"
 #endif
@@ -275,6 +278,22 @@ TEST_F(FilesOfTheLayer, DevicesAndFifosNeitherHangNorShare) {
     EXPECT_EQ(WriteFile(full.get(), "x", 1, &count, nullptr), 0);
     EXPECT_EQ(GetLastError(), ERROR_DISK_FULL);
     EXPECT_TRUE(isOpen(again));
+}
+
+// The system writes up to the limit and tells no error; only going on shows that the rest doesn't fit.
+TEST_F(FilesOfTheLayer, AWriteThatStopsHalfwayHasFailed) {
+    rlimit before{};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+    const rlimit limited{1000, before.rlim_max};
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &limited), 0);
+    const Opened file = open(present, GENERIC_WRITE, 0, CREATE_ALWAYS);
+    const BOOL result = WriteFile(file.get(), std::string(3000, 'x').data(), 3000, &count, nullptr);
+    ::setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, handler);
+    EXPECT_EQ(result, 0);
+    EXPECT_EQ(GetLastError(), ERROR_DISK_FULL);
+    EXPECT_EQ(count, 1000U);
 }
 
 TEST_F(FilesOfTheLayer, HandlesAreCountedAndNotInherited) {
