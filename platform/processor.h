@@ -2,14 +2,16 @@
 
 // The library's own view of the processor: whether the compiler has the x86 vector instructions at all, and
 // which of them the machine has that the program runs on.  Sources with a vector path put it between
-// `#if TARN_X86_VECTORS` and mark its functions TARN_SSSE3 or TARN_AVX2, so that they may use instructions
-// that the rest of the program isn't compiled for; every such source also has a path without any.
+// `#if TARN_X86_VECTORS` and mark its functions TARN_SSSE3, TARN_AVX2 or TARN_AVX512, so that they may use
+// instructions that the rest of the program isn't compiled for; every such source also has a path without
+// any.
 
 #if defined(__GNUC__) && (defined(__x86_64__) || defined(__i386__))
 #define TARN_X86_VECTORS 1
 #include <immintrin.h>
 #define TARN_SSSE3 __attribute__((target("ssse3")))
 #define TARN_AVX2 __attribute__((target("avx2")))
+#define TARN_AVX512 __attribute__((target("avx512vbmi,avx512bw")))
 #else
 #define TARN_X86_VECTORS 0
 #endif
@@ -17,7 +19,7 @@
 namespace tarn {
 
 // What a path needs of the processor, each level with those before it.
-enum class VectorLevel { none, ssse3, avx2 };
+enum class VectorLevel { none, ssse3, avx2, avx512 };
 
 // Answers the highest level that this machine has.  It reads a word that the compiler's start-up code filled.
 // g++ doesn't align a 64-bit Windows stack to 32 bytes, which its AVX code relies on: there ssse3 is the
@@ -25,6 +27,8 @@ enum class VectorLevel { none, ssse3, avx2 };
 inline VectorLevel vectorLevel() {
 #if TARN_X86_VECTORS
 #if !defined(_WIN64) || defined(__clang__)
+    if (__builtin_cpu_supports("avx512vbmi") && __builtin_cpu_supports("avx512bw"))
+        return VectorLevel::avx512;
     if (__builtin_cpu_supports("avx2")) return VectorLevel::avx2;
 #endif
     if (__builtin_cpu_supports("ssse3")) return VectorLevel::ssse3;

@@ -1,10 +1,6 @@
-// Scrambling: each span of 16 bytes goes through sixteen steps "swap byte k and byte T[k], add T[k] to both".
-// No step looks at a byte's value, so that all of them together move each byte to a fixed place and add a
-// fixed number to it: one byte shuffle and one addition, which the compiler works out from the table by
-// taking the steps.
-//
-// Span 0 covers bytes 0 to 15 and span b the 16 bytes from 16 b - 1.  All but the first two lie side by side
-// and are independent of each other; byte 15 is in both of those, and there the order counts.
+// Scrambling by the forms that its steps come to.  Span by span a shuffle and an addition do: all spans but
+// the first two lie side by side and are independent of each other; byte 15 is in both of those, and there
+// the order counts. Block by block it takes three shuffles, but every block is loaded and stored as it lies.
 
 #include "store/scramble.h"
 
@@ -12,88 +8,13 @@
 #include <cstring>
 
 #include "store/file_tools.h"
+#include "store/scramble_forms.h"
 
 namespace tarn {
 namespace {
 
-constexpr SpanForm untouched() {
-    SpanForm form;
-    for (std::size_t i = 0; i < scrambleBlock; ++i) form.from[i] = static_cast<std::uint8_t>(i);
-    return form;
-}
-
-// Swaps bytes k and T[k] and adds `sign` times T[k] to both.
-constexpr void step(SpanForm& form, std::size_t k, int sign) {
-    const std::uint8_t other = scrambleTable[k];
-    std::swap(form.from[k], form.from[other]);
-    std::swap(form.add[k], form.add[other]);
-    for (const std::size_t place : {k, std::size_t{other}}) {
-        form.add[place] = static_cast<std::uint8_t>(form.add[place] + sign * other);
-    }
-}
-
-constexpr SpanForm scrambledSpan() {
-    SpanForm form = untouched();
-    for (std::size_t k = 0; k < scrambleBlock; ++k) step(form, k, +1);
-    return form;
-}
-
-constexpr SpanForm unscrambledSpan() {
-    SpanForm form = untouched();
-    for (std::size_t k = scrambleBlock; k-- > 0;) step(form, k, -1);
-    return form;
-}
-
-constexpr SpanForm scrambled = scrambledSpan();
-constexpr SpanForm unscrambled = unscrambledSpan();
-
-// ------------------------------------------------------------------------------------ what the table is good
-// for
-
-constexpr int distance(std::size_t a, std::size_t b) {
-    return static_cast<int>(a > b ? a - b : b - a);
-}
-
-template <typename Property>
-constexpr bool everywhere(std::size_t count, Property property) {
-    for (std::size_t i = 0; i < count; ++i) {
-        if (!property(i)) return false;
-    }
-    return true;
-}
-
-constexpr bool isPermutation(std::array<std::uint8_t, scrambleBlock> places) {
-    std::sort(places.begin(), places.end());
-    return everywhere(scrambleBlock, [&](std::size_t i) { return places[i] == i; });
-}
-
-constexpr bool areDistinct(std::array<std::uint8_t, scrambleBlock> numbers) {
-    std::sort(numbers.begin(), numbers.end());
-    return std::adjacent_find(numbers.begin(), numbers.end()) == numbers.end();
-}
-
-static_assert(isPermutation(scrambleTable));
-static_assert(everywhere(scrambleBlock, [](std::size_t i) { return scrambleTable[i] != i; }));
-// Every byte moves, two places or more, and neighbours are parted; equal bytes come out different; and
-// scrambling twice isn't the way back.
-static_assert(everywhere(scrambleBlock, [](std::size_t i) { return distance(scrambled.from[i], i) >= 2; }));
-static_assert(everywhere(scrambleBlock - 1, [](std::size_t i) {
-    return distance(scrambled.from[i], scrambled.from[i + 1]) >= 2;
-}));
-static_assert(areDistinct(scrambled.add) &&
-              everywhere(scrambleBlock, [](std::size_t i) { return scrambled.add[i] != 0; }));
-static_assert(everywhere(scrambleBlock,
-                         [](std::size_t i) { return scrambled.from[scrambled.from[i]] != i; }));
-// The way back leads back.
-static_assert(everywhere(scrambleBlock, [](std::size_t i) {
-    const std::size_t middle = unscrambled.from[i];
-    return scrambled.from[middle] == i && (scrambled.add[middle] + unscrambled.add[i]) % 256 == 0;
-}));
-
-// --------------------------------------------------------------------------------- the ways, plain and by
-// vectors
-
-constexpr std::size_t secondSpan = scrambleBlock - 1;
+constexpr SpanForm scrambledSpan(Direction::scrambling);
+constexpr SpanForm unscrambledSpan(Direction::unscrambling);
 
 // Moves `count` spans that lie side by side.
 void moveSpans(unsigned char* data, std::size_t count, const SpanForm& form) {
@@ -106,39 +27,50 @@ void moveSpans(unsigned char* data, std::size_t count, const SpanForm& form) {
     }
 }
 
+// Moves all spans, the first before or behind all the others.  It stays out of line so that short buffers
+// don't pay for it.
+template <Direction direction, typename MoveSpans>
+[[gnu::noinline]] void moveSpanBySpan(unsigned char* data, std::size_t blocks, MoveSpans moveRest) {
+    constexpr std::size_t secondSpan = scrambleBlock - 1;
+    constexpr bool forward = direction == Direction::scrambling;
+    if (forward) moveSpans(data, 1, scrambledSpan);
+    moveRest(data + secondSpan, blocks - 1, forward ? scrambledSpan : unscrambledSpan);
+    if (!forward) moveSpans(data, 1, unscrambledSpan);
+}
+
 #if TARN_X86_VECTORS
 
-TARN_SSSE3 __m128i load(const void* bytes) {
+constexpr auto scrambledBlocks = blockKinds(Direction::scrambling);
+constexpr auto unscrambledBlocks = blockKinds(Direction::unscrambling);
+
+TARN_SSSE3 inline __m128i load(const void* bytes) {
     return _mm_loadu_si128(static_cast<const __m128i*>(bytes));
 }
 
-TARN_SSSE3 __m128i moveSpan(__m128i span, __m128i from, __m128i add) {
-    return _mm_add_epi8(_mm_shuffle_epi8(span, from), add);
+TARN_SSSE3 inline void moveBlock(unsigned char* data, __m128i before, __m128i own, __m128i after,
+                                 const BlockForm& form) {
+    const __m128i neighbours = _mm_or_si128(_mm_shuffle_epi8(before, load(form.before.data())),
+                                            _mm_shuffle_epi8(after, load(form.after.data())));
+    const __m128i moved = _mm_add_epi8(_mm_shuffle_epi8(own, load(form.own.data())), load(form.add.data()));
+    // A byte that comes from a neighbour is so far only its addition in `moved`.
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(data), _mm_add_epi8(moved, neighbours));
 }
 
-// Takes the buffer block by block, not span by span, and shifts by one byte in registers: what one call
-// stored the next one loads in the same pieces, and no load waits for two stores to meet in memory.  That
-// decides for short buffers, where the shifting costs little.
-template <bool scrambles>
-TARN_SSSE3 void moveBlocks(unsigned char* data, std::size_t blocks, const SpanForm& form) {
-    const __m128i from = load(form.from.data());
-    const __m128i add = load(form.add.data());
-    __m128i before = load(data);  // ends with the byte in front of the next block, as the next span reads it
-    if (scrambles) before = moveSpan(before, from, add);
-    __m128i span =
-        _mm_slli_si128(before, 1);  // all but its first byte belong to the block that is stored next
-    for (std::size_t block = 0; block < blocks; ++block, data += scrambleBlock) {
-        __m128i next = _mm_srli_si128(before, secondSpan);
-        if (block + 1 < blocks) {
-            const __m128i bytes = load(data + scrambleBlock);
-            next = moveSpan(_mm_alignr_epi8(bytes, before, secondSpan), from, add);
-            before = bytes;
-        }
-        __m128i moved = _mm_alignr_epi8(next, span, 1);
-        if (!scrambles && block == 0) moved = moveSpan(moved, from, add);  // the way back ends with span 0
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(data), moved);
-        span = next;
+// What one call stores, the next one loads in the same pieces, and no load waits for two stores to meet in
+// memory. That decides for short buffers.
+template <Direction direction>
+TARN_SSSE3 void moveBlockByBlock(unsigned char* data, std::size_t blocks) {
+    constexpr const auto& kinds = direction == Direction::scrambling ? scrambledBlocks : unscrambledBlocks;
+    const BlockKind* kind = kinds.data();
+    __m128i before = _mm_setzero_si128(), own = load(data);
+    for (; blocks > 1; --blocks, data += scrambleBlock) {
+        const __m128i after = load(data + scrambleBlock);
+        moveBlock(data, before, own, after, kind->inner);
+        before = own;
+        own = after;
+        if (kind != &kinds.back()) ++kind;
     }
+    moveBlock(data, before, own, _mm_setzero_si128(), kind->last);
 }
 
 constexpr std::size_t longBuffer = 64;  // blocks
@@ -156,37 +88,28 @@ TARN_AVX2 void moveSpansByAvx2(unsigned char* data, std::size_t count, const Spa
 
 #endif
 
-// Puts span 0 before or behind all the others.
-template <bool scrambles, typename MoveSpans>
-void moveInOrder(unsigned char* data, std::size_t blocks, const SpanForm& form, MoveSpans move) {
-    if (scrambles) moveSpans(data, 1, form);
-    move(data + secondSpan, blocks - 1, form);
-    if (!scrambles) moveSpans(data, 1, form);
-}
-
-template <bool scrambles>
+template <Direction direction>
 void translate(char* data, std::size_t size, VectorLevel level) {
     const std::size_t blocks = size / scrambleBlock;
     if (blocks == 0) return;
     auto* const bytes = reinterpret_cast<unsigned char*>(data);
-    constexpr const SpanForm& form = scrambles ? scrambled : unscrambled;
 #if TARN_X86_VECTORS
-    if (level == VectorLevel::avx2 && blocks >= longBuffer) {
-        return moveInOrder<scrambles>(bytes, blocks, form, moveSpansByAvx2);
+    if (level >= VectorLevel::avx2 && blocks >= longBuffer) {
+        return moveSpanBySpan<direction>(bytes, blocks, moveSpansByAvx2);
     }
-    if (level != VectorLevel::none) return moveBlocks<scrambles>(bytes, blocks, form);
+    if (level != VectorLevel::none) return moveBlockByBlock<direction>(bytes, blocks);
 #endif
-    moveInOrder<scrambles>(bytes, blocks, form, moveSpans);
+    moveSpanBySpan<direction>(bytes, blocks, moveSpans);
 }
 
 }  // namespace
 
 void scrambleBytes(char* data, std::size_t size, VectorLevel level) {
-    translate<true>(data, size, level);
+    translate<Direction::scrambling>(data, size, level);
 }
 
 void unscrambleBytes(char* data, std::size_t size, VectorLevel level) {
-    translate<false>(data, size, level);
+    translate<Direction::unscrambling>(data, size, level);
 }
 
 }  // namespace tarn

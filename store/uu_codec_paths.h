@@ -1,0 +1,41 @@
+#pragma once
+
+// The parts of the codec and its ways for different processors; users want store/uu_codec.h.
+//
+// Threads: no state.
+
+#include <cstddef>
+#include <string_view>
+
+#include "platform/processor.h"
+
+namespace tarn {
+
+constexpr std::size_t alphabetSize = 64;
+inline constexpr std::string_view standardCharacters =
+    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+inline constexpr std::string_view variantCharacters =
+    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789?_";
+
+constexpr std::size_t decodedPiece = 64;  // characters that are decoded by themselves
+
+// Encode and decode by the instructions of a level that the machine has; the contracts are those of UUencode
+// and UUdecode for usable arguments.
+std::size_t encodeText(const unsigned char* source, std::size_t length, char* target, char padChar,
+                       bool standard, VectorLevel level);
+std::size_t decodeText(std::string_view text, unsigned char* target, bool standard, VectorLevel level);
+
+// Encode whole groups from the front and answer how many bytes they were.
+std::size_t encodeByAvx2(const unsigned char* source, std::size_t length, char* target, bool standard);
+std::size_t encodeByAvx512(const unsigned char* source, std::size_t length, char* target, bool standard);
+
+// Decode whole pieces from the front, as long as they hold nothing but the alphabet, and answer how many
+// characters they were.
+std::size_t decodeByAvx2(const char* text, std::size_t length, unsigned char* target, bool standard);
+std::size_t decodeByAvx512(const char* text, std::size_t length, unsigned char* target, bool standard);
+
+// Decodes the groups in front of the first character outside the alphabet, within one piece, and answers how
+// many characters they were.
+std::size_t decodeGroupsByAvx512(const char* piece, std::size_t length, unsigned char* target, bool standard);
+
+}  // namespace tarn
