@@ -32,7 +32,7 @@ tarnMenuDef::~tarnMenuDef() {
 }
 
 // Deletes all nodes below, children first.  `labelLength`, which nobody reads any more, counts the children
-// visited. A node that goes with the one above doesn't take its entry out of that one's menu, which goes too:
+// visited. A node that goes with its parent doesn't take its entry out of the parent's menu, which goes too:
 // with many children that would search the menu once for each.
 void tarnMenuDef::releaseBelow() {
     tarnMenuDef* above = nullptr;
@@ -49,7 +49,7 @@ void tarnMenuDef::releaseBelow() {
         tarnMenuDef* const done = std::exchange(node, above);
         above = node->children[node->labelLength - 1];
         done->childCount = 0;
-        done->parent = nullptr;
+        if (done->parent == node) done->parent = nullptr;
         delete done;
     }
 }

@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "calendar/market_calendar.h"
-#include "core/string.h"
+#include "core/value_text.h"
 #include "platform/win32.h"
 
 namespace {
@@ -15,16 +15,6 @@ namespace {
 using tarn::printBullet;
 
 constexpr std::string_view bullet = "\x95 ";
-
-bool isText(const MOLTVARIANT& value) {
-    return value.tag == tagText || value.tag == tagString;
-}
-
-// The text of a value of tag 10 or 17, NULL where it has none.
-const char* textOf(const MOLTVARIANT& value) {
-    if (value.tag == tagText) return value.payload.text;
-    return value.payload.string == nullptr ? nullptr : value.payload.string->text;
-}
 
 MOLTVARIANT newText(std::string_view front, std::string_view text) {
     MOLTVARIANT value;
@@ -37,7 +27,7 @@ MOLTVARIANT newText(std::string_view front, std::string_view text) {
 
 // `none` stands for a text of NULL.
 MOLTVARIANT copyText(const MOLTVARIANT& source, std::int32_t flags, std::string_view none) {
-    const char* const text = textOf(source);
+    const char* const text = tarn::textOf(source);
     const bool bulleted = (flags & printBullet) != 0;
     if (text == nullptr) return bulleted ? newText(bullet, "") : newText("", none);
     return newText(bulleted ? bullet : "", text);
@@ -97,7 +87,7 @@ tarnPrintData::~tarnPrintData() {
 void tarnPrintData::storeData(std::int32_t id, const MOLTVARIANT* value, std::int32_t flags,
                               std::int32_t extra) {
     Item item = newItem(id, flags, extra);
-    if (value != nullptr && isText(*value)) {
+    if (value != nullptr && tarn::hasTextForm(value->tag)) {
         item->value = copyText(*value, flags, "");
     } else {
         item->value.copyContent(value);
@@ -126,7 +116,7 @@ void tarnPrintData::storeMultiData(const _MultiPrintStruct* record, const MOLTVA
     if (rows == nullptr) return;
     Row row(new _MultiPrintStruct(*record));
     row->value.initContent(nullptr);  // the record's own value stays the caller's
-    if (isText(*value)) {
+    if (tarn::hasTextForm(value->tag)) {
         row->value = copyText(*value, record->flags, " ");
     } else if (value->tag == tagBlob) {
         row->value.copyContent(value);
