@@ -49,7 +49,7 @@ struct EuropeanOption {
 
 // The option at one volatility.
 struct ModelPoint {
-    double price;  // not floored: the approximation of N can take it a little below 0
+    double price;  // not floored: far out of the money it can fall a little below 0
     double d1, d2;
     double density;                   // n(d1)
     double cumulative1, cumulative2;  // N(d1), N(d2)

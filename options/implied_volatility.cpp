@@ -60,8 +60,8 @@ Forecast forecast(const EuropeanOption& option, double marketPrice, double g, Mo
 
 }  // namespace
 
-double searchImpliedVolatility(EuropeanOption option, double volatility, ModelPoint point, double value,
-                               double marketPrice) {
+double searchImpliedVolatility(const EuropeanOption& option, double volatility, const ModelPoint& point,
+                               double value, double marketPrice) {
     const bool upward = marketPrice > value;
     double g = upward ? (1 - volatility) * 0.5 + volatility : 0.5 * volatility;
     double step = upward ? (g - volatility) * 0.5 : 0.25 * volatility;

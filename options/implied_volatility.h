@@ -9,10 +9,9 @@ namespace tarn {
 constexpr double searchTolerance = 0.0002F;  // single precision, widened: 0.00019999999494757503
 
 // The end of a bisection of at most 15 steps for the volatility at which the model price of `option` is
-// `marketPrice`, which is above 0 and not within the search tolerance of `value`.  Option and point come by
-// value so that they can stay in registers where no search is needed.
-double searchImpliedVolatility(EuropeanOption option, double volatility, ModelPoint point, double value,
-                               double marketPrice);
+// `marketPrice`, which is above 0 and not within the search tolerance of `value`.
+double searchImpliedVolatility(const EuropeanOption& option, double volatility, const ModelPoint& point,
+                               double value, double marketPrice);
 
 // The volatility that `marketPrice` implies.
 //   volatility  the one that the option was valued at
@@ -23,8 +22,12 @@ double searchImpliedVolatility(EuropeanOption option, double volatility, ModelPo
 inline double impliedVolatility(const EuropeanOption& option, double volatility, const ModelPoint& point,
                                 double value, double marketPrice) {
     if (std::fabs(value - marketPrice) < searchTolerance) return volatility;
-    if (!(marketPrice > 0)) return 0;
-    return searchImpliedVolatility(option, volatility, point, value, marketPrice);
+    if (marketPrice > 0) [[unlikely]] {
+        // On copies, so that option and point can stay in registers where there is nothing to search for.
+        return searchImpliedVolatility(EuropeanOption(option), volatility, ModelPoint(point), value,
+                                       marketPrice);
+    }
+    return 0;
 }
 
 }  // namespace tarn
