@@ -256,6 +256,12 @@ TEST_F(FilesOfTheLayer, SharingHoldsBetweenProcesses) {
     EXPECT_TRUE(isOpen(openAs(3))) << "a process that ended left a mark";
 }
 
+TEST_F(FilesOfTheLayer, CuttingToNothingIsSharedLikeWriting) {
+    const Opened reader = open(present, GENERIC_READ, FILE_SHARE_READ);
+    EXPECT_FALSE(isOpen(open(present, GENERIC_READ, shareAll, CREATE_ALWAYS)));
+    EXPECT_EQ(contentOf(present), "content");
+}
+
 TEST_F(FilesOfTheLayer, AForeignLockEndsInAnErrorNotInWaiting) {
     const int foreign = ::open(present.c_str(), O_RDONLY);
     ASSERT_EQ(::flock(foreign, LOCK_EX), 0);
