@@ -72,8 +72,9 @@ Item newItem(std::int32_t id, std::int32_t flags, std::int32_t extra) {
 
 template <class Record, class Deleter>
 void append(tarnTList<Record*>& list, std::unique_ptr<Record, Deleter> record) {
+    const std::int32_t place = list.count;
     list.add(record.get());
-    static_cast<void>(record.release());
+    if (list.getAt(place) == record.get()) static_cast<void>(record.release());  // the list's from now on
 }
 
 }  // namespace
