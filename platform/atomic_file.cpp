@@ -10,6 +10,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <utility>
 
@@ -104,22 +105,31 @@ DWORD readWhole(int folder, const std::string& name, int flags, std::size_t limi
     const Descriptor file(retried([&] {
         return ::openat(folder, name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | flags);
     }));
-    struct stat status {};
-    if (!file || ::fstat(file.number(), &status) != 0) return fromErrno(errno);
-    if (!S_ISREG(status.st_mode)) return ERROR_ACCESS_DENIED;
-    if (std::cmp_greater(status.st_size, limit)) return ERROR_FILE_CORRUPT;
+    if (!file) return fromErrno(errno);
     if (isReadingDenied(file.number())) return ERROR_SHARING_VIOLATION;
-
-    std::string bytes(static_cast<std::size_t>(status.st_size), '\0');
-    std::size_t done = 0;
-    while (done < bytes.size()) {  // a file that is cut meanwhile ends early
-        const auto count =
-            retried([&] { return ::read(file.number(), bytes.data() + done, bytes.size() - done); });
-        if (count == -1) return fromErrno(errno);
-        if (count == 0) break;
-        done += static_cast<std::size_t>(count);
+    char first[16384];
+    const auto readInto = [&](char* buffer, std::size_t size) {
+        return retried([&] { return ::read(file.number(), buffer, size); });
+    };
+    const auto count = readInto(first, sizeof first);
+    if (count == -1) return fromErrno(errno);
+    auto done = static_cast<std::size_t>(count);
+    std::string bytes(first, done);
+    if (done == sizeof first) {
+        struct stat status {};
+        if (::fstat(file.number(), &status) != 0) return fromErrno(errno);
+        if (!S_ISREG(status.st_mode)) return ERROR_ACCESS_DENIED;
+        if (std::cmp_greater(status.st_size, limit)) return ERROR_FILE_CORRUPT;
+        bytes.resize(std::max(done, static_cast<std::size_t>(status.st_size)));
+        while (done < bytes.size()) {
+            const auto more = readInto(bytes.data() + done, bytes.size() - done);
+            if (more == -1) return fromErrno(errno);
+            if (more == 0) break;  // cut meanwhile
+            done += static_cast<std::size_t>(more);
+        }
+        bytes.resize(done);
     }
-    bytes.resize(done);
+    if (done > limit) return ERROR_FILE_CORRUPT;
     content = std::move(bytes);
     return ERROR_SUCCESS;
 }

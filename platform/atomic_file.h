@@ -47,10 +47,10 @@ class Replacement {
     Descriptor file_;
 };
 
-// Reads a regular file whole.
+// Reads a file whole, a small one without asking for its size first.
 //   flags    of open, beside reading: O_NOFOLLOW refuses a symbolic link
 //   content  out: at most `limit` bytes; untouched on failure
-// Bad input: what is no regular file answers ERROR_ACCESS_DENIED without waiting, what is longer than `limit`
+// Bad input: never waits for a pipe and never reads an endless device; what is longer than `limit` answers
 // ERROR_FILE_CORRUPT, a file that another open file denies reading of ERROR_SHARING_VIOLATION.
 DWORD readWhole(int folder, const std::string& name, int flags, std::size_t limit, std::string& content);
 

@@ -157,8 +157,9 @@ DWORD change(const std::string& path, const Change& wanted) {
     Document document;
     if (exists) {
         code = held.error() != ERROR_SUCCESS ? held.error() : load(path, document);
-        if (code == ERROR_SUCCESS && ::stat(path.c_str(), &former) != 0) code = tarn::fromErrno(errno, path);
         if (code != ERROR_SUCCESS) return code;
+        if (::stat(path.c_str(), &former) != 0) return tarn::fromErrno(errno, path);
+        if (!S_ISREG(former.st_mode)) return ERROR_ACCESS_DENIED;
     }
     auto text = changed(document, wanted);
     if (!text) return ERROR_SUCCESS;

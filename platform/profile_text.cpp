@@ -4,8 +4,14 @@
 #include "platform/profile_text.h"
 
 #include <algorithm>
-#include <charconv>
+#include <bit>
+#include <cstring>
+#include <initializer_list>
 #include <numeric>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 namespace tarn::profile {
 
@@ -32,74 +38,122 @@ bool isSameName(std::string_view a, std::string_view b) {
                       [](char x, char y) { return folded(x) == folded(y); });
 }
 
-// Tells most lines from the one that is looked for, without a look at the whole line.
+// Tells most lines from the one that is looked for by a few characters, from the name's end on: names of one
+// file differ there rather than in front.
 bool startsWithName(std::string_view text, std::string_view name) {
-    return text.size() >= name.size() && isSameName(text.substr(0, name.size()), name);
+    if (text.size() < name.size()) return false;
+    for (std::size_t i = name.size(); i > 0; --i) {
+        if (folded(text[i - 1]) != folded(name[i - 1])) return false;
+    }
+    return true;
 }
 
 // ---------------------------------------------------------------------------------------------------- lines
+
+bool isLineEnd(char character) {
+    return character == '\n' || character == '\r';
+}
+
+constexpr std::size_t blockSize = 64;
+
+// Answers one bit for each of 64 characters, set where a line ends.
+std::uint64_t lineEndBits(const char* block) {
+    std::uint64_t bits = 0;
+#if defined(__SSE2__)
+    for (std::size_t i = 0; i < blockSize; i += sizeof(__m128i)) {
+        __m128i part;
+        std::memcpy(&part, block + i, sizeof part);
+        const __m128i ends = _mm_or_si128(_mm_cmpeq_epi8(part, _mm_set1_epi8('\n')),
+                                          _mm_cmpeq_epi8(part, _mm_set1_epi8('\r')));
+        bits |= std::uint64_t{static_cast<unsigned>(_mm_movemask_epi8(ends))} << i;
+    }
+#else
+    for (std::size_t i = 0; i < blockSize; ++i) bits |= std::uint64_t{isLineEnd(block[i])} << i;
+#endif
+    return bits;
+}
 
 enum class Kind { blank, comment, head, entry };
 
 struct Line {
     std::size_t begin = 0, end = 0;  // in the text, line end included
-    std::string_view content;        // without the blanks at its ends
-    Kind kind = Kind::blank;
+    std::string_view content;        // from the first character that isn't blank to the line's last
 
+    [[nodiscard]] Kind kind() const {
+        if (content.empty()) return Kind::blank;
+        if (content.front() == ';') return Kind::comment;
+        return content.front() == '[' ? Kind::head : Kind::entry;
+    }
     // The name of a section's head.
     [[nodiscard]] std::string_view section() const {
         return trimmed(content.substr(1, std::min(content.rfind(']'), content.size()) - 1));
     }
+    [[nodiscard]] bool isKey() const { return kind() == Kind::entry && content.find('=') != npos; }
     [[nodiscard]] std::string_view key() const { return trimmed(content.substr(0, content.find('='))); }
-    [[nodiscard]] bool isKey() const { return kind == Kind::entry && content.find('=') != npos; }
     // The value of a key without its blanks.
     [[nodiscard]] std::string_view value() const { return trimmed(content.substr(content.find('=') + 1)); }
 };
 
-// A CR that isn't followed by a LF is rare, and looking for it in every line would cost as much as the lines.
-bool holdsLoneReturn(std::string_view text) {
-    bool found = !text.empty() && text.back() == '\r';
-    for (std::size_t i = 0; i + 1 < text.size(); ++i) found |= (text[i] == '\r') & (text[i + 1] != '\n');
-    return found;
-}
-
-Kind kindOf(std::string_view content) {
-    if (content.empty()) return Kind::blank;
-    if (content.front() == ';') return Kind::comment;
-    return content.front() == '[' ? Kind::head : Kind::entry;
-}
-
 class Lines {
   public:
-    explicit Lines(std::string_view text) : text_(text), loneReturns_(holdsLoneReturn(text)) {}
+    explicit Lines(std::string_view text) : text_(text) {}
 
     bool next(Line& line) {
-        if (position_ == text_.size()) return false;
+        const char* const limit = text_.data() + text_.size();
+        const char* const begin = text_.data() + position_;
+        if (begin == limit) return false;
+        const char* end = std::find_if(begin, limit, isLineEnd);
+        const char* const first = std::find_if_not(begin, end, isBlank);
         line.begin = position_;
-        std::size_t last =
-            loneReturns_ ? text_.find_first_of("\r\n", position_) : text_.find('\n', position_);
-        if (last != npos && text_.substr(last, 2) == "\r\n") ++last;
-        position_ = line.end = last == npos ? text_.size() : last + 1;
-        line.content = trimmed(text_.substr(line.begin, line.end - line.begin));
-        line.kind = kindOf(line.content);
+        line.content = {first, static_cast<std::size_t>(end - first)};
+        if (end != limit && *end++ == '\r' && end != limit && *end == '\n') ++end;
+        position_ = line.end = static_cast<std::size_t>(end - text_.data());
         return true;
+    }
+
+    // Steps over lines, as fast as may be, to one that `wanted` takes, judging by the text from its first
+    // character that isn't blank.
+    template <typename Wanted>
+    void skipTo(Wanted wanted) {
+        const auto isWanted = [&](std::size_t begin) {
+            std::size_t first = begin;
+            while (first < text_.size() && isBlank(text_[first]) && !isLineEnd(text_[first])) ++first;
+            return wanted(text_.substr(first));
+        };
+        if (isWanted(position_)) return;
+        for (std::size_t base = position_; base < text_.size(); base += blockSize) {
+            char padded[blockSize] = {};
+            const char* block = text_.data() + base;
+            if (text_.size() - base < blockSize) {
+                block = static_cast<const char*>(std::memcpy(padded, block, text_.size() - base));
+            }
+            std::uint64_t bits = lineEndBits(block);
+            bits &= ~(bits >> 1);  // of CR LF, and of empty lines, the last
+            for (; bits != 0; bits &= bits - 1) {
+                const std::size_t begin = base + static_cast<std::size_t>(std::countr_zero(bits)) + 1;
+                if (!isWanted(begin)) continue;
+                position_ = begin;
+                return;
+            }
+        }
+        position_ = text_.size();
     }
 
     // Steps to the head of the first section of that name.
     bool find(std::string_view section, Line& head) {
         const std::string_view name = trimmed(section);
-        while (next(head)) {
-            if (head.kind == Kind::head && isSameName(head.section(), name)) return true;
+        for (;;) {
+            skipTo([](std::string_view content) { return content.starts_with('['); });
+            if (!next(head)) return false;
+            if (isSameName(head.section(), name)) return true;
         }
-        return false;
     }
     // Steps to the next line of the section that it stands in.
-    bool nextInSection(Line& line) { return next(line) && line.kind != Kind::head; }
+    bool nextInSection(Line& line) { return next(line) && line.kind() != Kind::head; }
 
   private:
     std::string_view text_;
     std::size_t position_ = 0;
-    bool loneReturns_;
 };
 
 std::string_view lineEndOf(std::string_view text) {
@@ -158,12 +212,13 @@ std::optional<std::string_view> findValue(std::string_view text, std::string_vie
     Lines lines(text);
     Line line;
     if (!lines.find(section, line)) return std::nullopt;
-    while (lines.nextInSection(line)) {
-        if (startsWithName(line.content, name) && line.isKey() && isSameName(line.key(), name)) {
-            return line.value();
-        }
-    }
-    return std::nullopt;
+    do {
+        lines.skipTo([&](std::string_view content) {
+            return startsWithName(content, name) || content.starts_with('[');
+        });
+        if (!lines.nextInSection(line)) return std::nullopt;
+    } while (!line.isKey() || !isSameName(line.key(), name));
+    return line.value();
 }
 
 std::string_view withoutQuotes(std::string_view value) {
@@ -176,7 +231,7 @@ std::string listSections(std::string_view text) {
     std::string names;
     Lines lines(text);
     for (Line line; lines.next(line);) {
-        if (line.kind == Kind::head && !line.section().empty()) names.append(line.section()) += '\0';
+        if (line.kind() == Kind::head && !line.section().empty()) names.append(line.section()) += '\0';
     }
     return names;
 }
@@ -203,10 +258,10 @@ std::optional<std::string> withValue(std::string_view text, std::string_view sec
     }
     std::size_t behind = line.end;
     while (lines.nextInSection(line)) {
-        if (line.kind != Kind::blank) behind = line.end;
-        if (line.kind != Kind::entry || !isSameName(line.key(), name)) continue;
+        if (line.kind() != Kind::blank) behind = line.end;
+        if (line.kind() != Kind::entry || !isSameName(line.key(), name)) continue;
         if (line.isKey()) return withValueOf(text, line, value);
-        const auto end = static_cast<std::size_t>(line.content.data() - text.data()) + line.content.size();
+        const auto end = static_cast<std::size_t>(line.content.data() - text.data()) + line.key().size();
         return spliced(text, end, end, std::string("=").append(value));
     }
     return withLines(text, behind, {newLine});
@@ -218,7 +273,7 @@ std::optional<std::string> withoutKey(std::string_view text, std::string_view se
     Line line;
     if (!lines.find(section, line)) return std::nullopt;
     while (lines.nextInSection(line)) {
-        if (line.kind == Kind::entry && isSameName(line.key(), name)) {
+        if (line.kind() == Kind::entry && isSameName(line.key(), name)) {
             return spliced(text, line.begin, line.end, {});
         }
     }
@@ -234,7 +289,7 @@ std::optional<std::string> withoutSection(std::string_view text, std::string_vie
     std::size_t behind = line.end;
     while (lines.nextInSection(line)) {
         behind = line.end;
-        if (line.kind != Kind::entry) result.append(text.substr(line.begin, line.end - line.begin));
+        if (line.kind() != Kind::entry) result.append(text.substr(line.begin, line.end - line.begin));
     }
     return result.append(text.substr(behind));
 }
