@@ -32,6 +32,8 @@ class Descriptor {
     }
 
     [[nodiscard]] int number() const { return number_; }
+    // Leaves the closing to the caller.
+    [[nodiscard]] int release() { return std::exchange(number_, -1); }
     explicit operator bool() const { return number_ != -1; }
 
   private:

@@ -13,6 +13,7 @@
 #include <random>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/win32.h"
 #if !defined(_WIN32)
@@ -21,12 +22,22 @@
 
 namespace tarntest {
 
+#if defined(_WIN32)
+constexpr bool onWindows = true;
+#else
+constexpr bool onWindows = false;
+#endif
+
+// Where a test that waits for the disk often may have its folder instead, if the system has such a place.
+constexpr const char* inMemory = "/dev/shm";
+
 // A folder of its own for one test, gone with the object.
 class TemporaryFolder {
   public:
-    TemporaryFolder() {
-        path_ =
-            std::filesystem::temp_directory_path() / ("tarnutil-" + std::to_string(std::random_device{}()));
+    explicit TemporaryFolder(const std::filesystem::path& wished = {}) {
+        const auto parent =
+            std::filesystem::is_directory(wished) ? wished : std::filesystem::temp_directory_path();
+        path_ = parent / ("tarnutil-" + std::to_string(std::random_device{}()));
         std::filesystem::remove_all(path_);
         std::filesystem::create_directories(path_);
     }
@@ -51,6 +62,13 @@ inline std::string contentOf(const std::string& file) {
 
 inline void fill(const std::string& file, std::string_view content) {
     std::ofstream(file, std::ios::binary).write(content.data(), static_cast<std::streamsize>(content.size()));
+}
+
+// A text of up to `longest` characters from an alphabet.
+inline std::string randomText(std::mt19937& random, std::string_view alphabet, unsigned longest) {
+    std::string text(random() % (longest + 1), '\0');
+    for (char& c : text) c = alphabet[random() % alphabet.size()];
+    return text;
 }
 
 // Sets a variable of the environment; NULL takes it away.
