@@ -38,7 +38,9 @@ struct Target {
     OpenKey* open = nullptr;  // NULL for a root
     Folder ownFolder;
 
-    [[nodiscard]] const Folder& folder() const { return depth == 0 ? ownFolder : open->folder; }
+    [[nodiscard]] const Folder& folder() const {
+        return open == nullptr || depth == 0 ? ownFolder : open->folder;
+    }
 };
 
 // Answers the number of a root, rootCount for every other handle.
@@ -302,8 +304,8 @@ LSTATUS RegFlushKey(HKEY key) {
 }
 
 LSTATUS RegQueryInfoKeyA(HKEY key, char* classText, DWORD* classSize, DWORD*, DWORD* subKeys,
-                         DWORD* longestSubKey, DWORD* longestClass, DWORD* values, DWORD* longestValueName,
-                         DWORD* largestValueSize, DWORD* securityDescriptor, FILETIME* lastWriteTime) {
+                         DWORD* longestSubKey, DWORD* longestClass, DWORD* values, DWORD* longestNameOfValue,
+                         DWORD* largestSizeOfValue, DWORD* securityDescriptor, FILETIME* lastWriteTime) {
     Target target;
     DWORD code = resolve(key, false, target);
     if (classText != nullptr && classSize == nullptr) return answer(ERROR_INVALID_PARAMETER);
@@ -319,8 +321,8 @@ LSTATUS RegQueryInfoKeyA(HKEY key, char* classText, DWORD* classSize, DWORD*, DW
     tell(longestSubKey, keys.longestName);
     tell(longestClass, keys.longestData);
     tell(values, contents.count);
-    tell(longestValueName, contents.longestName);
-    tell(largestValueSize, contents.longestData);
+    tell(longestNameOfValue, contents.longestName);
+    tell(largestSizeOfValue, contents.longestData);
     tell(securityDescriptor, 0U);
     if (lastWriteTime != nullptr) *lastWriteTime = fileTime(isThere ? changeTime(target.folder()) : 0);
     const DWORD room = classText == nullptr ? 0 : *classSize;

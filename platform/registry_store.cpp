@@ -153,9 +153,9 @@ std::string registryPath() {
     };
     std::string data = absolute("XDG_DATA_HOME");
     if (data.empty()) {
-        const std::string home = absolute("HOME");
-        if (home.empty()) return home;
-        data = home + "/.local/share";
+        data = absolute("HOME");
+        if (data.empty()) return data;
+        data += "/.local/share";
     }
     return data + "/tarnutil/registry";
 }
