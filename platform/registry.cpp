@@ -15,7 +15,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/registry_handles.h"
+#include "platform/handle_table.h"
 #include "platform/registry_names.h"
 #include "platform/registry_store.h"
 #include "platform/win32.h"
@@ -30,6 +30,23 @@ LSTATUS answer(DWORD code) {
 
 // ----------------------------------------------------------------------------------------- keys and their
 // paths
+
+// The names below a key as they were, for the calls that walk through them by index.
+struct Listing {
+    bool valid = false;
+    std::int64_t folderChanged = 0;  // ns, by the system's clock
+    std::vector<std::string> names;
+};
+
+struct OpenKey {
+    std::size_t root = 0;
+    std::size_t depth = 0;  // 0 is the root itself, whose folder is opened for each call
+    Folder folder;
+    std::string entry;  // the name of the folder
+    Listing listing;
+};
+
+constinit tarn::HandleTable<OpenKey> openKeys(tarn::HandleFamily::registryKey);
 
 // The key that a call is about: one that is open, or a root, whose folder is opened for the call.
 struct Target {
@@ -54,7 +71,7 @@ std::size_t rootOf(HKEY handle) {
 DWORD resolve(HKEY handle, bool create, Target& target) {
     target.root = rootOf(handle);
     if (target.root == rootCount) {
-        target.open = find(handle);
+        target.open = openKeys.find(handle);
         if (target.open == nullptr) return ERROR_INVALID_HANDLE;
         target.root = target.open->root;
         target.depth = target.open->depth;
@@ -115,7 +132,7 @@ DWORD hand(const Target& target, const std::vector<std::string_view>& names, Fol
     } else if (target.open != nullptr) {
         key->entry = target.open->entry;
     }
-    *result = publish(std::move(key));
+    *result = static_cast<HKEY>(openKeys.open(std::move(key)));
     return *result == nullptr ? ERROR_TOO_MANY_OPEN_FILES : ERROR_SUCCESS;
 }
 
@@ -214,7 +231,7 @@ LSTATUS RegCreateKeyExA(HKEY key, const char* name, DWORD, char* classText, DWOR
 }
 
 LSTATUS RegCloseKey(HKEY key) {
-    const bool isOpen = rootOf(key) != rootCount || withdraw(key) != nullptr;
+    const bool isOpen = rootOf(key) != rootCount || openKeys.close(key) != nullptr;
     return answer(isOpen ? ERROR_SUCCESS : ERROR_INVALID_HANDLE);
 }
 
