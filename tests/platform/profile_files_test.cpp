@@ -69,7 +69,8 @@ TEST_F(ProfileFiles, ReadsWhatRealFilesHold) {
         {"[s]\r\nk=a;b#c=d\r\n", "s", "k", "a;b#c=d"},
         {"[s]\r\n#k=1\r\n", "s", "#k", "1"},
         {"[s]\r\n;k=1\r\n", "s", ";k", "DEF", here},
-        {"[s]\r\nk\r\nk=1\r\nk=2\r\n", "s", "k", "1"},
+        {"[s]\r\nk\r\nk=1\r\n", "s", "k", "1", here},
+        {"[s]\r\nk=1\r\nk=2\r\n", "s", "k", "1"},
         {"[s]\r\n[s]\r\nk=1\r\n", "s", "k", "DEF"},
         {"[broken\r\nk=1\r\n", "broken", "k", "1", here},
         {"[]\r\nk=1\r\n", "", "k", "1", here},
@@ -236,7 +237,7 @@ TEST_F(ProfileFiles, StructuresOfAnotherSizeOrDamagedAreRefused) {
     EXPECT_NE(get(6), FALSE);
     const std::string good = read("s", "k");
     for (std::size_t i = 0; i < good.size(); ++i) {
-        for (const char* wrong : {"5", "g", ""}) {
+        for (const char* wrong : {"5", onWindows ? "" : "g", ""}) {
             write("s", "k", std::string(good).replace(i, 1, wrong).c_str());
             EXPECT_EQ(get(6), FALSE) << i << wrong;
         }
