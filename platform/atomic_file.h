@@ -37,8 +37,9 @@ class Replacement {
     // Takes the lock by making the temporary file, with these permissions less the process's mask.
     DWORD begin(int folder, const std::string& temporary, unsigned permissions);
 
-    // Writes the content through to the disk and renames the file.  With `former` it gets the permissions
-    // and, as far as the system lets it, the owner of the file that it replaces.  The lock ends here.
+    // Writes the content through to the disk, renames the file, and leaves the folder to the system.  With
+    // `former` it gets the permissions and, as far as the system lets it, the owner of the file that it
+    // replaces.  The lock ends here.
     DWORD commit(const std::string& target, std::string_view content, const struct stat* former);
 
   private:
@@ -54,7 +55,8 @@ class Replacement {
 // ERROR_FILE_CORRUPT, a file that another open file denies reading of ERROR_SHARING_VIOLATION.
 DWORD readWhole(int folder, const std::string& name, int flags, std::size_t limit, std::string& content);
 
-// Writes through what was renamed in a folder.
+// Writes through to the disk what was renamed in a folder.  Without it a crash may bring the former file
+// back.
 DWORD syncFolder(int folder, const std::string& name);
 
 }  // namespace tarn

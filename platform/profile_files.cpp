@@ -164,9 +164,12 @@ DWORD change(const std::string& path, const Change& wanted) {
     auto text = changed(document, wanted);
     if (!text) return ERROR_SUCCESS;
     document.text = std::move(*text);
-    code = replacement.commit(path, encode(document), exists ? &former : nullptr);
-    if (code == ERROR_SUCCESS) tarn::syncFolder(AT_FDCWD, tarn::folderOf(path));  // the file is there anyhow
-    return code;
+    return replacement.commit(path, encode(document), exists ? &former : nullptr);
+}
+
+// Writes through to the disk that the file has been replaced.
+DWORD flush(const std::string& path) {
+    return path.empty() ? ERROR_SUCCESS : tarn::syncFolder(AT_FDCWD, tarn::folderOf(path));
 }
 
 }  // namespace
@@ -204,8 +207,9 @@ BOOL GetPrivateProfileStructA(const char* section, const char* key, void* buffer
 }
 
 BOOL WritePrivateProfileStringA(const char* section, const char* key, const char* text, const char* file) {
-    if (section == nullptr) {  // three times NULL is the order to flush, and there is nothing to flush
-        SetLastError(key == nullptr && text == nullptr ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND);
+    if (section == nullptr) {
+        const bool isFlush = key == nullptr && text == nullptr;
+        SetLastError(isFlush ? flush(linkedFile(tarn::systemPath(file))) : ERROR_FILE_NOT_FOUND);
         return FALSE;
     }
     const DWORD code = change(linkedFile(tarn::systemPath(file)), {section, key, text});
