@@ -2,29 +2,22 @@
 // was asked for and a tag in one word, so that there is no table and nothing to lock, and a closed handle is
 // found out by the system (EBADF, which is ERROR_INVALID_HANDLE).
 //
-// Sharing modes are kept by locks that belong to the open file, not to the process (F_OFD_SETLK), so that
-// they hold inside one process as well as between processes and go with the descriptor.  Every open file
-// holds shared locks on up to four bytes far beyond any content, one for each mark that it sets:
-//
-//   byte      0: reads   1: writes   2: denies reading   3: denies writing
-//
-// A new open stands against another's marks where its own, with the two halves changed round, say so: who
-// reads stands against "denies reading", who denies writing against "writes".
+// Sharing modes are kept by platform/file_sharing.cpp.
 
 #define _FILE_OFFSET_BITS 64  // files beyond 2 GiB also in 32-bit code
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <ctime>
 #include <string>
 
+#include "platform/descriptor.h"
 #include "platform/error_codes.h"
+#include "platform/file_sharing.h"
 #include "platform/handle_count.h"
 #include "platform/path.h"
 #include "platform/win32.h"
@@ -33,8 +26,9 @@ namespace {
 
 // ------------------------------------------------------------------------------------------------- handles
 
-constexpr DWORD reading = 1;  // the same bits as FILE_SHARE_READ and FILE_SHARE_WRITE
-constexpr DWORD writing = 2;
+using tarn::reading;
+using tarn::retried;
+using tarn::writing;
 
 constexpr ULONG_PTR fileTag = 5;  // no aligned pointer ends in it, neither do NULL and INVALID_HANDLE_VALUE
 constexpr int tagBits = 3;
@@ -58,79 +52,12 @@ OpenFile toFile(HANDLE handle) {
     return {static_cast<int>(descriptor), static_cast<DWORD>(word >> tagBits) & (reading | writing)};
 }
 
-// -------------------------------------------------------------------------------------- errors and retrying
-
-// Calls again as long as a signal interrupts.
-template <typename Call>
-auto retried(Call call) {
-    auto result = call();
-    while (result == -1 && errno == EINTR) result = call();
-    return result;
-}
+// -------------------------------------------------------------------------------------------------- errors
 
 template <typename Result>
 Result fail(DWORD code, Result result) {
     SetLastError(code);
     return result;
-}
-
-// ------------------------------------------------------------------------------------------------- sharing
-
-constexpr off_t firstMark = off_t{1} << 62;
-constexpr int markCount = 4;
-
-struct flock markLock(int mark, int type) {
-    struct flock lock {};
-    lock.l_type = static_cast<short>(type);
-    lock.l_whence = SEEK_SET;
-    lock.l_start = firstMark + mark;
-    lock.l_len = 1;
-    return lock;
-}
-
-bool isMarkedByAnother(int descriptor, int mark) {
-    struct flock lock = markLock(mark, F_WRLCK);
-    return ::fcntl(descriptor, F_OFD_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
-}
-
-// Takes the lock that makes looking and marking one step.  It is held for microseconds; whoever else holds it
-// for longer makes the open fail rather than wait for ever.  Answers 0 or errno.
-int enterGate(int descriptor) {
-    constexpr int tries = 500;
-    constexpr std::timespec pause{0, 1'000'000};
-    for (int i = 0; i < tries; ++i) {
-        if (::flock(descriptor, LOCK_EX | LOCK_NB) == 0) return 0;
-        if (errno != EWOULDBLOCK && errno != EINTR) return errno;
-        ::nanosleep(&pause, nullptr);
-    }
-    return EWOULDBLOCK;
-}
-
-// What an open asks of the other opens: `used` is what it does with the file, cutting it to nothing included,
-// `access` what its handle allows from then on, `shared` what others may do beside it.
-struct Terms {
-    DWORD used, access, shared;
-};
-
-// Answers whether no other open file stands against these terms, which are marked then.  Files that can't be
-// locked (devices, file systems without locks) keep no sharing modes; one that the system lets us only write
-// is tested but can't be marked.
-bool share(int descriptor, const Terms& terms) {
-    const int gate = enterGate(descriptor);
-    if (gate != 0) return gate != EWOULDBLOCK;
-    const DWORD denied = terms.access == 0 ? 0 : ~terms.shared & (reading | writing);
-    const DWORD marks = terms.access | denied << 2;
-    const DWORD against = denied | terms.used << 2;
-    bool free = true;
-    for (int mark = 0; mark < markCount && free; ++mark) {
-        free = (against >> mark & 1) == 0 || !isMarkedByAnother(descriptor, mark);
-    }
-    for (int mark = 0; mark < markCount && free; ++mark) {
-        struct flock lock = markLock(mark, F_RDLCK);
-        if ((marks >> mark & 1) != 0) ::fcntl(descriptor, F_OFD_SETLK, &lock);
-    }
-    ::flock(descriptor, LOCK_UN);
-    return free;
 }
 
 // ------------------------------------------------------------------------------------------------- opening
@@ -174,13 +101,13 @@ int openOrCreate(const std::string& path, DWORD access, DWORD creation, bool& ex
 
 // Makes an opened descriptor what was asked for: no folder, shared by the rule and only then cut to nothing.
 // An open that uses nothing takes no part in sharing.  Answers the Win32 code.
-DWORD settle(int descriptor, const Terms& terms, bool cut) {
+DWORD settle(int descriptor, const tarn::SharingTerms& terms, bool cut) {
     struct stat status {};
     if (::fstat(descriptor, &status) != 0) return tarn::fromErrno(errno);
     if (S_ISDIR(status.st_mode)) return ERROR_ACCESS_DENIED;
     if (descriptor > highestDescriptor) return ERROR_TOO_MANY_OPEN_FILES;
     if (!S_ISREG(status.st_mode)) return ERROR_SUCCESS;
-    if (terms.used != 0 && !share(descriptor, terms)) return ERROR_SHARING_VIOLATION;
+    if (terms.used != 0 && !tarn::share(descriptor, terms)) return ERROR_SHARING_VIOLATION;
     if (cut && retried([&] { return ::ftruncate(descriptor, 0); }) != 0) return tarn::fromErrno(errno);
     return ERROR_SUCCESS;
 }

@@ -20,7 +20,15 @@
 
 namespace tarn {
 
-enum class HandleFamily : std::uint32_t { menu = 1, deviceContext, drawingObject, resource, memory, module };
+enum class HandleFamily : std::uint32_t {
+    menu = 1,
+    deviceContext,
+    drawingObject,
+    resource,
+    memory,
+    module,
+    registryKey
+};
 
 // Whether openHandles() shows the handle; the layer's own objects aren't the program's to close.
 enum class Counted : bool { no, yes };

@@ -79,7 +79,10 @@ constexpr DWORD ERROR_FILENAME_EXCED_RANGE = 206;
 constexpr DWORD ERROR_MORE_DATA = 234;
 constexpr DWORD ERROR_NO_MORE_ITEMS = 259;
 constexpr DWORD ERROR_MR_MID_NOT_FOUND = 317;
+constexpr DWORD ERROR_NOACCESS = 998;
+constexpr DWORD ERROR_REGISTRY_CORRUPT = 1015;
 constexpr DWORD ERROR_KEY_DELETED = 1018;
+constexpr DWORD ERROR_FILE_CORRUPT = 1392;
 constexpr DWORD ERROR_INVALID_MENU_HANDLE = 1401;
 constexpr DWORD ERROR_MENU_ITEM_NOT_FOUND = 1456;
 constexpr DWORD ERROR_RESOURCE_DATA_NOT_FOUND = 1812;
@@ -149,8 +152,97 @@ TARN_LINKAGE int lstrlenA(const char* text);
 
 // -------------------------------------------------------------------------------------------- profile files
 
-// ---------------------------------------------------------------------------------------------------
-// registry
+// Ini files.  A path without a folder means the current folder.  Names of sections and keys count without the
+// case of A to Z and without blanks at their ends.  A write replaces the file whole, under a lock that other
+// writers wait for, and keeps every line that it doesn't change.
+//
+// Reading: NULL as section lists the sections, NULL as key the section's keys, each name with a NUL and one
+// more at the end.  Answers the characters without the last NUL; what doesn't fit is cut, size - 1 for a
+// value, size - 2 for a list.  The last error tells afterwards: 0, 234 (cut), 2 or 3 (not there, and the
+// default delivered), 32 (held by another who doesn't share it).
+TARN_LINKAGE DWORD GetPrivateProfileStringA(const char* section, const char* key, const char* defaultText,
+                                            char* buffer, DWORD size, const char* file);
+// Answers the number that the value begins with, modulo 2^32, or the default for a missing or empty one.
+TARN_LINKAGE UINT GetPrivateProfileIntA(const char* section, const char* key, std::int32_t defaultValue,
+                                        const char* file);
+// Answers TRUE if the value is a block of just that many bytes and undamaged; else the buffer stays.
+TARN_LINKAGE BOOL GetPrivateProfileStructA(const char* section, const char* key, void* buffer, UINT size,
+                                           const char* file);
+// A NULL text removes the key, a NULL key the section.  After a crash the file is the old one or the new one;
+// NULL for all three waits until the new one is sure to stay, and answers FALSE.
+TARN_LINKAGE BOOL WritePrivateProfileStringA(const char* section, const char* key, const char* text,
+                                             const char* file);
+TARN_LINKAGE BOOL WritePrivateProfileStructA(const char* section, const char* key, void* data, UINT size,
+                                             const char* file);
+
+// ------------------------------------------------------------------------------------------------- registry
+
+struct HKEY__;
+using HKEY = HKEY__*;
+using REGSAM = DWORD;
+using LSTATUS = LONG;
+
+struct FILETIME {
+    DWORD dwLowDateTime, dwHighDateTime;  // 100 ns since 1601
+};
+
+#define HKEY_CLASSES_ROOT (reinterpret_cast<HKEY>(static_cast<ULONG_PTR>(static_cast<LONG>(0x80000000))))
+#define HKEY_CURRENT_USER (reinterpret_cast<HKEY>(static_cast<ULONG_PTR>(static_cast<LONG>(0x80000001))))
+#define HKEY_LOCAL_MACHINE (reinterpret_cast<HKEY>(static_cast<ULONG_PTR>(static_cast<LONG>(0x80000002))))
+#define HKEY_USERS (reinterpret_cast<HKEY>(static_cast<ULONG_PTR>(static_cast<LONG>(0x80000003))))
+
+constexpr REGSAM KEY_QUERY_VALUE = 0x0001;
+constexpr REGSAM KEY_SET_VALUE = 0x0002;
+constexpr REGSAM KEY_CREATE_SUB_KEY = 0x0004;
+constexpr REGSAM KEY_ENUMERATE_SUB_KEYS = 0x0008;
+constexpr REGSAM KEY_READ = 0x20019;
+constexpr REGSAM KEY_WRITE = 0x20006;
+constexpr REGSAM KEY_ALL_ACCESS = 0xF003F;
+constexpr DWORD REG_OPTION_NON_VOLATILE = 0;
+constexpr DWORD REG_CREATED_NEW_KEY = 1;
+constexpr DWORD REG_OPENED_EXISTING_KEY = 2;
+constexpr DWORD REG_NONE = 0;
+constexpr DWORD REG_SZ = 1;
+constexpr DWORD REG_EXPAND_SZ = 2;
+constexpr DWORD REG_BINARY = 3;
+constexpr DWORD REG_DWORD = 4;
+constexpr DWORD REG_DWORD_LITTLE_ENDIAN = 4;
+constexpr DWORD REG_DWORD_BIG_ENDIAN = 5;
+constexpr DWORD REG_LINK = 6;
+constexpr DWORD REG_MULTI_SZ = 7;
+constexpr DWORD REG_QWORD = 11;
+
+// Keys and values in the user's data folder; docs/registry-folder.md has the layout.  Anything may be created
+// below any root.  A name of a key holds 1 to 255 bytes, that of a value up to 16383, and a value 1 MiB; keys
+// go 512 deep.  Names count without the case of A to Z and keep the spelling that they were made with.
+//
+// All answer 0 or an error: 2 for what isn't there, 5 for a key that still has keys below it, 6 for no handle
+// of an open key, 87 for what is too long or too deep or has NULL where it can't be, 1015 for what lies in
+// the folder and isn't the registry's or is damaged, 1018 for a handle of a deleted key.  The access mask,
+// options and security attributes are not kept: every handle may do everything.
+TARN_LINKAGE LSTATUS RegOpenKeyExA(HKEY key, const char* name, DWORD options, REGSAM access, HKEY* result);
+// Makes the parents too; the class text is given to the last key alone, and only if it is new.
+TARN_LINKAGE LSTATUS RegCreateKeyExA(HKEY key, const char* name, DWORD reserved, char* classText,
+                                     DWORD options, REGSAM access, const SECURITY_ATTRIBUTES* security,
+                                     HKEY* result, DWORD* disposition);
+TARN_LINKAGE LSTATUS RegCloseKey(HKEY key);
+TARN_LINKAGE LSTATUS RegDeleteKeyA(HKEY key, const char* name);
+TARN_LINKAGE LSTATUS RegDeleteValueA(HKEY key, const char* name);
+// Keys in the order of their names without case; 259 behind the last, 234 for too small a buffer.
+TARN_LINKAGE LSTATUS RegEnumKeyA(HKEY key, DWORD index, char* name, DWORD size);
+TARN_LINKAGE LSTATUS RegSetValueExA(HKEY key, const char* name, DWORD reserved, DWORD type, const BYTE* data,
+                                    DWORD size);
+// A text that was stored without its NUL gets one where the buffer has room; 234 and the size for too small a
+// buffer, which then stays.
+TARN_LINKAGE LSTATUS RegQueryValueExA(HKEY key, const char* name, DWORD* reserved, DWORD* type, BYTE* data,
+                                      DWORD* size);
+// Writes the key and its parents through to the disk.
+TARN_LINKAGE LSTATUS RegFlushKey(HKEY key);
+// Every out argument may be NULL.  Lengths are in bytes, those of names and classes without the NUL.
+TARN_LINKAGE LSTATUS RegQueryInfoKeyA(HKEY key, char* classText, DWORD* classSize, DWORD* reserved,
+                                      DWORD* subKeys, DWORD* longestSubKey, DWORD* longestClass,
+                                      DWORD* values, DWORD* longestValueName, DWORD* largestValue,
+                                      DWORD* securityDescriptor, FILETIME* lastWriteTime);
 
 // ------------------------------------------------------------------------------------------------------
 // menus

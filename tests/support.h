@@ -22,12 +22,22 @@
 
 namespace tarntest {
 
+#if defined(_WIN32)
+constexpr bool onWindows = true;
+#else
+constexpr bool onWindows = false;
+#endif
+
+// Where a test that waits for the disk often may have its folder instead, if the system has such a place.
+constexpr const char* inMemory = "/dev/shm";
+
 // A folder of its own for one test, gone with the object.
 class TemporaryFolder {
   public:
-    TemporaryFolder() {
-        path_ =
-            std::filesystem::temp_directory_path() / ("tarnutil-" + std::to_string(std::random_device{}()));
+    explicit TemporaryFolder(const std::filesystem::path& wished = {}) {
+        const auto parent =
+            std::filesystem::is_directory(wished) ? wished : std::filesystem::temp_directory_path();
+        path_ = parent / ("tarnutil-" + std::to_string(std::random_device{}()));
         std::filesystem::remove_all(path_);
         std::filesystem::create_directories(path_);
     }

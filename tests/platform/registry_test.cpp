@@ -1,0 +1,422 @@
+// The registry: platform/registry.cpp and registry_*.cpp, and the system's own on Windows.
+
+#include <set>
+#include <string>
+#include <vector>
+
+#include "platform/win32.h"
+#include "tests/support.h"
+
+#if !defined(_WIN32)
+#include <sys/stat.h>
+
+#include "platform/host.h"
+#include "tests/process.h"
+#endif
+
+using namespace std::string_literals;
+using tarntest::onWindows;
+
+namespace {
+
+// A key of its own for each test, below the current user's root, in a data folder of its own.
+struct Registry : testing::Test {
+    static constexpr const char* home = "Software\\tarnutil-test";
+    tarntest::TemporaryFolder data{tarntest::inMemory};
+    HKEY key = nullptr;
+
+    Registry() {
+        tarntest::setEnvironment("XDG_DATA_HOME", data.path().string().c_str());
+        key = create(HKEY_CURRENT_USER, home);
+    }
+    ~Registry() override {
+        RegCloseKey(key);
+        RegDeleteKeyA(HKEY_CURRENT_USER, home);
+        tarntest::setEnvironment("XDG_DATA_HOME", nullptr);
+    }
+
+    static HKEY create(HKEY parent, const std::string& name, DWORD* disposition = nullptr) {
+        HKEY result = nullptr;
+        char classText[] = "Class";
+        EXPECT_EQ(RegCreateKeyExA(parent, name.c_str(), 0, classText, 0, KEY_ALL_ACCESS, nullptr, &result,
+                                  disposition),
+                  0);
+        return result;
+    }
+    static LSTATUS open(HKEY parent, const std::string& name) {
+        HKEY result = nullptr;
+        const LSTATUS status = RegOpenKeyExA(parent, name.c_str(), 0, KEY_ALL_ACCESS, &result);
+        if (status == 0) RegCloseKey(result);
+        return status;
+    }
+    LSTATUS set(const std::string& name, const std::string& value, DWORD type = REG_BINARY) const {
+        return RegSetValueExA(key, name.c_str(), 0, type, reinterpret_cast<const BYTE*>(value.data()),
+                              static_cast<DWORD>(value.size()));
+    }
+    // The value's bytes, or the error as text.
+    [[nodiscard]] std::string get(const std::string& name) const {
+        DWORD size = 0;
+        const LSTATUS status = RegQueryValueExA(key, name.c_str(), nullptr, nullptr, nullptr, &size);
+        if (status != 0) return "error " + std::to_string(status);
+        std::string value(size + 1, '\0');
+        EXPECT_EQ(RegQueryValueExA(key, name.c_str(), nullptr, nullptr, reinterpret_cast<BYTE*>(value.data()),
+                                   &size),
+                  0);
+        value.resize(size);
+        return value;
+    }
+    static std::vector<std::string> keysOf(HKEY parent) {
+        std::vector<std::string> names;
+        char name[300];
+        while (RegEnumKeyA(parent, static_cast<DWORD>(names.size()), name, sizeof name) == 0)
+            names.emplace_back(name);
+        return names;
+    }
+};
+
+TEST_F(Registry, KeysKeepTheirFirstSpellingAndClass) {
+    DWORD disposition = 0;
+    RegCloseKey(create(key, "Sub", &disposition));
+    EXPECT_EQ(disposition, DWORD{REG_CREATED_NEW_KEY});
+    char other[] = "Other";
+    char same[] = "Class";  // wine takes the second text
+    HKEY again = nullptr;
+    EXPECT_EQ(RegCreateKeyExA(key, "sUB\\\\", 0, onWindows ? same : other, 0, KEY_ALL_ACCESS, nullptr, &again,
+                              &disposition),
+              0);
+    EXPECT_EQ(disposition, DWORD{REG_OPENED_EXISTING_KEY});
+    EXPECT_EQ(keysOf(key), std::vector<std::string>{"Sub"});
+    for (const DWORD room : {5U, 6U}) {
+        char text[8] = {};
+        DWORD length = room;
+        EXPECT_EQ(RegQueryInfoKeyA(again, text, &length, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                                   nullptr, nullptr, nullptr),
+                  room == 6 ? 0 : ERROR_MORE_DATA);
+        EXPECT_STREQ(text, room == 6 ? "Class" : onWindows ? "Clas" : "");
+    }
+    RegCloseKey(again);
+    EXPECT_EQ(RegDeleteKeyA(key, "SUB"), 0);
+}
+
+TEST_F(Registry, OddPathsAndHandlesAnswerTheirCodes) {
+    RegCloseKey(create(key, "A\\B\\C"));
+    const HKEY foreign = reinterpret_cast<HKEY>(std::uintptr_t{0x1234});
+    const HKEY closed = create(key, "A");
+    EXPECT_EQ(RegCloseKey(closed), 0);
+    const struct {
+        HKEY parent;
+        const char* name;
+        DWORD code;
+    } rows[] = {{key, "A\\B\\C", 0},
+                {key, "a\\\\b\\c\\\\", 0},
+                {key, "", 0},
+                {key, "None", ERROR_FILE_NOT_FOUND},
+                {key, "None\\C", ERROR_FILE_NOT_FOUND},
+                {key, "A/B", ERROR_FILE_NOT_FOUND},
+                {key, "..", ERROR_FILE_NOT_FOUND},
+                {key, "\\A", ERROR_BAD_PATHNAME},
+                {closed, "B", ERROR_INVALID_HANDLE},
+                {foreign, "B", ERROR_INVALID_HANDLE},
+                {nullptr, "B", ERROR_INVALID_HANDLE}};
+    for (const auto& row : rows)
+        EXPECT_EQ(open(row.parent, row.name), static_cast<LSTATUS>(row.code)) << row.name;
+    HKEY result = key;
+    EXPECT_NE(RegOpenKeyExA(key, "None", 0, KEY_ALL_ACCESS, &result), 0);
+    EXPECT_EQ(result, nullptr);
+    EXPECT_EQ(RegCreateKeyExA(key, "\\A", 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &result, nullptr), 161);
+    EXPECT_EQ(RegCloseKey(closed), 6);
+    EXPECT_EQ(RegCloseKey(nullptr), 6);
+    EXPECT_EQ(RegCloseKey(HKEY_CURRENT_USER), 0);
+    EXPECT_EQ(RegFlushKey(key), 0);
+    EXPECT_EQ(RegDeleteKeyA(HKEY_CURRENT_USER, ""), 5);
+    EXPECT_EQ(RegDeleteKeyA(key, nullptr), 87);
+    EXPECT_EQ(RegDeleteKeyA(key, "A\\B"), 5);
+    EXPECT_EQ(RegDeleteKeyA(key, "A\\B\\C"), 0);
+    EXPECT_EQ(RegDeleteKeyA(key, "A\\B\\C"), 2);
+    EXPECT_EQ(RegDeleteKeyA(key, "A\\B\\"), 0);
+    EXPECT_EQ(RegDeleteKeyA(key, "A"), 0);
+}
+
+TEST_F(Registry, ValuesKeepTheirBytesAndType) {
+    const std::string everyByte = [] {
+        std::string bytes;
+        for (int i = 0; i < 256; ++i) bytes += static_cast<char>(i);
+        return bytes;
+    }();
+    for (const DWORD type : {DWORD{REG_NONE}, DWORD{REG_BINARY}, DWORD{REG_DWORD}, DWORD{77}}) {
+        for (const std::string& bytes : {""s, "ab"s, everyByte, std::string(1U << 20, 'x')}) {
+            EXPECT_EQ(set("Value", bytes, type), 0);
+            EXPECT_EQ(get("vALUE"), bytes);
+            DWORD told = 99;
+            EXPECT_EQ(RegQueryValueExA(key, "Value", nullptr, &told, nullptr, nullptr), 0);
+            EXPECT_EQ(told, type);
+        }
+    }
+    EXPECT_EQ(set("", "default"), 0);
+    EXPECT_EQ(RegDeleteValueA(key, nullptr), 0);
+    EXPECT_EQ(get(""), "error 2");
+    EXPECT_EQ(RegDeleteValueA(key, "Value"), 0);
+    EXPECT_EQ(RegDeleteValueA(key, "Value"), 2);
+    EXPECT_EQ(RegSetValueExA(key, "v", 0, REG_BINARY, nullptr, 5), 998);
+    EXPECT_TRUE(onWindows || set("Large", std::string((1U << 20) + 1, 'x')) == 87);
+}
+
+TEST_F(Registry, BuffersThatAreTooSmallStayAndTellTheSize) {
+    RegSetValueExA(key, "t", 0, REG_SZ, reinterpret_cast<const BYTE*>("abcX"), 3);
+    const struct {
+        const char* name;
+        DWORD room, code, size, type;
+        const char* buffer;
+    } rows[] = {{"t", 2, 234, 3, REG_SZ, "####"},
+                {"t", 3, 0, 3, REG_SZ, "abc#"},
+                {"t", 4, 0, 3, REG_SZ, "abc"},
+                {"none", 4, 2, 4, REG_NONE, "####"}};
+    for (const auto& row : rows) {
+        char buffer[] = "####";
+        DWORD size = row.room;
+        DWORD type = 99;
+        EXPECT_EQ(RegQueryValueExA(key, row.name, nullptr, &type, reinterpret_cast<BYTE*>(buffer), &size),
+                  static_cast<LSTATUS>(row.code));
+        EXPECT_EQ(size, row.size);
+        EXPECT_EQ(type, row.type);
+        EXPECT_STREQ(buffer, row.buffer);
+    }
+    BYTE byte = 0;
+    DWORD size = 9;
+    EXPECT_EQ(RegQueryValueExA(key, "t", nullptr, nullptr, &byte, nullptr), 87);
+    EXPECT_EQ(RegQueryValueExA(key, "none", nullptr, nullptr, nullptr, &size), 2);
+    EXPECT_EQ(size, 0U);
+}
+
+TEST_F(Registry, KeysAreCountedAndListedInTheOrderOfTheirFoldedNames) {
+    std::vector<std::string> expected;
+    for (int i = 10; i < 50; ++i) expected.push_back((i % 2 == 0 ? "n" : "N") + std::to_string(i));
+    for (auto each = expected.rbegin(); each != expected.rend(); ++each) RegCloseKey(create(key, *each));
+    set("a", "12345");
+    set("long name", "");
+    EXPECT_EQ(keysOf(key), expected);
+    char small[3];
+    EXPECT_EQ(RegEnumKeyA(key, 0, small, sizeof small), 234);
+    EXPECT_EQ(RegEnumKeyA(key, 40, small, sizeof small), 259);
+    DWORD keys = 0, longest = 0, values = 0, name = 0, size = 0;
+    EXPECT_EQ(RegQueryInfoKeyA(key, nullptr, nullptr, nullptr, &keys, &longest, nullptr, &values, &name,
+                               &size, nullptr, nullptr),
+              0);
+    EXPECT_EQ((std::vector<DWORD>{keys, longest, values, name, size}), (std::vector<DWORD>{40, 3, 2, 9, 5}));
+    for (const std::string& each : expected) {
+        EXPECT_EQ(keysOf(key).front(), each) << "a stale list";
+        EXPECT_EQ(RegDeleteKeyA(key, each.c_str()), 0);
+    }
+}
+
+TEST_F(Registry, AHandleOfADeletedKeyStaysDeletedWhenItsNameIsUsedAgain) {
+    HKEY handle = create(key, "Gone");
+    EXPECT_EQ(RegDeleteKeyA(key, "Gone"), 0);
+    for (int round = 0; round < 2; ++round) {
+        HKEY result = nullptr;
+        char name[9];
+        const LSTATUS codes[] = {
+            RegOpenKeyExA(handle, "", 0, KEY_ALL_ACCESS, &result),
+            RegCreateKeyExA(handle, "x", 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &result, nullptr),
+            RegDeleteKeyA(handle, "x"),
+            RegDeleteKeyA(handle, ""),
+            RegEnumKeyA(handle, 0, name, sizeof name),
+            RegSetValueExA(handle, "x", 0, REG_BINARY, nullptr, 0),
+            RegQueryValueExA(handle, "x", nullptr, nullptr, nullptr, nullptr),
+            RegDeleteValueA(handle, "x"),
+            RegFlushKey(handle),
+            RegQueryInfoKeyA(handle, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                             nullptr, nullptr, nullptr)};
+        for (const LSTATUS code : codes) EXPECT_EQ(code, 1018);
+        RegCloseKey(create(key, "Gone"));
+    }
+    EXPECT_EQ(RegCloseKey(handle), 0);
+    handle = create(key, "Gone");
+    EXPECT_EQ(RegDeleteKeyA(handle, ""), 0);
+    RegCloseKey(handle);
+    EXPECT_EQ(open(key, "Gone"), 2);
+}
+
+#if defined(_WIN32)
+
+TEST_F(Registry, FoldersFilesAndProcesses) {
+    GTEST_SKIP() << "the folder, odd names, fork and ptrace are tested on the layer only";
+}
+
+#else
+
+TEST_F(Registry, NoNameLeavesTheFolderOrMeetsAnother) {
+    std::vector<std::string> names = {".",    "..",  "a/../../b", "/",  "%41", "k-a",
+                                      ".new", "key", " a ",       "A~", "a%"};
+    for (int i = 1; i < 256; ++i) {
+        if (i != '\\' && (i < 'a' || i > 'z')) names.emplace_back(1, static_cast<char>(i));
+    }
+    for (const std::string& end : {"a"s, "b"s, "\xE9"s, "\xC9"s, "/"s}) {
+        names.push_back(std::string(254, 'x') + end);
+        names.push_back(std::string(254, '/') + end);
+    }
+    names.push_back("values with a \\ in them");
+    std::set<std::string> keys;
+    for (const std::string& name : names) {
+        EXPECT_EQ(set(name, name), 0);
+        if (name.find('\\') != std::string::npos) continue;
+        RegCloseKey(create(key, name));
+        keys.insert(name);
+    }
+    const std::vector<std::string> listed = keysOf(key);
+    EXPECT_EQ(std::set<std::string>(listed.begin(), listed.end()), keys);
+    for (const std::string& name : names) EXPECT_EQ(get(name), name);
+    const std::string longest(16382, '\x7F');
+    EXPECT_EQ(set(longest + 'A', "1"), 0);
+    EXPECT_EQ(set(longest + 'b', "2"), 0);
+    EXPECT_EQ(get(longest + 'a'), "1");
+    EXPECT_EQ(set(longest + "cd", "3"), 87);
+    HKEY result = nullptr;
+    EXPECT_EQ(RegCreateKeyExA(key, std::string(256, 'a').c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr,
+                              &result, nullptr),
+              87);
+    for (const auto& entry :
+         std::filesystem::recursive_directory_iterator(data.path() / "tarnutil/registry")) {
+        const std::string file = entry.path().filename();
+        EXPECT_TRUE(file == "key" || file == "HKEY_CURRENT_USER" || file.starts_with("k-") ||
+                    file.starts_with("v-"))
+            << file;
+    }
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(data.path()), {}), 1);
+}
+
+TEST_F(Registry, DamagedAndForeignFilesMakeACallFail) {
+    const std::filesystem::path folder =
+        data.path() / "tarnutil/registry/HKEY_CURRENT_USER/k-software/k-tarnutil-test";
+    set("v", "value", REG_SZ);
+    RegCloseKey(create(key, "sub"));
+    for (const char* name : {"v-v", "k-sub/key"}) {
+        const std::string file = folder / name;
+        const std::string good = tarntest::contentOf(file);
+        const auto expectRefusal = [&](const std::string& bytes) {
+            tarntest::fill(file, bytes);
+            EXPECT_EQ(file.ends_with("key") ? "error " + std::to_string(open(key, "sub")) : get("v"),
+                      "error 1015");
+        };
+        for (std::size_t i = 0; i < good.size(); ++i) {
+            expectRefusal(good.substr(0, i));
+            std::string flipped = good;
+            flipped[i] = static_cast<char>(flipped[i] ^ 0x10);
+            expectRefusal(flipped);
+        }
+        expectRefusal(good + '\0');
+        expectRefusal(std::string(3U << 20, 'x'));
+        std::filesystem::remove(file);
+        ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
+        EXPECT_EQ(file.ends_with("key") ? open(key, "sub")
+                                        : RegQueryValueExA(key, "v", nullptr, nullptr, nullptr, nullptr),
+                  1015);
+        std::filesystem::remove(file);
+        tarntest::fill(data.file("elsewhere"), good);
+        std::filesystem::create_symlink(data.file("elsewhere"), file);
+        EXPECT_EQ(file.ends_with("key") ? open(key, "sub")
+                                        : RegQueryValueExA(key, "v", nullptr, nullptr, nullptr, nullptr),
+                  1015);
+    }
+    EXPECT_EQ(set("v", "healed"), 0);
+    EXPECT_EQ(get("v"), "healed");
+    std::filesystem::create_directory_symlink(data.path(), folder / "k-link");
+    EXPECT_EQ(open(key, "link"), 1015);
+    char name[9];
+    EXPECT_EQ(RegEnumKeyA(key, 0, name, sizeof name), 1015);
+    std::filesystem::create_directory(folder / "k-empty");
+    EXPECT_EQ(open(key, "empty"), 2) << "a folder without a record is no key";
+    tarntest::fill(folder / "notes.txt", "someone's own");
+    EXPECT_EQ(RegDeleteKeyA(HKEY_CURRENT_USER, home), 5);
+    EXPECT_EQ(get("v"), "healed");
+}
+
+TEST_F(Registry, AProcessKilledAtAnySystemCallLeavesWholeValuesAndKeys) {
+    const std::string large(100000, 'n');
+    int stops = 0;
+    for (bool killed = true; killed; ++stops) {
+        RegCloseKey(create(key, "sub"));
+        set("v", "old");
+        killed = tarntest::killedAtStop(stops, [&] {
+            set("v", large);
+            RegDeleteKeyA(key, "sub");
+            RegCloseKey(create(key, "new"));
+        });
+        const std::string value = get("v");
+        EXPECT_TRUE(value == "old" || value == large) << stops;
+        for (const char* name : {"sub", "new"}) {
+            const LSTATUS status = open(key, name);
+            EXPECT_TRUE(status == 0 || status == 2) << stops << ' ' << status;
+            RegCloseKey(create(key, name));
+            EXPECT_EQ(RegDeleteKeyA(key, name), 0) << stops;
+        }
+        EXPECT_EQ(keysOf(key).size(), 0U);
+        EXPECT_EQ(set("v", "again"), 0);
+        EXPECT_FALSE(std::filesystem::exists(
+            data.path() / "tarnutil/registry/HKEY_CURRENT_USER/k-software/k-tarnutil-test/.new"));
+    }
+    EXPECT_GT(stops, 60);
+}
+
+TEST_F(Registry, AReaderNeverSeesHalfOfWhatAnotherProcessWrites) {
+    const std::string values[] = {std::string(200000, 'a'), std::string(300000, 'b')};
+    set("v", values[0]);
+    std::vector<pid_t> children;
+    for (const std::string& value : values) {
+        children.push_back(tarntest::startChild([&] {
+            for (int i = 0; i < 15; ++i) set("v", value);
+        }));
+    }
+    for (int i = 0; i < 200; ++i) {
+        const std::string value = [&] {
+            std::string buffer(400000, '\0');
+            auto size = static_cast<DWORD>(buffer.size());
+            RegQueryValueExA(key, "v", nullptr, nullptr, reinterpret_cast<BYTE*>(buffer.data()), &size);
+            return buffer.substr(0, size);
+        }();
+        ASSERT_TRUE(value == values[0] || value == values[1]);
+    }
+    for (const pid_t child : children) EXPECT_EQ(tarntest::waitFor(child), 0);
+}
+
+TEST_F(Registry, OpenHandlesAreCountedAndClosedOnesNeverComeBack) {
+    const auto before = tarn::openHandles();
+    const HKEY first = create(key, "sub");
+    EXPECT_EQ(tarn::openHandles(), before + 1);
+    RegCloseKey(first);
+    for (int i = 0; i < 100; ++i) {
+        const HKEY next = create(key, "sub");
+        EXPECT_NE(next, first);
+        EXPECT_EQ(RegFlushKey(first), 6);
+        RegCloseKey(next);
+    }
+    EXPECT_EQ(tarn::openHandles(), before);
+}
+
+TEST_F(Registry, RootsAreThereWithoutAFolder) {
+    tarntest::setEnvironment("XDG_DATA_HOME", data.file("none").c_str());
+    HKEY root = nullptr;
+    char name[9];
+    EXPECT_EQ(RegOpenKeyExA(HKEY_USERS, "", 0, KEY_ALL_ACCESS, &root), 0);
+    for (const HKEY each : {HKEY_USERS, root}) {
+        EXPECT_EQ(open(each, "x"), 2);
+        EXPECT_EQ(RegEnumKeyA(each, 0, name, sizeof name), 259);
+        EXPECT_EQ(RegFlushKey(each), 0);
+        EXPECT_EQ(RegDeleteValueA(each, "x"), 2);
+    }
+    EXPECT_FALSE(std::filesystem::exists(data.file("none")));
+    RegCloseKey(create(root, "x"));
+    EXPECT_EQ(open(HKEY_USERS, "X"), 0);
+    RegCloseKey(root);
+    tarntest::setEnvironment("XDG_DATA_HOME", "relative");  // doesn't count
+    tarntest::setEnvironment("HOME", data.file("home").c_str());
+    RegCloseKey(create(HKEY_LOCAL_MACHINE, "x"));
+    EXPECT_TRUE(
+        std::filesystem::exists(data.file("home/.local/share/tarnutil/registry/HKEY_LOCAL_MACHINE/k-x/key")));
+    tarntest::setEnvironment("HOME", nullptr);
+    EXPECT_EQ(open(HKEY_LOCAL_MACHINE, "x"), 3);
+}
+
+#endif
+
+}  // namespace
