@@ -34,5 +34,6 @@ TARN_EXPORT int UUencode(const unsigned char* source, std::uint32_t length, char
 //   size              isn't looked at
 //   standardAlphabet  as the text was encoded
 // Answers the number of bytes decoded.
-// Bad input: NULL, or a text of more than 2863311528 characters, answers 0 and writes nothing.
+// Bad input: NULL answers 0 and writes nothing; of a text longer than 2863300608 characters only so many are
+// decoded.
 TARN_EXPORT int UUdecode(const char* source, unsigned char* target, int size, int standardAlphabet);
