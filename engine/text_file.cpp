@@ -130,7 +130,8 @@ bool loadRows(TokenCursor& tokens, tarn::RecordLoader& loader) {
 }  // namespace
 
 int tarnEngineData::loadTextData(const char* fileName, eLoadType mode) {
-    const tarn::WholeFile file = tarn::readWholeFile(fileName, FILE_SHARE_READ, FILE_ATTRIBUTE_NORMAL);
+    const tarn::WholeFile file =
+        tarn::readWholeFile(fileName, FILE_SHARE_READ, FILE_ATTRIBUTE_NORMAL, 1, tarn::longestUnsigned);
     if (!file.isRead()) return 0;
     tarn::RecordLoader loader(*this, mode);
     TokenCursor tokens(file.data.get());

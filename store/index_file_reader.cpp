@@ -195,7 +195,8 @@ std::vector<_IndexRecord> readIndex(Bytes block) {
 
 int tarnIndexDataFile::readIndexDataFile(const char* fileName) {
     clearIndexData();
-    const tarn::WholeFile file = tarn::readWholeFile(fileName, 0, FILE_ATTRIBUTE_NORMAL);
+    const tarn::WholeFile file =
+        tarn::readWholeFile(fileName, 0, FILE_ATTRIBUTE_NORMAL, 0, tarn::longestUnsigned);
     if (file.data == nullptr) return 0;
     readContent(reinterpret_cast<const unsigned char*>(file.data.get()), file.size);
     return 1;

@@ -3,7 +3,7 @@
 #include "store/whole_file.h"
 
 #include <algorithm>
-#include <limits>
+#include <cstdint>
 
 namespace tarn {
 namespace {
@@ -26,25 +26,24 @@ class File {
     HANDLE handle_;
 };
 
-constexpr DWORD longestFile = std::numeric_limits<std::int32_t>::max();
-
-// Asks the file's length; a file whose length isn't below 2 GiB counts as one that has none.
-bool measure(HANDLE file, std::size_t& length) {
+// Asks the file's length.  A failure is above every limit as well.
+bool measure(HANDLE file, DWORD longest, std::size_t& length) {
     DWORD high = 0;
-    const DWORD low = GetFileSize(file, &high);  // a failure is above the longest length as well
+    const DWORD low = GetFileSize(file, &high);
     length = low;
-    return high == 0 && low <= longestFile;
+    return high == 0 && low <= longest;
 }
 
 }  // namespace
 
-WholeFile readWholeFile(const char* name, DWORD share, DWORD flags, std::size_t room) {
+WholeFile readWholeFile(const char* name, DWORD share, DWORD flags, std::size_t room, DWORD longest) {
     WholeFile whole;
     const File file(name, GENERIC_READ, share, OPEN_EXISTING, flags);
     if (!file.isOpen()) return whole;
     whole.result = FileResult::cantMeasure;
     std::size_t length = 0;
-    if (!measure(file.handle(), length)) return whole;
+    if (!measure(file.handle(), static_cast<DWORD>(std::min<std::size_t>(longest, SIZE_MAX / 2)), length))
+        return whole;
 
     whole.length = length;
     whole.data = std::make_unique_for_overwrite<char[]>(length + room);

@@ -16,7 +16,7 @@ namespace tarn {
 enum class FileResult {
     done,         // all of it
     cantOpen,     // the file can't be opened or created
-    cantMeasure,  // its length can't be asked, or isn't below 2 GiB
+    cantMeasure,  // its length can't be asked, or is above the caller's limit
     cantMove,     // reading or writing failed
 };
 
@@ -29,9 +29,14 @@ struct WholeFile {
     [[nodiscard]] bool isRead() const { return result == FileResult::done; }
 };
 
+constexpr DWORD longestSigned = 0x7FFFFFFF;    // what the callers with 32-bit signed sizes can take
+constexpr DWORD longestUnsigned = 0xFFFFFFF0;  // what one read can take
+
 // Reads an existing file, opened for reading with these sharing modes and flags.
-//   room  zero bytes behind the content, for terminators; bytes that weren't read are zero as well
-WholeFile readWholeFile(const char* name, DWORD share, DWORD flags, std::size_t room = 2);
+//   room     zero bytes behind the content, for terminators; bytes that weren't read are zero as well
+//   longest  a longer file counts as one that can't be measured
+WholeFile readWholeFile(const char* name, DWORD share, DWORD flags, std::size_t room = 2,
+                        DWORD longest = longestSigned);
 
 // Creates the file, or cuts an existing one to nothing, and writes `size` bytes (below 4 GiB), without
 // sharing. After cantMove the file holds what was written until then.
