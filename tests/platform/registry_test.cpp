@@ -10,7 +10,6 @@
 #if !defined(_WIN32)
 #include <sys/stat.h>
 
-#include "platform/host.h"
 #include "tests/process.h"
 #endif
 
@@ -35,11 +34,11 @@ struct Registry : testing::Test {
         tarntest::setEnvironment("XDG_DATA_HOME", nullptr);
     }
 
-    static HKEY create(HKEY parent, const std::string& name, DWORD* disposition = nullptr) {
+    static HKEY create(HKEY parent, const std::string& name, DWORD* disposition = nullptr,
+                       std::string classText = "Class") {
         HKEY result = nullptr;
-        char classText[] = "Class";
-        EXPECT_EQ(RegCreateKeyExA(parent, name.c_str(), 0, classText, 0, KEY_ALL_ACCESS, nullptr, &result,
-                                  disposition),
+        EXPECT_EQ(RegCreateKeyExA(parent, name.c_str(), 0, classText.data(), 0, KEY_ALL_ACCESS, nullptr,
+                                  &result, disposition),
                   0);
         return result;
     }
@@ -78,12 +77,8 @@ TEST_F(Registry, KeysKeepTheirFirstSpellingAndClass) {
     DWORD disposition = 0;
     RegCloseKey(create(key, "Sub", &disposition));
     EXPECT_EQ(disposition, DWORD{REG_CREATED_NEW_KEY});
-    char other[] = "Other";
-    char same[] = "Class";  // wine takes the second text
-    HKEY again = nullptr;
-    EXPECT_EQ(RegCreateKeyExA(key, "sUB\\\\", 0, onWindows ? same : other, 0, KEY_ALL_ACCESS, nullptr, &again,
-                              &disposition),
-              0);
+    const HKEY again =
+        create(key, "sUB\\\\", &disposition, onWindows ? "Class" : "Other");  // wine takes the second
     EXPECT_EQ(disposition, DWORD{REG_OPENED_EXISTING_KEY});
     EXPECT_EQ(keysOf(key), std::vector<std::string>{"Sub"});
     for (const DWORD room : {5U, 6U}) {
@@ -91,7 +86,7 @@ TEST_F(Registry, KeysKeepTheirFirstSpellingAndClass) {
         DWORD length = room;
         EXPECT_EQ(RegQueryInfoKeyA(again, text, &length, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
                                    nullptr, nullptr, nullptr),
-                  room == 6 ? 0 : ERROR_MORE_DATA);
+                  room == 6 ? 0 : 234);
         EXPECT_STREQ(text, room == 6 ? "Class" : onWindows ? "Clas" : "");
     }
     RegCloseKey(again);
@@ -100,92 +95,69 @@ TEST_F(Registry, KeysKeepTheirFirstSpellingAndClass) {
 
 TEST_F(Registry, OddPathsAndHandlesAnswerTheirCodes) {
     RegCloseKey(create(key, "A\\B\\C"));
-    const HKEY foreign = reinterpret_cast<HKEY>(std::uintptr_t{0x1234});
     const HKEY closed = create(key, "A");
-    EXPECT_EQ(RegCloseKey(closed), 0);
-    const struct {
-        HKEY parent;
-        const char* name;
-        DWORD code;
-    } rows[] = {{key, "A\\B\\C", 0},
-                {key, "a\\\\b\\c\\\\", 0},
-                {key, "", 0},
-                {key, "None", ERROR_FILE_NOT_FOUND},
-                {key, "None\\C", ERROR_FILE_NOT_FOUND},
-                {key, "A/B", ERROR_FILE_NOT_FOUND},
-                {key, "..", ERROR_FILE_NOT_FOUND},
-                {key, "\\A", ERROR_BAD_PATHNAME},
-                {closed, "B", ERROR_INVALID_HANDLE},
-                {foreign, "B", ERROR_INVALID_HANDLE},
-                {nullptr, "B", ERROR_INVALID_HANDLE}};
-    for (const auto& row : rows)
-        EXPECT_EQ(open(row.parent, row.name), static_cast<LSTATUS>(row.code)) << row.name;
+    for (const LSTATUS expected : {0, 6}) EXPECT_EQ(RegCloseKey(closed), expected);
+    const auto codesOf = [&](LSTATUS (*call)(HKEY, const std::string&),
+                             std::initializer_list<const char*> names) {
+        std::vector<LSTATUS> codes;
+        for (const char* name : names) codes.push_back(call(key, name));
+        return codes;
+    };
+    EXPECT_EQ(codesOf(open, {"A\\B\\C", "a\\\\b\\c\\\\", "", "None", "None\\C", "A/B", "..", "\\A"}),
+              (std::vector<LSTATUS>{0, 0, 0, 2, 2, 2, 2, 161}));
+    const auto drop = [](HKEY parent, const std::string& name) -> LSTATUS {
+        return RegDeleteKeyA(parent, name.c_str());
+    };
+    EXPECT_EQ(codesOf(drop, {"A\\B", "A\\B\\C", "A\\B\\C", "\\A", "A\\B\\", "A"}),
+              (std::vector<LSTATUS>{5, 0, 2, 161, 0, 0}));
+    for (const HKEY wrong : {closed, reinterpret_cast<HKEY>(std::uintptr_t{0x1234}), HKEY{}}) {
+        EXPECT_EQ(open(wrong, "B"), 6);
+        EXPECT_EQ(RegCloseKey(wrong), 6);
+    }
     HKEY result = key;
-    EXPECT_NE(RegOpenKeyExA(key, "None", 0, KEY_ALL_ACCESS, &result), 0);
+    EXPECT_EQ(RegOpenKeyExA(key, "None", 0, KEY_ALL_ACCESS, &result), 2);
     EXPECT_EQ(result, nullptr);
     EXPECT_EQ(RegCreateKeyExA(key, "\\A", 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &result, nullptr), 161);
-    EXPECT_EQ(RegCloseKey(closed), 6);
-    EXPECT_EQ(RegCloseKey(nullptr), 6);
     EXPECT_EQ(RegCloseKey(HKEY_CURRENT_USER), 0);
-    EXPECT_EQ(RegFlushKey(key), 0);
     EXPECT_EQ(RegDeleteKeyA(HKEY_CURRENT_USER, ""), 5);
     EXPECT_EQ(RegDeleteKeyA(key, nullptr), 87);
-    EXPECT_EQ(RegDeleteKeyA(key, "A\\B"), 5);
-    EXPECT_EQ(RegDeleteKeyA(key, "A\\B\\C"), 0);
-    EXPECT_EQ(RegDeleteKeyA(key, "A\\B\\C"), 2);
-    EXPECT_EQ(RegDeleteKeyA(key, "A\\B\\"), 0);
-    EXPECT_EQ(RegDeleteKeyA(key, "A"), 0);
+    EXPECT_EQ(RegFlushKey(key), 0);
 }
 
 TEST_F(Registry, ValuesKeepTheirBytesAndType) {
-    const std::string everyByte = [] {
-        std::string bytes;
-        for (int i = 0; i < 256; ++i) bytes += static_cast<char>(i);
-        return bytes;
-    }();
-    for (const DWORD type : {DWORD{REG_NONE}, DWORD{REG_BINARY}, DWORD{REG_DWORD}, DWORD{77}}) {
+    std::string everyByte;
+    for (int i = 0; i < 256; ++i) everyByte += static_cast<char>(i);
+    for (const DWORD type : {DWORD{REG_NONE}, DWORD{REG_DWORD}, DWORD{77}}) {
         for (const std::string& bytes : {""s, "ab"s, everyByte, std::string(1U << 20, 'x')}) {
+            DWORD told = 99;
             EXPECT_EQ(set("Value", bytes, type), 0);
             EXPECT_EQ(get("vALUE"), bytes);
-            DWORD told = 99;
             EXPECT_EQ(RegQueryValueExA(key, "Value", nullptr, &told, nullptr, nullptr), 0);
             EXPECT_EQ(told, type);
         }
     }
     EXPECT_EQ(set("", "default"), 0);
-    EXPECT_EQ(RegDeleteValueA(key, nullptr), 0);
+    for (const LSTATUS expected : {0, 2}) EXPECT_EQ(RegDeleteValueA(key, nullptr), expected);
     EXPECT_EQ(get(""), "error 2");
-    EXPECT_EQ(RegDeleteValueA(key, "Value"), 0);
-    EXPECT_EQ(RegDeleteValueA(key, "Value"), 2);
     EXPECT_EQ(RegSetValueExA(key, "v", 0, REG_BINARY, nullptr, 5), 998);
     EXPECT_TRUE(onWindows || set("Large", std::string((1U << 20) + 1, 'x')) == 87);
 }
 
 TEST_F(Registry, BuffersThatAreTooSmallStayAndTellTheSize) {
     RegSetValueExA(key, "t", 0, REG_SZ, reinterpret_cast<const BYTE*>("abcX"), 3);
-    const struct {
-        const char* name;
-        DWORD room, code, size, type;
-        const char* buffer;
-    } rows[] = {{"t", 2, 234, 3, REG_SZ, "####"},
-                {"t", 3, 0, 3, REG_SZ, "abc#"},
-                {"t", 4, 0, 3, REG_SZ, "abc"},
-                {"none", 4, 2, 4, REG_NONE, "####"}};
-    for (const auto& row : rows) {
+    const auto query = [&](const char* name, DWORD room) {
         char buffer[] = "####";
-        DWORD size = row.room;
         DWORD type = 99;
-        EXPECT_EQ(RegQueryValueExA(key, row.name, nullptr, &type, reinterpret_cast<BYTE*>(buffer), &size),
-                  static_cast<LSTATUS>(row.code));
-        EXPECT_EQ(size, row.size);
-        EXPECT_EQ(type, row.type);
-        EXPECT_STREQ(buffer, row.buffer);
-    }
+        const LSTATUS code =
+            RegQueryValueExA(key, name, nullptr, &type, reinterpret_cast<BYTE*>(buffer), &room);
+        return std::to_string(code) + ' ' + std::to_string(type) + ' ' + std::to_string(room) + ' ' + buffer;
+    };
+    EXPECT_EQ(query("t", 2), "234 1 3 ####");
+    EXPECT_EQ(query("t", 3), "0 1 3 abc#");
+    EXPECT_EQ(query("t", 4), "0 1 3 abc") << "a NUL where there is room";
+    EXPECT_EQ(query("none", 4), "2 0 4 ####");
     BYTE byte = 0;
-    DWORD size = 9;
     EXPECT_EQ(RegQueryValueExA(key, "t", nullptr, nullptr, &byte, nullptr), 87);
-    EXPECT_EQ(RegQueryValueExA(key, "none", nullptr, nullptr, nullptr, &size), 2);
-    EXPECT_EQ(size, 0U);
 }
 
 TEST_F(Registry, KeysAreCountedAndListedInTheOrderOfTheirFoldedNames) {
@@ -216,17 +188,16 @@ TEST_F(Registry, AHandleOfADeletedKeyStaysDeletedWhenItsNameIsUsedAgain) {
         HKEY result = nullptr;
         char name[9];
         const LSTATUS codes[] = {
-            RegOpenKeyExA(handle, "", 0, KEY_ALL_ACCESS, &result),
-            RegCreateKeyExA(handle, "x", 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &result, nullptr),
+            open(handle, ""),
+            open(handle, "x"),
             RegDeleteKeyA(handle, "x"),
             RegDeleteKeyA(handle, ""),
+            RegCreateKeyExA(handle, "x", 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &result, nullptr),
             RegEnumKeyA(handle, 0, name, sizeof name),
             RegSetValueExA(handle, "x", 0, REG_BINARY, nullptr, 0),
             RegQueryValueExA(handle, "x", nullptr, nullptr, nullptr, nullptr),
             RegDeleteValueA(handle, "x"),
-            RegFlushKey(handle),
-            RegQueryInfoKeyA(handle, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
-                             nullptr, nullptr, nullptr)};
+            RegFlushKey(handle)};
         for (const LSTATUS code : codes) EXPECT_EQ(code, 1018);
         RegCloseKey(create(key, "Gone"));
     }
@@ -246,41 +217,31 @@ TEST_F(Registry, FoldersFilesAndProcesses) {
 #else
 
 TEST_F(Registry, NoNameLeavesTheFolderOrMeetsAnother) {
-    std::vector<std::string> names = {".",    "..",  "a/../../b", "/",  "%41", "k-a",
-                                      ".new", "key", " a ",       "A~", "a%"};
+    std::set<std::string> names = {"..", "a/../../b", "%41", "k-a", ".new", "key", " a ", "A~", "a%"};
     for (int i = 1; i < 256; ++i) {
-        if (i != '\\' && (i < 'a' || i > 'z')) names.emplace_back(1, static_cast<char>(i));
+        if (i != '\\' && (i < 'a' || i > 'z')) names.emplace(1, static_cast<char>(i));
     }
-    for (const std::string& end : {"a"s, "b"s, "\xE9"s, "\xC9"s, "/"s}) {
-        names.push_back(std::string(254, 'x') + end);
-        names.push_back(std::string(254, '/') + end);
+    for (const char end : {'a', 'b', '\xE9', '\xC9', '/'}) {
+        for (const char front : {'x', '/'}) names.insert(std::string(254, front) + end);
     }
-    names.push_back("values with a \\ in them");
-    std::set<std::string> keys;
     for (const std::string& name : names) {
         EXPECT_EQ(set(name, name), 0);
-        if (name.find('\\') != std::string::npos) continue;
         RegCloseKey(create(key, name));
-        keys.insert(name);
     }
-    const std::vector<std::string> listed = keysOf(key);
-    EXPECT_EQ(std::set<std::string>(listed.begin(), listed.end()), keys);
     for (const std::string& name : names) EXPECT_EQ(get(name), name);
+    const std::vector<std::string> listed = keysOf(key);
+    EXPECT_EQ(std::set<std::string>(listed.begin(), listed.end()), names);
     const std::string longest(16382, '\x7F');
-    EXPECT_EQ(set(longest + 'A', "1"), 0);
-    EXPECT_EQ(set(longest + 'b', "2"), 0);
-    EXPECT_EQ(get(longest + 'a'), "1");
-    EXPECT_EQ(set(longest + "cd", "3"), 87);
-    HKEY result = nullptr;
-    EXPECT_EQ(RegCreateKeyExA(key, std::string(256, 'a').c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr,
-                              &result, nullptr),
+    for (const char* end : {"A", "b", "\\"}) EXPECT_EQ(set(longest + end, end), 0);
+    EXPECT_EQ(get(longest + 'a'), "A");
+    EXPECT_EQ(set(longest + "cd", ""), 87);
+    HKEY none = nullptr;
+    EXPECT_EQ(RegCreateKeyExA(key, longest.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &none, nullptr),
               87);
     for (const auto& entry :
          std::filesystem::recursive_directory_iterator(data.path() / "tarnutil/registry")) {
         const std::string file = entry.path().filename();
-        EXPECT_TRUE(file == "key" || file == "HKEY_CURRENT_USER" || file.starts_with("k-") ||
-                    file.starts_with("v-"))
-            << file;
+        EXPECT_TRUE(file == "key" || file == "HKEY_CURRENT_USER" || file[1] == '-') << file;
     }
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(data.path()), {}), 1);
 }
@@ -290,36 +251,28 @@ TEST_F(Registry, DamagedAndForeignFilesMakeACallFail) {
         data.path() / "tarnutil/registry/HKEY_CURRENT_USER/k-software/k-tarnutil-test";
     set("v", "value", REG_SZ);
     RegCloseKey(create(key, "sub"));
-    for (const char* name : {"v-v", "k-sub/key"}) {
-        const std::string file = folder / name;
+    for (const bool isKey : {false, true}) {
+        const std::string file = folder / (isKey ? "k-sub/key" : "v-v");
         const std::string good = tarntest::contentOf(file);
-        const auto expectRefusal = [&](const std::string& bytes) {
-            tarntest::fill(file, bytes);
-            EXPECT_EQ(file.ends_with("key") ? "error " + std::to_string(open(key, "sub")) : get("v"),
-                      "error 1015");
+        const auto expectRefusal = [&] {
+            EXPECT_EQ(isKey ? "error " + std::to_string(open(key, "sub")) : get("v"), "error 1015");
         };
-        for (std::size_t i = 0; i < good.size(); ++i) {
-            expectRefusal(good.substr(0, i));
-            std::string flipped = good;
-            flipped[i] = static_cast<char>(flipped[i] ^ 0x10);
-            expectRefusal(flipped);
+        for (std::size_t i = 0; i < 2 * good.size() + 2; ++i) {  // cut, flipped, too long
+            std::string bytes =
+                i < good.size() ? good.substr(0, i) : good + std::string(i % 2 << 21, 'x') + 'x';
+            if (i >= good.size() && i < 2 * good.size()) (bytes = good)[i - good.size()] ^= 0x10;
+            tarntest::fill(file, bytes);
+            expectRefusal();
         }
-        expectRefusal(good + '\0');
-        expectRefusal(std::string(3U << 20, 'x'));
         std::filesystem::remove(file);
         ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
-        EXPECT_EQ(file.ends_with("key") ? open(key, "sub")
-                                        : RegQueryValueExA(key, "v", nullptr, nullptr, nullptr, nullptr),
-                  1015);
+        expectRefusal();
         std::filesystem::remove(file);
         tarntest::fill(data.file("elsewhere"), good);
         std::filesystem::create_symlink(data.file("elsewhere"), file);
-        EXPECT_EQ(file.ends_with("key") ? open(key, "sub")
-                                        : RegQueryValueExA(key, "v", nullptr, nullptr, nullptr, nullptr),
-                  1015);
+        expectRefusal();
     }
     EXPECT_EQ(set("v", "healed"), 0);
-    EXPECT_EQ(get("v"), "healed");
     std::filesystem::create_directory_symlink(data.path(), folder / "k-link");
     EXPECT_EQ(open(key, "link"), 1015);
     char name[9];
@@ -359,50 +312,26 @@ TEST_F(Registry, AProcessKilledAtAnySystemCallLeavesWholeValuesAndKeys) {
 }
 
 TEST_F(Registry, AReaderNeverSeesHalfOfWhatAnotherProcessWrites) {
-    const std::string values[] = {std::string(200000, 'a'), std::string(300000, 'b')};
+    const std::string values[] = {std::string(200000, 'a'), std::string(200000, 'b')};
     set("v", values[0]);
-    std::vector<pid_t> children;
-    for (const std::string& value : values) {
-        children.push_back(tarntest::startChild([&] {
-            for (int i = 0; i < 15; ++i) set("v", value);
-        }));
-    }
-    for (int i = 0; i < 200; ++i) {
-        const std::string value = [&] {
-            std::string buffer(400000, '\0');
-            auto size = static_cast<DWORD>(buffer.size());
-            RegQueryValueExA(key, "v", nullptr, nullptr, reinterpret_cast<BYTE*>(buffer.data()), &size);
-            return buffer.substr(0, size);
-        }();
+    const pid_t child = tarntest::startChild([&] {
+        for (int i = 0; i < 60; ++i) set("v", values[i % 2]);
+    });
+    for (int i = 0; i < 60; ++i) {
+        EXPECT_TRUE(i % 6 != 0 || set("v", values[1]) == 0);
+        const std::string value = get("v");
         ASSERT_TRUE(value == values[0] || value == values[1]);
     }
-    for (const pid_t child : children) EXPECT_EQ(tarntest::waitFor(child), 0);
-}
-
-TEST_F(Registry, OpenHandlesAreCountedAndClosedOnesNeverComeBack) {
-    const auto before = tarn::openHandles();
-    const HKEY first = create(key, "sub");
-    EXPECT_EQ(tarn::openHandles(), before + 1);
-    RegCloseKey(first);
-    for (int i = 0; i < 100; ++i) {
-        const HKEY next = create(key, "sub");
-        EXPECT_NE(next, first);
-        EXPECT_EQ(RegFlushKey(first), 6);
-        RegCloseKey(next);
-    }
-    EXPECT_EQ(tarn::openHandles(), before);
+    EXPECT_EQ(tarntest::waitFor(child), 0);
 }
 
 TEST_F(Registry, RootsAreThereWithoutAFolder) {
     tarntest::setEnvironment("XDG_DATA_HOME", data.file("none").c_str());
     HKEY root = nullptr;
-    char name[9];
     EXPECT_EQ(RegOpenKeyExA(HKEY_USERS, "", 0, KEY_ALL_ACCESS, &root), 0);
     for (const HKEY each : {HKEY_USERS, root}) {
         EXPECT_EQ(open(each, "x"), 2);
-        EXPECT_EQ(RegEnumKeyA(each, 0, name, sizeof name), 259);
-        EXPECT_EQ(RegFlushKey(each), 0);
-        EXPECT_EQ(RegDeleteValueA(each, "x"), 2);
+        EXPECT_TRUE(keysOf(each).empty() && RegFlushKey(each) == 0);
     }
     EXPECT_FALSE(std::filesystem::exists(data.file("none")));
     RegCloseKey(create(root, "x"));
@@ -410,11 +339,10 @@ TEST_F(Registry, RootsAreThereWithoutAFolder) {
     RegCloseKey(root);
     tarntest::setEnvironment("XDG_DATA_HOME", "relative");  // doesn't count
     tarntest::setEnvironment("HOME", data.file("home").c_str());
-    RegCloseKey(create(HKEY_LOCAL_MACHINE, "x"));
-    EXPECT_TRUE(
-        std::filesystem::exists(data.file("home/.local/share/tarnutil/registry/HKEY_LOCAL_MACHINE/k-x/key")));
+    RegCloseKey(create(HKEY_USERS, "x"));
+    EXPECT_TRUE(std::filesystem::exists(data.file("home/.local/share/tarnutil/registry/HKEY_USERS/k-x/key")));
     tarntest::setEnvironment("HOME", nullptr);
-    EXPECT_EQ(open(HKEY_LOCAL_MACHINE, "x"), 3);
+    EXPECT_EQ(open(HKEY_USERS, "x"), 3);
 }
 
 #endif

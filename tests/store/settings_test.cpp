@@ -2,7 +2,6 @@
 
 #include "store/settings.h"
 
-#include <cstring>
 #include <string>
 
 #include "tests/support.h"
@@ -48,37 +47,31 @@ TEST_F(IniFile, ADirectoryTooLongToKeepIsFollowedByTheShortestPath) {
 
 TEST_F(IniFile, DefaultsStandInForWhatIsMissingOrEmpty) {
     tarnIniFile ini("client");
-    const struct {
-        const char *stored, *fallback, *text;
-        int result;
-    } texts[] = {{"v", "other", "v", 1},
-                 {"", "other", "other", 0},
-                 {nullptr, "other", "other", 0},
-                 {nullptr, nullptr, "", 0},
-                 {nullptr, "  kept \"", "  kept \"", 0},
-                 {"longer", "x", "long", 1}};
-    for (const auto& row : texts) {
+    const auto text = [&](const char* stored, const char* fallback, std::int32_t size) {
         char buffer[20] = "before";
-        ini.writeIniString("s", "k", row.stored);
-        EXPECT_EQ(ini.readIniString("s", "k", row.fallback, buffer, 5), row.result);
-        EXPECT_STREQ(buffer, row.text);
-    }
-    char buffer[20] = "before";
-    EXPECT_EQ(ini.readIniString("s", "k", "default", buffer, -1), 0);
-    EXPECT_STREQ(buffer, "default");
+        ini.writeIniString("s", "k", stored);
+        const int result = ini.readIniString("s", "k", fallback, buffer, size);
+        return std::to_string(result) + buffer;
+    };
+    EXPECT_EQ(text("v", "other", 5), "1v");
+    EXPECT_EQ(text("longer", "other", 5), "1long");
+    EXPECT_EQ(text("", "other", 5), "0other");
+    EXPECT_EQ(text(nullptr, "  kept \"", 5), "0  kept \"");
+    EXPECT_EQ(text(nullptr, nullptr, 5), "0");
+    EXPECT_EQ(text(nullptr, "other", -1), "0other");
+    char buffer[] = "default";
     EXPECT_EQ(ini.readIniString("s", "k", buffer + 2, buffer, 0), 0);
     EXPECT_STREQ(buffer, "fault");
-    const struct {
-        const char* stored;
-        std::int32_t number;
-        int result;
-    } numbers[] = {{"7", 7, 1},          {nullptr, 8, 0},      {"", 8, 0},
-                   {"-286331154", 8, 0}, {"4008636142", 8, 0}, {"8", 8, 1}};
-    for (const auto& row : numbers) {
-        std::int32_t number = -1;
-        ini.writeIniString("s", "k", row.stored);
-        EXPECT_EQ(ini.readIniInt("s", "k", 8, number), row.result) << row.number;
-        EXPECT_EQ(number, row.number);
+    const auto number = [&](const char* stored) {
+        std::int32_t value = -1;
+        ini.writeIniString("s", "k", stored);
+        const int result = ini.readIniInt("s", "k", 8, value);
+        return 10 * value + result;
+    };
+    EXPECT_EQ(number("7"), 71);
+    EXPECT_EQ(number("8"), 81) << "a stored default is there all the same";
+    for (const char* missing : {"-286331154", "4008636142", "", static_cast<const char*>(nullptr)}) {
+        EXPECT_EQ(number(missing), 80);
     }
 }
 
@@ -98,56 +91,52 @@ TEST_F(IniFile, BlocksComeBackWholeOrAsTheirDefault) {
 
 struct RegistryObject : testing::Test {
     tarntest::TemporaryFolder data{tarntest::inMemory};
+    static constexpr const char* home = "Software\\tarnutil-store";
     tarnRegistry registry{HKEY_CURRENT_USER};
 
     RegistryObject() {
         tarntest::setEnvironment("XDG_DATA_HOME", data.path().string().c_str());
-        EXPECT_EQ(registry.openKey("Software\\tarnutil-store", 1), 1);
+        EXPECT_EQ(registry.openKey(home, 1), 1);
     }
     ~RegistryObject() override {
         registry.closeKey();
-        registry.deleteSubKeyTree("Software\\tarnutil-store");
-        RegDeleteKeyA(HKEY_CURRENT_USER, "Software\\tarnutil-store");
+        registry.deleteSubKeyTree(home);
+        RegDeleteKeyA(HKEY_CURRENT_USER, home);
         tarntest::setEnvironment("XDG_DATA_HOME", nullptr);
     }
 };
 
 TEST_F(RegistryObject, StoresTextsNumbersAndBlocksUnderTheirTypes) {
     HKEY key = nullptr;
-    RegOpenKeyExA(HKEY_CURRENT_USER, "Software\\tarnutil-store", 0, KEY_ALL_ACCESS, &key);
+    char text[20];
+    DWORD length = sizeof text;
+    RegOpenKeyExA(HKEY_CURRENT_USER, home, 0, KEY_ALL_ACCESS, &key);
+    RegQueryInfoKeyA(key, text, &length, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                     nullptr, nullptr);
+    EXPECT_STREQ(text, "MOLT Settings");
     const auto expect = [&](const char* name, DWORD type, const std::string& bytes) {
-        char buffer[20] = {};
         DWORD told = 0;
-        DWORD size = sizeof buffer;
-        EXPECT_EQ(RegQueryValueExA(key, name, nullptr, &told, reinterpret_cast<BYTE*>(buffer), &size), 0);
+        DWORD size = 0;
+        EXPECT_EQ(RegQueryValueExA(key, name, nullptr, &told, nullptr, &size), 0);
         EXPECT_EQ(told, type);
-        EXPECT_EQ(std::string(buffer, size), bytes);
-        std::memset(buffer, '#', sizeof buffer);
+        char buffer[20] = {};
         EXPECT_EQ(registry.get(name, buffer, size), 1);
-        EXPECT_EQ(std::string(buffer, size + 1), bytes + '#');
+        EXPECT_EQ(std::string(buffer, size), bytes);
         EXPECT_EQ(registry.getBinary(name, buffer, size - 1), 0);
     };
-    char classText[20];
-    DWORD length = sizeof classText;
-    RegQueryInfoKeyA(key, classText, &length, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
-                     nullptr, nullptr);
-    EXPECT_STREQ(classText, "MOLT Settings");
-    EXPECT_EQ(registry.set("number", 0x01020304), 1);
-    expect("number", REG_DWORD, "\4\3\2\1");
-    EXPECT_EQ(registry.set("text", "", 0), 1);
-    expect("text", REG_SZ, "\0"s);
-    EXPECT_EQ(registry.set("list", "a\0b\0", 5), 1);
-    expect("list", REG_MULTI_SZ, "a\0b\0\0"s);
-    EXPECT_EQ(registry.setBinary("block", "\0\xFF", 2), 1);
-    expect("block", REG_BINARY, "\0\xFF"s);
     std::uint32_t number = 7;
+    EXPECT_EQ(registry.set("number", 0x01020304), 1);
     EXPECT_EQ(registry.get("number", number), 1);
     EXPECT_EQ(number, 0x01020304U);
-    EXPECT_EQ(registry.get("list", number), 0);
-    EXPECT_EQ(number, 0x01020304U);
-    EXPECT_EQ(registry.flushKey(), 1);
-    EXPECT_EQ(registry.deleteValue("list"), 1);
-    EXPECT_EQ(registry.deleteValue("list"), 0);
+    registry.set("text", "", 0);
+    registry.set("list", "a\0b\0", 5);
+    registry.setBinary("block", "\0\xFF", 2);
+    expect("number", REG_DWORD, "\4\3\2\1");
+    expect("text", REG_SZ, "\0"s);
+    expect("list", REG_MULTI_SZ, "a\0b\0\0"s);
+    expect("block", REG_BINARY, "\0\xFF"s);
+    EXPECT_TRUE(registry.flushKey() == 1 && registry.deleteValue("list") == 1 &&
+                registry.deleteValue("list") == 0);
     RegCloseKey(key);
 }
 
@@ -155,22 +144,24 @@ TEST_F(RegistryObject, AfterAFailedOpenNothingWorksAndNothingCrashes) {
     tarnRegistry other(HKEY_CURRENT_USER);
     std::uint32_t number = 7;
     char buffer[4];
-    EXPECT_EQ(other.openKey("Software\\tarnutil-none", 0), 0);
-    EXPECT_EQ(other.set("n", 1), 0);
-    EXPECT_EQ(other.set("n", "text", 0), 0);
-    EXPECT_EQ(other.set("n", nullptr, 0), 0);
-    EXPECT_EQ(other.get("n", number), 0);
-    EXPECT_EQ(other.get("n", buffer, 4), 0);
-    EXPECT_EQ(other.deleteSubKey("x"), 0);
-    EXPECT_EQ(other.deleteValue("x"), 0);
-    EXPECT_EQ(other.flushKey(), 0);
-    EXPECT_EQ(other.closeKey(), 0);
-    EXPECT_EQ(registry.openKey(nullptr, 1), 0);
+    const int results[] = {other.openKey("Software\\tarnutil-none", 0),
+                           other.set("n", 1),
+                           other.set("n", "text", 0),
+                           other.set("n", nullptr, 0),
+                           other.get("n", number),
+                           other.get("n", buffer, 4),
+                           other.deleteSubKey("x"),
+                           other.deleteValue("x"),
+                           other.flushKey(),
+                           other.closeKey(),
+                           other.openKey(nullptr, 1),
+                           registry.get("n", nullptr, 4),
+                           registry.setBinary("n", nullptr, 4),
+                           registry.deleteSubKey(nullptr),
+                           registry.deleteSubKeyTree(nullptr),
+                           registry.openKey(nullptr, 1)};
+    for (const int result : results) EXPECT_EQ(result, 0);
     EXPECT_EQ(registry.set("n", 1), 1) << "a NULL name must not forget the open key";
-    EXPECT_EQ(registry.get("n", nullptr, 4), 0);
-    EXPECT_EQ(registry.setBinary("n", nullptr, 4), 0);
-    EXPECT_EQ(registry.deleteSubKey(nullptr), 0);
-    EXPECT_EQ(registry.deleteSubKeyTree(nullptr), 0);
 }
 
 TEST_F(RegistryObject, ATreeOfManyKeysGoesAndItsTopStaysWithItsValues) {
