@@ -56,7 +56,7 @@ class Replacement {
 DWORD readWhole(int folder, const std::string& name, int flags, std::size_t limit, std::string& content);
 
 // Writes through to the disk what was renamed in a folder.  Without it a crash may bring the former file
-// back.
+// back, whole.
 DWORD syncFolder(int folder, const std::string& name);
 
 }  // namespace tarn

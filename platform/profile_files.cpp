@@ -140,6 +140,11 @@ std::string temporaryName(const std::string& path) {
     return tarn::folderOf(path).append("/.").append(name).append(".new");
 }
 
+// Writes through to the disk that the file has been replaced.
+DWORD flush(const std::string& path) {
+    return path.empty() ? ERROR_SUCCESS : tarn::syncFolder(AT_FDCWD, tarn::folderOf(path));
+}
+
 DWORD change(const std::string& path, const Change& wanted) {
     constexpr unsigned permissionsOfNew = 0666;
     if (path.empty() || path.back() == '/') return ERROR_PATH_NOT_FOUND;
@@ -164,12 +169,8 @@ DWORD change(const std::string& path, const Change& wanted) {
     auto text = changed(document, wanted);
     if (!text) return ERROR_SUCCESS;
     document.text = std::move(*text);
-    return replacement.commit(path, encode(document), exists ? &former : nullptr);
-}
-
-// Writes through to the disk that the file has been replaced.
-DWORD flush(const std::string& path) {
-    return path.empty() ? ERROR_SUCCESS : tarn::syncFolder(AT_FDCWD, tarn::folderOf(path));
+    code = replacement.commit(path, encode(document), exists ? &former : nullptr);
+    return code != ERROR_SUCCESS ? code : flush(path);
 }
 
 }  // namespace
