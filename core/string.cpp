@@ -51,7 +51,7 @@ tarnString::tarnString(const tarnString& other) : tarnObject(other) {
 }
 
 tarnString& tarnString::operator=(const tarnString& other) {
-    assign(other.text);
+    if (this != &other) assign(other.text);
     return *this;
 }
 
@@ -60,6 +60,7 @@ tarnString::~tarnString() {
 }
 
 void tarnString::clear() {
+    if (length == 0) return;
     std::memset(text, 0, static_cast<std::size_t>(length));
     length = 0;
 }

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstring>
 #include <memory>
+#include <string>
 
 #include "core/string.h"
 #include "core/value_owner.h"
@@ -43,7 +44,7 @@ std::size_t vectorLength(MOLTVARIANT* const* vector) {
 
 unsigned char* copyBytes(const unsigned char* source, std::size_t count) {
     auto* const copy = new unsigned char[count];
-    if (count != 0) std::memcpy(copy, source, count);
+    std::copy_n(source, count, copy);
     return copy;
 }
 
