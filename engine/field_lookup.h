@@ -29,8 +29,18 @@ inline std::int32_t tarnEngineData::findField(const tarnFieldList* list, std::in
     return -1;
 }
 
+namespace tarn {
+
+// The cells of a column, NULL for one that a client built without them.
+inline nodeList* cellsOf(const MOLTVARIANT& column) {
+    const multiColumn* const multi = column.payload.multi;
+    return multi == nullptr ? nullptr : multi->nodes;
+}
+
+}  // namespace tarn
+
+// The cells of the field at an index, NULL if it is no column.
 inline nodeList* tarnEngineData::columnAt(std::int32_t index) const {
     const MOLTVARIANT* const value = fields == nullptr ? nullptr : fields->values->getAt(index);
-    if (value == nullptr || value->tag != tagMulti || value->payload.multi == nullptr) return nullptr;
-    return value->payload.multi->nodes;
+    return value == nullptr || value->tag != tagMulti ? nullptr : tarn::cellsOf(*value);
 }

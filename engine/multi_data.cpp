@@ -62,7 +62,7 @@ void tarnEngineData::insertMultiData(std::int32_t id, std::int32_t row, const MO
 
 std::int32_t tarnEngineData::getMultiData(std::int32_t id, std::int32_t row, MOLTVARIANT* out) {
     const std::int32_t index = findField(fields, id, 1);
-    nodeList* const column = index < 0 ? nullptr : columnAt(index);
+    nodeList* const column = index < 0 ? nullptr : tarn::cellsOf(*fields->values->data[index]);
     nodeCell** const slot = column == nullptr ? nullptr : column->find(row);
     const bool found = slot != nullptr && (*slot)->value != nullptr;
     if (out != nullptr) *out = found ? *(*slot)->value : MOLTVARIANT();
