@@ -13,6 +13,8 @@ import collections
 import json
 import os
 import pathlib
+import platform
+import re
 import subprocess
 import sys
 
@@ -24,9 +26,9 @@ def run(program, pattern):
                "--benchmark_enable_random_interleaving=true", "--benchmark_min_time=0.05", "--benchmark_format=json"]
     if pattern:
         command.append(f"--benchmark_filter={pattern}")
-    result = subprocess.run(command, stdout=subprocess.PIPE, env={**os.environ, "TZ": "UTC"}, check=False)
+    result = subprocess.run(command, capture_output=True, text=True, env={**os.environ, "TZ": "UTC"}, check=False)
     if result.returncode != 0:
-        sys.exit(f"{program.name} failed")
+        sys.exit(f"{program.name} failed\n{result.stderr}")
     return json.loads(result.stdout) if result.stdout.strip() else {"benchmarks": [], "context": {}}
 
 
@@ -44,12 +46,28 @@ def readable(nanoseconds):
     return f"{nanoseconds:.3g} ns"
 
 
+def describe(folder):
+    """Says what the figures were made on, and refuses a build that isn't optimised."""
+    cache = dict(line.split("=", 1) for line in (folder.parent / "CMakeCache.txt").read_text().splitlines()
+                 if "=" in line and not line.startswith(("#", "//")))
+    if cache.get("CMAKE_BUILD_TYPE:STRING") != "Release":
+        sys.exit("The benchmarks are only worth something in an optimised build: configure the preset release.")
+    model = re.search(r"model name\s*: (.*)", pathlib.Path("/proc/cpuinfo").read_text())
+    compiler = subprocess.run([cache["CMAKE_CXX_COMPILER:FILEPATH"], "--version"], stdout=subprocess.PIPE, text=True,
+                              check=True).stdout.splitlines()[0]
+    print(f"machine   {model[1] if model else platform.machine()}, {os.cpu_count()} cores")
+    print(f"compiler  {compiler}, {cache['CMAKE_CXX_FLAGS_RELEASE:STRING']}")
+    print(f"tarnutil  {cache['CMAKE_PROJECT_VERSION:STATIC']}")
+    print("Our median, and how many times as long it is as each peer's, of the same run:\n")
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("folder", type=pathlib.Path)
     parser.add_argument("filter", nargs="?", default="")
     parser.add_argument("--json", type=pathlib.Path)
     arguments = parser.parse_args()
+    describe(arguments.folder)
 
     jobs = collections.defaultdict(dict)
     memory = {}
