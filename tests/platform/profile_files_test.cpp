@@ -226,7 +226,7 @@ TEST_F(ProfileFiles, StructuresOfAnotherSizeOrDamagedAreRefused) {
 }
 
 TEST_F(ProfileFiles, AFileThatIsHeldReadsAsMissingAndIsNotWritten) {
-    for (const DWORD shared : {0U, FILE_SHARE_READ, FILE_SHARE_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE}) {
+    for (DWORD shared = 0; shared <= (FILE_SHARE_READ | FILE_SHARE_WRITE); ++shared) {
         const bool readable = (shared & FILE_SHARE_READ) != 0;
         const bool writable = readable && (shared & FILE_SHARE_WRITE) != 0;
         fill(file, "[s]\r\nk=v\r\n");
