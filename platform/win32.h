@@ -168,8 +168,8 @@ TARN_LINKAGE UINT GetPrivateProfileIntA(const char* section, const char* key, st
 // Answers TRUE if the value is a block of just that many bytes and undamaged; else the buffer stays.
 TARN_LINKAGE BOOL GetPrivateProfileStructA(const char* section, const char* key, void* buffer, UINT size,
                                            const char* file);
-// A NULL text removes the key, a NULL key the section.  After a crash the file is the old one or the new one;
-// NULL for all three waits until the new one is sure to stay, and answers FALSE.
+// A NULL text removes the key, a NULL key the section.  During a write a crash leaves the old file or the new
+// one, after it the new one.  NULL for all three flushes, which leaves nothing to do, and answers FALSE.
 TARN_LINKAGE BOOL WritePrivateProfileStringA(const char* section, const char* key, const char* text,
                                              const char* file);
 TARN_LINKAGE BOOL WritePrivateProfileStructA(const char* section, const char* key, void* data, UINT size,
