@@ -137,8 +137,8 @@ DWORD readWhole(int folder, const std::string& name, int flags, std::size_t limi
 DWORD syncFolder(int folder, const std::string& name) {
     const Descriptor opened(
         retried([&] { return ::openat(folder, name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
-    if (!opened || retried([&] { return ::fsync(opened.number()); }) != 0) return fromErrno(errno);
-    return ERROR_SUCCESS;
+    if (!opened) return errno == EACCES ? ERROR_SUCCESS : fromErrno(errno);
+    return retried([&] { return ::fsync(opened.number()); }) == 0 ? ERROR_SUCCESS : fromErrno(errno);
 }
 
 }  // namespace tarn
