@@ -28,8 +28,6 @@
 class tarnString;
 struct MOLTVARIANT;
 
-TARN_EXPORT std::int32_t varcmp(const MOLTVARIANT& a, const MOLTVARIANT& b);
-
 // On disk: these numbers stand in files.
 enum tarnTag : std::int32_t {
     tagEmpty = 0,

@@ -182,9 +182,9 @@ class TARN_EXPORT tarnEngineData : public tarnObject {
   private:
     friend class tarn::RecordLoader;
 
-    std::int32_t findField(const tarnFieldList* list, std::int32_t id, int multi);
+    inline std::int32_t findField(const tarnFieldList* list, std::int32_t id, int multi);
     std::int32_t addColumn(std::int32_t id);
-    nodeList* columnAt(std::int32_t index) const;
+    inline nodeList* columnAt(std::int32_t index) const;
     nodeList* findColumn(std::int32_t id);
     nodeList* findOrMakeColumn(std::int32_t id);
     void raiseNumMulti(std::int32_t row);

@@ -1,0 +1,18 @@
+// A client's module for shared_test.cpp, built twice under two names and linked to the shared library.
+
+#include "present/startup.h"
+
+#define MODULE_EXPORT extern "C" __attribute__((visibility("default")))
+
+MODULE_EXPORT void** sharedSlot() {
+    return getGlobalPointer();
+}
+MODULE_EXPORT void writeShared(void* value) {
+    *getGlobalPointer() = value;
+}
+MODULE_EXPORT void* readShared() {
+    return *getGlobalPointer();
+}
+MODULE_EXPORT int moduleNumber() {
+    return TARN_MODULE_NUMBER;
+}
