@@ -49,7 +49,7 @@ void tarnMenuDef::releaseBelow() {
         tarnMenuDef* const done = std::exchange(node, above);
         above = node->children[node->labelLength - 1];
         done->childCount = 0;
-        if (done->parent == node) done->parent = nullptr;
+        done->parent = nullptr;  // one that came from another tree may outlive its parent there
         delete done;
     }
 }
