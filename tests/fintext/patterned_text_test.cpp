@@ -3,12 +3,11 @@
 
 #include <algorithm>
 
-#include "core/string.h"
-#include "core/variant.h"
 #include "engine/engine_data.h"
 #include "fintext/clock_text.h"
 #include "fintext/financial_text.h"
 #include "tests/support.h"
+#include "tests/values.h"
 
 namespace {
 
@@ -82,17 +81,13 @@ TEST(PatternedText, NoonOrMidnightIsOnTheWrongHalf) {
 
 // The fields are filled from the last in rank to the first.
 TEST(PatternedText, FundsAmountComesFromAnotherField) {
-    const std::pair<std::int32_t, const char*> fields[] = {{1750, "0.00"}, {1750, "7"},   {595, "-5"},
-                                                           {595, "100"},   {1664, "abc"}, {1664, "2.5 x"},
-                                                           {1664, nullptr}};
+    const std::pair<std::int32_t, std::string> fields[] = {
+        {1750, "0.00"}, {1750, "7"}, {595, "-5"}, {595, "100"}, {1664, "abc"}, {1664, "2.5 x"}, {1664, ""}};
     tarnEngineData record;
     char target[40] = "old";
     std::string found;
     for (const auto& [field, text] : fields) {
-        MOLTVARIANT value;
-        value.tag = text != nullptr ? tagText : tagNumber;
-        value.payload.text = const_cast<char*>(text);
-        if (text == nullptr) value.payload.longValue = 12;
+        const auto value = text.empty() ? tarntest::number(tagNumber, 12) : tarntest::text(text.c_str());
         record.storeData(field, &value);
         found += std::to_string(getDollarsOrShares(&record, target)) + " " + target + ", ";
     }

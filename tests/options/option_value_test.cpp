@@ -180,9 +180,10 @@ TEST(OptionValue, SensitivitiesAreTheSlopesOfTheTextbookValue) {
 
 TEST(OptionValue, ExpiredAndUnusableTermsGiveTheirFixedAnswers) {
     for (const double bad : {0.0, -1.0, nan, inf}) {
-        EXPECT_EQ(ours({.stock = bad, .market = 5}), Results{}) << bad;
-        EXPECT_EQ(ours({.strike = bad, .market = 5}), Results{}) << bad;
-        EXPECT_EQ(ours({.volatility = bad, .market = 5}), Results{}) << bad;
+        for (const Terms& t : {Terms{0, bad, 100, 0.05, 0.25, 91, 5},
+                               {0, 100, bad, 0.05, 0.25, 91, 5},
+                               {0, 100, 100, 0.05, bad, 91, 5}})
+            EXPECT_EQ(ours(t), Results{}) << bad;
         EXPECT_EQ(ours({.rate = bad, .market = 5}) == Results{}, bad != 0) << bad;
     }
     EXPECT_EQ(ours({1, 80, 1000, nan, 0, -longest - 1, 5}), Results{920});
