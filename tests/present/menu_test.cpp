@@ -77,6 +77,8 @@ TEST(MenuTree, ChildrenKeepTheirOrderAndTheirToldCapacity) {
         root.addChild(std::exchange(made.parser.root, nullptr));
     }
     EXPECT_EQ(root.childCapacity, 64);
+    root.replaceChild(separator, seventh);  // back to their parents, which they still name
+    other.root->replaceChild(seventh, separator);
 }
 
 TEST(MenuTree, SearchesTakeTheFirstInTheOrderOfTheText) {
