@@ -24,27 +24,25 @@ constexpr char examples[] =
 #include "tests/calendar/examples.txt"
     ;
 
-std::string settled(const char* date, std::int32_t businessDays, int fourDigitYear) {
-    testing::internal::CaptureStdout();
-    const std::unique_ptr<char[]> result(getSettlementDate(date, businessDays, fourDigitYear));
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), std::string(result.get()) + " \n");
-    return result.get();
-}
-
 std::string answerOf(const std::string& function, const std::vector<std::string>& cells) {
     std::string text = cells[0], other = cells[1];
     std::int32_t n[5] = {};
     for (std::size_t i = 0; i + 1 < cells.size(); ++i)
         n[i] = static_cast<std::int32_t>(std::strtoll(cells[i].c_str(), nullptr, 0));
-    if (function == "settle") return settled(text.c_str(), n[1], n[2]);
+    if (function == "settle") {
+        testing::internal::CaptureStdout();
+        const std::unique_ptr<char[]> result(getSettlementDate(text.c_str(), n[1], n[2]));
+        EXPECT_EQ(testing::internal::GetCapturedStdout(), std::string(result.get()) + " \n");
+        return result.get();
+    }
     if (function == "part") return std::to_string(getUpdateTime(text.data()));
     if (function == "compare")
         return std::to_string(datecmp(text.data(), other == "no" ? nullptr : other.data()));
     if (function == "compact") {
-        const std::string answers =
-            std::to_string(isValidDate(text.c_str()) * 10 + isValidTradeDate(text.c_str()) + 100).substr(1);
-        return answers +
-               (tarntest::HeldClock::possible ? std::to_string(isFutureDate(text.c_str())) : other.substr(2));
+        const char* const date = text.c_str();
+        const int future = tarntest::HeldClock::possible ? isFutureDate(date) : other[2] - '0';
+        return std::to_string(1000 + isValidDate(date) * 100 + isValidTradeDate(date) * 10 + future)
+            .substr(1);
     }
     char out[80] = "~~~~~~~~~~~";
     if (function == "widen") {
@@ -73,12 +71,12 @@ TEST(CalendarText, ExampleAnswersOtherwise) {
     const tarntest::HeldClock clock(1999, 11, 30);
     tarntest::setTimeZone("UTC0");
     tarntest::expectAnswers(examples, answerOf);
+    std::tm* const none = nullptr;
     EXPECT_EQ(isValidDate(nullptr) + isValidTradeDate(nullptr) + isFutureDate(nullptr), 0);
-    EXPECT_EQ(convert2DigitYrTo4(nullptr, nullptr, 0, 0), 0);
-    EXPECT_TRUE(getCurrentDate(nullptr, 1) == nullptr && getCurrentTradingDate(nullptr, 1) == nullptr);
-    EXPECT_EQ(getUpdateTime(static_cast<char*>(nullptr)), eUpdateWeekend);
-    EXPECT_EQ(getUpdateTime(static_cast<std::tm*>(nullptr)), eUpdateWeekend);
-    EXPECT_EQ(getSettlementDate(nullptr, 1, 1), nullptr);
+    EXPECT_EQ(convert2DigitYrTo4(nullptr, nullptr, 0, 0) + getUpdateTime(none), eUpdateWeekend);
+    for (char* text :
+         {getCurrentDate(nullptr, 1), getCurrentTradingDate(nullptr, 1), getSettlementDate(nullptr, 1, 1)})
+        EXPECT_EQ(text == nullptr ? getUpdateTime(text) : 0, eUpdateWeekend);
 }
 
 std::int64_t mktimeOf32Bits(std::tm& moment) {

@@ -12,9 +12,8 @@
 
 namespace {
 
-using Limits = std::numeric_limits<double>;
-constexpr double nan = Limits::quiet_NaN(), inf = Limits::infinity();
-constexpr std::int32_t longest = std::numeric_limits<std::int32_t>::max();
+constexpr double nan = std::numeric_limits<double>::quiet_NaN(), inf = HUGE_VAL;
+constexpr std::int32_t longest = INT32_MAX;
 
 struct Terms {
     int isPut = 0;
@@ -113,14 +112,12 @@ TEST(OptionValue, SharedWorkAndForetoldSearchChangeNoResult) {
     for (int n = 0; n < 200000 && !testing::Test::HasFailure(); ++n) {
         std::int32_t days[12];
         double amounts[12];
-        const double S = std::exp(number(-5, 9)), other = std::exp(number(-1, 1) * oneOf({0.01, 0.3, 1})),
-                     r = oneOf({0, number(0, 0.15)}), usual = number(0.1, 0.6),
-                     v0 = oneOf({usual, usual, number(0.02, 3), 1}),
-                     A = S * oneOf({0, 0, -0.1, 0.01, 0.1, 1}), length = oneOf({40, 400, 4000});
-        Terms t{day(0, 2), S,  S * other * oneOf({1, 1, 1, 0.001, 100, 1e7}),
-                r,         v0, day(-1, length),
-                0,         A,  oneOf({0, 0, 0, 1}),
-                day(0, 4)};
+        Terms t{day(0, 2), std::exp(number(-5, 9)), std::exp(number(-1, 1) * oneOf({0.01, 0.3, 1}))};
+        const double S = t.stock, usual = number(0.1, 0.6);
+        t.strike *= S * oneOf({1, 1, 1, 0.001, 100, 1e7});
+        t.rate = oneOf({0, number(0, 0.15)}), t.volatility = oneOf({usual, usual, number(0.02, 3), 1});
+        t.days = day(-1, oneOf({40, 400, 4000})), t.mode = day(0, 4), t.split = oneOf({0, 0, 0, 1});
+        t.amount = S * oneOf({0, 0, -0.1, 0.01, 0.1, 1});
         if (n % 8 == 0) t.strike = S * oneOf({3, 2, 1});
         if (n % 16 == 0) t.stock = oneOf({0.02, 0.0199999997});
         for (auto& c : t.exDays) c = day(-0.1 * t.days, 1.1 * t.days);

@@ -46,9 +46,9 @@ COLORREF bandColor(int height, int rowsBelow) {
 }
 
 TEST(Bitmap, GradientsOfEveryHeightHaveTheirBands) {
-    Manager manager;
     tarnBitmap bitmap;
     for (int height = 1; height <= 420; ++height) {
+        Manager manager;
         bitmap.bitmapMOLT(0, 1, height, 0, manager.screen, &manager);
         std::vector<COLORREF> expected;
         for (int y = 0; y < height; ++y) expected.push_back(bandColor(height, height - 1 - y));
@@ -56,6 +56,7 @@ TEST(Bitmap, GradientsOfEveryHeightHaveTheirBands) {
     }
     const int ends[] = {1, 3, 6, 8, 11};  // the bands of height 250 are 2, 2, 3, 2, 3 rows high
     for (int k = 1; k < 5; ++k) EXPECT_EQ(bandColor(250, ends[k]), RGB(149 - k, 199 - k, 199 - k));
+    Manager manager;
     bitmap.bitmapMOLT(1, INT32_MAX, INT32_MAX, 1, manager.screen, &manager);  // can't be made
     bitmap.bitmapMOLT(1, 10, 10, 1, manager.screen, nullptr);
     EXPECT_EQ(bitmap.bitmap, nullptr);
@@ -87,7 +88,7 @@ TEST(Bitmap, PackedResourcesGiveTheirPixelsAndTheirPalette) {
     for (const int depth : {1, 4, 8, 16, 24, 32}) {
         const tarntest::PackedBitmap packed(depth, 5, depth == 4 ? -6 : 6);
         registerPacked(packed.bytes, packed.bytes.size());
-        std::vector<COLORREF> pixels, colors;
+        std::vector<COLORREF> pixels;
         for (int y = 0; y < 6; ++y) pixels.push_back(packed.color(0, y));
         const tarnBitmap plain(module, 300, 0), bitmap(module, 300 + 0x10000, 1);
         EXPECT_TRUE(plain.width == 0 && plain.height == 0 && plain.palette == nullptr);
