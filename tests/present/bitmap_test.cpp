@@ -1,14 +1,8 @@
 // Bitmaps of resources and the painted gradient: present/bitmap.cpp.
 
-#include <vector>
-
 #include "present/screen.h"
 #include "tests/present/packed_bitmap.h"
 #include "tests/support.h"
-
-#if !defined(_WIN32)
-#include "platform/host.h"
-#endif
 
 namespace {
 

@@ -8,10 +8,6 @@
 #include "store/file_tools.h"
 #include "tests/support.h"
 
-#if !defined(_WIN32)
-#include "platform/host.h"
-#endif
-
 namespace {
 
 constexpr char menuTexts[] =

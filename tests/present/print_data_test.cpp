@@ -6,10 +6,6 @@
 #include "present/print_data.h"
 #include "tests/support.h"
 
-#if !defined(_WIN32)
-#include "platform/host.h"
-#endif
-
 namespace {
 
 using tarn::printBullet;
