@@ -51,8 +51,9 @@ TEST(Bitmap, GradientsOfEveryHeightHaveTheirBands) {
     const int ends[] = {1, 3, 6, 8, 11};  // the bands of height 250 are 2, 2, 3, 2, 3 rows high
     for (int k = 1; k < 5; ++k) EXPECT_EQ(bandColor(250, ends[k]), RGB(149 - k, 199 - k, 199 - k));
     Manager manager;
-    bitmap.bitmapMOLT(1, INT32_MAX, INT32_MAX, 1, manager.screen, &manager);  // can't be made
     bitmap.bitmapMOLT(1, 10, 10, 1, manager.screen, nullptr);
+    EXPECT_NE(bitmap.bitmap, nullptr);                                        // as it was
+    bitmap.bitmapMOLT(1, INT32_MAX, INT32_MAX, 1, manager.screen, &manager);  // can't be made
     EXPECT_EQ(bitmap.bitmap, nullptr);
 }
 
