@@ -5,12 +5,14 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <random>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -71,16 +73,46 @@ inline std::string randomText(std::mt19937& random, std::string_view alphabet, u
     return text;
 }
 
+// The parts of a text; signs stand for characters: _ blank, ^ line feed, ~ carriage return, > tab.
+inline std::vector<std::string> split(const std::string& text, char separator) {
+    constexpr std::string_view signs = "_^~>";
+    std::vector<std::string> parts(1);
+    for (const char c : text) {
+        const std::size_t sign = signs.find(c);
+        if (c == separator) parts.emplace_back();
+        if (c != separator) parts.back() += sign == signs.npos ? c : " \n\r\t"[sign];
+    }
+    return parts;
+}
+
+// Calls that a test takes in as one text.  A line names a function and lists its calls behind a colon, with ;
+// between them; a call has its arguments and then its answer, with | between them.  # begins a remark.
+template <class Answer>
+void expectAnswers(const char* calls, Answer answerOf) {
+    std::istringstream lines(calls);
+    for (std::string line; std::getline(lines, line);) {
+        const std::size_t colon = line.find(':');
+        const std::string function = line.substr(0, colon);
+        if (line.empty() || line[0] == '#') continue;
+        for (const std::string& call : split(line.substr(colon + 1), ';')) {
+            const std::vector<std::string> cells = split(call, '|');
+            EXPECT_EQ(answerOf(function, cells), cells.back()) << line << " : " << call;
+        }
+    }
+}
+
+inline std::string shown(double answer) {
+    char text[40];
+    std::snprintf(text, sizeof text, "%.10g", answer);
+    return text;
+}
+
 // Sets a variable of the environment; NULL takes it away.
 inline void setEnvironment(const char* name, const char* value) {
 #if defined(_WIN32)
     _putenv_s(name, value == nullptr ? "" : value);
 #else
-    if (value == nullptr) {
-        ::unsetenv(name);
-    } else {
-        ::setenv(name, value, 1);
-    }
+    value == nullptr ? ::unsetenv(name) : ::setenv(name, value, 1);
 #endif
 }
 
@@ -94,17 +126,18 @@ inline void setTimeZone(const char* zone) {
 #endif
 }
 
-// Holds the clock, for universal and local time alike, at the start of a day until the end of the test.
+// Holds the clock, for universal and local time alike, at a moment until the end of the test.
 class HeldClock {
   public:
 #if defined(_WIN32)
     static constexpr bool possible = false;
-    HeldClock(int, int, int) {}
+    HeldClock(int, int, int, int = 0, int = 0, int = 0) {}
 #else
     static constexpr bool possible = true;
-    HeldClock(int year, int month, int day) {
-        const SYSTEMTIME now{
-            static_cast<WORD>(year), static_cast<WORD>(month), 0, static_cast<WORD>(day), 0, 0, 0, 0};
+    HeldClock(int year, int month, int day, int hour = 0, int minute = 0, int second = 0) {
+        const auto word = [](int number) { return static_cast<WORD>(number); };
+        const SYSTEMTIME now{word(year),   word(month),  0, word(day), word(hour),
+                             word(minute), word(second), 0};
         tarn::setClock(&now, &now);
     }
     ~HeldClock() {

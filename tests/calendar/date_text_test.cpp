@@ -1,9 +1,11 @@
-// Date text and packed dates: calendar/date_text.cpp, calendar/packed_dates.cpp.
+// Date text and packed dates: calendar/date_text.cpp, calendar/packed_dates.cpp.  The calls and answers of
+// tests/calendar/examples.txt, for all sources of calendar/.
 
 #include <algorithm>
 #include <chrono>
 #include <cstring>
 #include <limits>
+#include <memory>
 #include <tuple>
 
 #include "calendar/market_calendar.h"
@@ -18,23 +20,63 @@ auto fieldsOf(std::tm& moment) {
                     moment.tm_year, moment.tm_wday, moment.tm_yday, moment.tm_isdst);
 }
 
-TEST(DateText, OddCompactTextsReadAsAtolReadsThem) {
-    // clang-format off
-    const struct { const char* text; int valid, trades, future; } rows[] = {  // as of 30 November 1999
-        {"022900", 1, 1, 1},   {"02291900", 0, 0, 0}, {"022999", 0, 0, 0},   {"112999", 1, 1, 0},
-        {"1231199", 0, 0, 0},  {"11/30/99", 0, 0, 0}, {"010190", 1, 0, 1},   {"010191", 1, 1, 0},
-        {"113099", 1, 1, 0},   {"120199", 1, 1, 1},   {"13452099", 0, 0, 1}, {"00451999", 0, 0, 0},
-        {"1130200x", 0, 0, 0}, {" 1+12001", 1, 1, 1}, {"0101-5", 1, 0, 0},   {"\t1\n1 200", 0, 1, 0},
-        {"12319999", 1, 1, 1}, {"101199", 1, 1, 0},   {"01010000", 0, 0, 0}, {"01030000", 0, 1, 0},
-        {"0101-001", 0, 1, 0}, {"0102-001", 0, 0, 0}, {"", 0, 0, 0},         {nullptr, 0, 0, 0}};
-    // clang-format on
-    const tarntest::HeldClock clock(1999, 11, 30);
-    for (const auto& row : rows) {
-        EXPECT_EQ(isValidDate(row.text), row.valid) << row.text;
-        EXPECT_EQ(isValidTradeDate(row.text), row.trades) << row.text;
-        if (!tarntest::HeldClock::possible) continue;
-        EXPECT_EQ(isFutureDate(row.text), row.future) << row.text;
+constexpr char examples[] =
+#include "tests/calendar/examples.txt"
+    ;
+
+std::string answerOf(const std::string& function, const std::vector<std::string>& cells) {
+    std::string text = cells[0], other = cells[1];
+    std::int32_t n[5] = {};
+    for (std::size_t i = 0; i + 1 < cells.size(); ++i)
+        n[i] = static_cast<std::int32_t>(std::strtoll(cells[i].c_str(), nullptr, 0));
+    if (function == "settle") {
+        testing::internal::CaptureStdout();
+        const std::unique_ptr<char[]> result(getSettlementDate(text.c_str(), n[1], n[2]));
+        EXPECT_EQ(testing::internal::GetCapturedStdout(), std::string(result.get()) + " \n");
+        return result.get();
     }
+    if (function == "part") return std::to_string(getUpdateTime(text.data()));
+    if (function == "compare")
+        return std::to_string(datecmp(text.data(), other == "no" ? nullptr : other.data()));
+    if (function == "compact") {
+        const char* const date = text.c_str();
+        const int future = tarntest::HeldClock::possible ? isFutureDate(date) : other[2] - '0';
+        return std::to_string(1000 + isValidDate(date) * 100 + isValidTradeDate(date) * 10 + future)
+            .substr(1);
+    }
+    char out[80] = "~~~~~~~~~~~";
+    if (function == "widen") {
+        EXPECT_EQ(convert2DigitYrTo4(text.c_str(), out, n[1], n[2]), text == cells[3] ? 0 : 1);
+        EXPECT_EQ(out, cells[3]);
+        convert2DigitYrTo4(std::strcpy(out, text.c_str()), out, n[1], n[2]);
+        return out;
+    }
+    if (function == "moment") {
+        std::tm m;
+        gettmstruct(text.data(), m);
+        gettmstruct(nullptr, m);  // leaves it untouched
+        std::snprintf(out, sizeof out, ": %d %d %d %d %d %d %d %d %d", m.tm_sec, m.tm_min, m.tm_hour,
+                      m.tm_mday, m.tm_mon, m.tm_year, m.tm_wday, m.tm_yday, m.tm_isdst);
+        return text + out;
+    }
+    if (!tarntest::HeldClock::possible) return cells.back();
+    const tarntest::HeldClock clock(n[0], n[1], n[2]);
+    text = getCurrentDate(out, n[3]);
+    text += std::string(" ") + getCurrentTradingDate(out, n[3]);
+    EXPECT_TRUE(out[10] == '\0' && out[11] == '\0');
+    return text + ' ' + std::to_string(calculateDaystoExpiration(static_cast<std::uint16_t>(n[4])));
+}
+
+TEST(CalendarText, ExampleAnswersOtherwise) {
+    const tarntest::HeldClock clock(1999, 11, 30);
+    tarntest::setTimeZone("UTC0");
+    tarntest::expectAnswers(examples, answerOf);
+    std::tm* const none = nullptr;
+    EXPECT_EQ(isValidDate(nullptr) + isValidTradeDate(nullptr) + isFutureDate(nullptr), 0);
+    EXPECT_EQ(convert2DigitYrTo4(nullptr, nullptr, 0, 0) + getUpdateTime(none), eUpdateWeekend);
+    for (char* text :
+         {getCurrentDate(nullptr, 1), getCurrentTradingDate(nullptr, 1), getSettlementDate(nullptr, 1, 1)})
+        EXPECT_EQ(text == nullptr ? getUpdateTime(text) : 0, eUpdateWeekend);
 }
 
 std::int64_t mktimeOf32Bits(std::tm& moment) {
@@ -72,9 +114,8 @@ TEST(DateText, ScanAndComparisonAgreeWithSscanfAndDoubleMktime) {
         if (round % 20000 == 0) tarntest::setTimeZone(zones[round / 20000]);
         std::string previous = text;
         text = bases[random() % std::size(bases)];
-        for (auto left = random() % 4; left > 0; --left) {
+        for (auto left = random() % 4; left > 0; --left)
             text[random() % text.size()] = "0123456789/: -+\tx"[random() % 17];
-        }
         if (random() % 20 == 0) text.pop_back();
         std::tm expected, other, actual;
         scan(winter, actual);  // in an hour that comes twice, mktime answers by the moment it saw last
@@ -88,47 +129,6 @@ TEST(DateText, ScanAndComparisonAgreeWithSscanfAndDoubleMktime) {
         gettmstruct(text.data(), actual);
         ASSERT_EQ(fieldsOf(actual), fieldsOf(expected)) << text;
     }
-}
-
-TEST(DateText, TextsBecomeKnownMomentsAndTheNoDateIsRewritten) {
-    // clang-format off
-    struct { std::string text, rewritten; std::tuple<int, int, int, int, int, int, int, int, int> fields; } rows[] = {
-        {"11/30/1999 16:05:00", "11/30/1999 16:05:00", {0, 5, 16, 30, 10, 99, 2, 333, 0}},
-        {"11/30/99", "11/30/99", {0, 0, 0, 30, 10, 99, 2, 333, 0}},
-        {"12/31/69", "00/00/00", {0, 0, 0, 0, 0, 0, 0, 0, -1}},
-        {"12/31/1969 01:02:03", "00/00/1900 01:02:03", {3, 2, 1, 0, 0, 1900, 0, 0, -1}},
-        {"12/31/69+", "00/00/00+", {0, 0, 0, 0, 0, 0, 0, 0, 0}}};
-    // clang-format on
-    tarntest::setTimeZone("UTC0");
-    for (auto& row : rows) {
-        std::tm moment;
-        gettmstruct(row.text.data(), moment);
-        EXPECT_EQ(row.text, row.rewritten);
-        gettmstruct(nullptr, moment);  // leaves it untouched
-        EXPECT_EQ(fieldsOf(moment), row.fields) << row.text;
-    }
-    EXPECT_EQ(datecmp(rows[2].text.data(), rows[3].text.data()), 0);
-    EXPECT_EQ(datecmp(rows[0].text.data(), nullptr), 943977901);
-}
-
-TEST(DateText, YearsWidenByTheirFirstDigitWhereverTheyStand) {
-    // clang-format off
-    const struct { const char* in; int yearFirst, lowPivot, widened; const char* out; } rows[] = {
-        {"113099", 0, 0, 1, "11301999"},     {"113001", 0, 0, 1, "11302001"},     {"113089", 0, 0, 1, "11302089"},
-        {"11/30/09", 0, 1, 1, "11/30/2009"}, {"11/30/19", 0, 1, 1, "11/30/1919"}, {"991130", 1, 0, 1, "19991130"},
-        {"09/11/30", 1, 1, 1, "2009/11/30"}, {"11301999", 0, 0, 0, "11301999"},   {"", 0, 0, 0, ""},
-        {"11/30/99 16:05:00", 0, 0, 1, "11/30/1999 16:05:00"},
-        {"99/11/30 16:05:00", 1, 0, 1, "1999/11/30 16:05:00"},
-        {"11/30/1999 16:05:00, a Tuesday", 0, 0, 0, "11/30/1999 16:05:00, a Tuesday"}};
-    // clang-format on
-    for (const auto& row : rows) {
-        char out[40], inPlace[40];
-        EXPECT_EQ(convert2DigitYrTo4(row.in, out, row.yearFirst, row.lowPivot), row.widened);
-        convert2DigitYrTo4(std::strcpy(inPlace, row.in), inPlace, row.yearFirst, row.lowPivot);
-        EXPECT_STREQ(out, row.out);
-        EXPECT_STREQ(inPlace, row.out);
-    }
-    EXPECT_EQ(convert2DigitYrTo4(nullptr, nullptr, 0, 0), 0);
 }
 
 TEST(PackedDates, EveryPackedDateHasTheDayNumberOfItsMonthAndDay) {

@@ -3,16 +3,11 @@
 
 #include <algorithm>
 
-#include "core/string.h"
-#include "core/variant.h"
 #include "engine/engine_data.h"
 #include "fintext/clock_text.h"
 #include "fintext/financial_text.h"
-#include "platform/win32.h"
 #include "tests/support.h"
-#if !defined(_WIN32)
-#include "platform/host.h"
-#endif
+#include "tests/values.h"
 
 namespace {
 
@@ -68,39 +63,31 @@ TEST(PatternedText, MissingTextIsRead) {
               0);
 }
 
-#if !defined(_WIN32)  // the system's own clock can't be held still
 TEST(PatternedText, NoonOrMidnightIsOnTheWrongHalf) {
+    if (!tarntest::HeldClock::possible) GTEST_SKIP() << "the clock can't be held here";
     const std::pair<int, std::string> rows[] = {
         {0, "00:30:05 AM"}, {9, "09:30:05 AM"}, {12, "12:30:05 PM"}, {13, "01:30:05 PM"}};
     for (const auto& [hour, twelve] : rows) {
-        const SYSTEMTIME local = {1999, 1, 6, 9, static_cast<WORD>(hour), 30, 5, 0};
-        tarn::setClock(nullptr, &local);
-        char text[4][40];
-        getLocalTimeStr(text[0], 0);
-        getLocalTimeStr(text[1], 1);
-        tarn::getLocalDateTimeStr(text[2], 0);
-        tarn::getLocalDateTimeStr(text[3], 5);
-        EXPECT_EQ(text[0], (hour == 13 ? "13" : twelve.substr(0, 2)) + ":30:05");
-        EXPECT_EQ(text[1] + std::string(text[3]), " " + twelve + " 01/09/1999 " + twelve);
-        EXPECT_EQ(text[2], " 01/09/1999  " + std::string(text[0]));
+        const tarntest::HeldClock clock(1999, 1, 9, hour, 30, 5);
+        const std::string full = (hour == 13 ? "13" : twelve.substr(0, 2)) + ":30:05";
+        char text[2][40], dated[2][40];
+        for (const int dial : {0, 1})
+            getLocalTimeStr(text[dial], dial), tarn::getLocalDateTimeStr(dated[dial], 5 * dial);
+        EXPECT_EQ(text[0] + ("," + std::string(text[1])), full + ", " + twelve);
+        EXPECT_EQ(dated[0] + ("," + std::string(dated[1])),
+                  " 01/09/1999  " + full + ", 01/09/1999 " + twelve);
     }
-    tarn::setClock(nullptr, nullptr);
 }
-#endif
 
 // The fields are filled from the last in rank to the first.
 TEST(PatternedText, FundsAmountComesFromAnotherField) {
-    const std::pair<std::int32_t, const char*> fields[] = {{1750, "0.00"}, {1750, "7"},   {595, "-5"},
-                                                           {595, "100"},   {1664, "abc"}, {1664, "2.5 x"},
-                                                           {1664, nullptr}};
+    const std::pair<std::int32_t, std::string> fields[] = {
+        {1750, "0.00"}, {1750, "7"}, {595, "-5"}, {595, "100"}, {1664, "abc"}, {1664, "2.5 x"}, {1664, ""}};
     tarnEngineData record;
     char target[40] = "old";
     std::string found;
     for (const auto& [field, text] : fields) {
-        MOLTVARIANT value;
-        value.tag = text != nullptr ? tagText : tagNumber;
-        value.payload.text = const_cast<char*>(text);
-        if (text == nullptr) value.payload.longValue = 12;
+        const auto value = text.empty() ? tarntest::number(tagNumber, 12) : tarntest::text(text.c_str());
         record.storeData(field, &value);
         found += std::to_string(getDollarsOrShares(&record, target)) + " " + target + ", ";
     }

@@ -12,9 +12,8 @@
 
 namespace {
 
-constexpr double nan = std::numeric_limits<double>::quiet_NaN(),
-                 inf = std::numeric_limits<double>::infinity();
-constexpr std::int32_t longest = std::numeric_limits<std::int32_t>::max();
+constexpr double nan = std::numeric_limits<double>::quiet_NaN(), inf = HUGE_VAL;
+constexpr std::int32_t longest = INT32_MAX;
 
 struct Terms {
     int isPut = 0;
@@ -37,13 +36,18 @@ Results ours(const Terms& t) {
     return r;
 }
 
+void expectNear(const Results& actual, const Results& expected, double absolute, double relative, int n) {
+    for (std::size_t i = 0; i < 6; ++i)
+        EXPECT_NEAR(actual[i], expected[i], absolute + relative * std::fabs(expected[i])) << n << " " << i;
+}
+
 // The formula as it is defined: a power for the discount, an exponential for each density, nothing floored.
-Results formula(const Terms& t, double S, double K, std::int32_t days, double sigma) {
-    const double T = days * 0.0027397260273972603, s = std::sqrt(T), kept = K * std::pow(1 + t.rate, -T);
-    const double d1 = std::log(S / kept) / (sigma * s) + sigma * s / 2, put = t.isPut != 0 ? 1 : 0;
-    double N1 = 0, n1 = 0, N2 = 0;
-    tarn::normalDistribution(d1, &N1, &n1);
-    tarn::normalDistribution(d1 - sigma * s, &N2, nullptr);
+Results formula(const Terms& t, double S, double K, double T, double sigma,
+                decltype(tarn::normalDistribution) normal) {
+    const double s = std::sqrt(T), kept = K * std::pow(1 + t.rate, -T), put = t.isPut;
+    const double d1 = std::log(S / kept) / (sigma * s) + sigma * s / 2;
+    double N1 = 0, n1 = 0, N2 = 0, n2 = 0;
+    normal(d1, &N1, &n1), normal(d1 - sigma * s, &N2, &n2);
     const double decay = S * sigma * n1 / (2 * s) + std::log(1 + t.rate) * kept * (N2 - put);
     return {S * N1 - kept * N2 + put * (kept - S), N1 - put, 0, n1 / (S * sigma * s), -decay, n1 * s * S};
 }
@@ -58,17 +62,18 @@ Results stepByStep(const Terms& t) {
             const bool counts = forValue != (t.mode == 2) && t.amount > 0 && 0 < c && c < t.days;
             if (counts && t.amount < S) S -= t.amount;
         }
-        for (int i = 0; i < 12 && t.mode == 2 && t.schedule != nullptr; ++i) {
+        for (int i = 0; i < 12 && t.mode == 2 && t.schedule != nullptr; ++i)
             if (t.scheduleDays[i] < t.days && t.schedule[i] < S) S -= t.schedule[i];
-        }
         for (int i = 0; i < 6 && K <= 0.30000001192092896 * S; ++i) K *= 10;
         for (int i = 0; i < 6 && K >= 3.0 * S; ++i) K *= 0.1;
         return std::array{S, K};
     };
-    const auto [S, K] = repaired(true);
-    const auto [ownS, ownK] = repaired(false);
-    const Results first = formula(t, S, K, t.days, sigma);
-    Results r = formula(t, ownS, ownK, t.days, sigma);
+    const auto model = [&](auto prices, std::int32_t days, double g) {
+        return formula(t, prices[0], prices[1], days * 0.0027397260273972603, g, tarn::normalDistribution);
+    };
+    const auto prices = repaired(true);
+    const Results first = model(prices, t.days, sigma);
+    Results r = model(repaired(false), t.days, sigma);
     if (r[value] < 0) r = {};
     r[value] = std::max(first[value], 0.0);
     r[delta] = first[value] < 0 ? 0 : first[delta];
@@ -77,7 +82,7 @@ Results stepByStep(const Terms& t) {
     const bool up = t.market > r[value];
     double g = up ? (1 - sigma) * 0.5 + sigma : 0.5 * sigma, step = up ? (g - sigma) * 0.5 : 0.25 * sigma;
     for (int i = 0; i < 15 && t.market > 0; ++i, step /= 2) {
-        const double p = formula(t, S, K, t.days, g)[value];
+        const double p = model(prices, t.days, g)[value];
         if (std::fabs(p - t.market) < tolerance) break;
         g = t.market > p ? g + step : g - step;
     }
@@ -88,7 +93,7 @@ Results stepByStep(const Terms& t) {
         if (c < 1 || c >= t.days || t.mode != 0 || t.amount <= 0) break;
         const double after = X > t.amount ? X - t.amount : X;
         const std::int32_t horizon = t.days - c - 1 + t.isPut;
-        Results early = formula(t, t.isPut != 0 ? after : X, K, horizon, sigma);
+        Results early = model(std::array{t.isPut != 0 ? after : X, prices[1]}, horizon, sigma);
         early[value] += t.isPut * t.amount;
         if (horizon > 0 && early[value] > r[value]) r[value] = early[value], r[delta] = early[delta];
         X = after;
@@ -99,101 +104,83 @@ Results stepByStep(const Terms& t) {
 TEST(OptionValue, SharedWorkAndForetoldSearchChangeNoResult) {
     std::mt19937 random(1973);
     const auto number = [&](double a, double b) {
-        return a + (b - a) * static_cast<double>(random()) / 0x1p32;
+        return a + (b - a) * (static_cast<double>(random()) / 0x1p32);
     };
     const auto day = [&](double a, double b) { return static_cast<std::int32_t>(number(a, b)); };
-    const auto oneOf = [&](std::initializer_list<double> list) {
-        return list.begin()[random() % list.size()];
-    };
-    for (int n = 0; n < 200000; ++n) {
+    using List = std::initializer_list<double>;
+    const auto oneOf = [&](List list) { return list.begin()[random() % list.size()]; };
+    for (int n = 0; n < 200000 && !testing::Test::HasFailure(); ++n) {
         std::int32_t days[12];
         double amounts[12];
-        Terms t{
-            .isPut = day(0, 2), .stock = std::exp(number(-5, 9)), .days = day(-1, oneOf({40, 400, 4000}))};
-        t.strike =
-            t.stock * std::exp(number(-1, 1) * oneOf({0.01, 0.3, 1})) * oneOf({1, 1, 1, 0.001, 100, 1e7});
-        if (n % 8 == 0) t.strike = t.stock * oneOf({3, 2, 1});
+        Terms t{day(0, 2), std::exp(number(-5, 9)), std::exp(number(-1, 1) * oneOf({0.01, 0.3, 1}))};
+        const double S = t.stock, usual = number(0.1, 0.6);
+        t.strike *= S * oneOf({1, 1, 1, 0.001, 100, 1e7});
+        t.rate = oneOf({0, number(0, 0.15)}), t.volatility = oneOf({usual, usual, number(0.02, 3), 1});
+        t.days = day(-1, oneOf({40, 400, 4000})), t.mode = day(0, 4), t.split = oneOf({0, 0, 0, 1});
+        t.amount = S * oneOf({0, 0, -0.1, 0.01, 0.1, 1});
+        if (n % 8 == 0) t.strike = S * oneOf({3, 2, 1});
         if (n % 16 == 0) t.stock = oneOf({0.02, 0.0199999997});
-        t.volatility = oneOf({number(0.1, 0.6), number(0.1, 0.6), number(0.02, 3), 1});
-        t.rate = oneOf({0, number(0, 0.15)});
-        t.amount = t.stock * oneOf({0, 0, -0.1, 0.01, 0.1, 1});
-        t.split = oneOf({0, 0, 0, 1});
-        t.mode = day(0, 4);
         for (auto& c : t.exDays) c = day(-0.1 * t.days, 1.1 * t.days);
         for (auto& c : days) c = day(-0.3 * t.days, 1.5 * t.days);
-        for (auto& amount : amounts) amount = t.stock * oneOf({0, 0.01, 0.01, -0.01, 3});
+        for (auto& amount : amounts) amount = S * oneOf({0, 0.01, 0.01, -0.01, 3});
         if (n % 4 != 0) t.scheduleDays = days, t.schedule = amounts;
         // A quote at another volatility, one close to a price that the search will try, one beyond reach.
-        Terms other = t;
-        other.volatility *= oneOf({1, 0.5, 0.75, number(0.3, 1), number(1, 2)});
-        const double quote = ours(other)[value];
+        Terms asked = t;
+        asked.volatility *= oneOf({1, 0.5, 0.75, number(0.3, 1), number(1, 2)});
+        const double quote = ours(asked)[value];
         t.market = oneOf({0, -1, quote, quote + number(-0.0004, 0.0004), 1.2 * t.stock});
 
-        const Results actual = ours(t), expected = stepByStep(t);
+        Results actual = ours(t), expected = stepByStep(t);
         ASSERT_EQ(actual[implied], expected[implied]) << n;
         ASSERT_GE(actual[value], 0) << n;
         // Rounding shows in units of the largest figure of its kind that these terms could have.
-        const double T = std::max(t.days, 1) / 365.0, v = t.volatility * std::sqrt(T), S = t.stock + 1;
-        const double unit[] = {S, 1, 0, 1 / (t.stock * v), S + S * v / T, S * std::sqrt(T)};
-        for (std::size_t i = 0; i < 6; ++i) {
-            ASSERT_NEAR(actual[i], expected[i], 1e-10 * std::fabs(expected[i]) + 1e-12 * unit[i])
-                << n << " " << i;
-        }
+        const double T = std::max(t.days, 1) / 365.0, v = t.volatility * std::sqrt(T), most = t.stock + 1;
+        const double unit[] = {most, 1, 1, 1 / (t.stock * v), most + most * v / T, most * std::sqrt(T)};
+        for (std::size_t i = 0; i < 6; ++i) actual[i] /= unit[i], expected[i] /= unit[i];
+        expectNear(actual, expected, 1e-12, 1e-10, n);
     }
 }
 
 // The rows of tools/option_reference.cpp, the last one with a search worked by hand, and what must equal
 // them.
 TEST(OptionValue, AgreesWithReferenceFigures) {
-    const struct {
-        Terms terms;
-        Results expected;
-    } rows[] = {
+    const std::pair<Terms, Results> rows[] = {
         {{0, 100, 100, 0.05, 0.25, 91}, {5.57458467, 0.563504671, 0, 0.0315534235, -12.3378085, 19.6668598}},
         {{1, 100, 100, 0.05, 0.25, 91}, {4.36554074, -0.436495329, 0, 0.0315534235, -7.51778151, 19.6668598}},
         {{0, 42, 40, 0.1, 0.2, 182}, {4.68793589, 0.774153738, 0, 0.0506697839, -4.43978071, 8.9136618}},
         {{1, 50, 60, 0.03, 0.45, 365}, {14.3012138, -0.545568492, 0, 0.0176149756, -3.22974639, 19.8168476}},
         {{0, 105, 100, 0.06, 0.3, 120}, {10.9434717, 0.684746993, 0, 0.0196749137, -13.3129957, 21.3944473}},
     };
-    for (const auto& [terms, expected] : rows) {
-        const Results actual = ours(terms);
-        for (std::size_t i = 0; i < 6; ++i)
-            EXPECT_NEAR(actual[i], expected[i], 2e-5) << terms.stock << " " << i;
-    }
+    for (const auto& [terms, expected] : rows) expectNear(ours(terms), expected, 2e-5, 0, terms.days);
     EXPECT_NEAR(ours({0, 105, 1, 0.06, 0.3, 120, 10})[implied], 0.255322, 5e-7);
 }
 
-// The textbook's value in long double, with the error function and ln(1 + r) for its rate, and its slopes.
+// The textbook has the error function, and ln(1 + r) for its rate.
 TEST(OptionValue, SensitivitiesAreTheSlopesOfTheTextbookValue) {
+    const auto exact = [](double x, double* N, double*) { *N = std::erfc(-x / std::sqrt(2.0)) / 2; };
     for (int n = 0; n < 960; ++n) {
-        const Terms t{n % 2,        60.0 + n / 2 % 8 * 15, 100, n / 16 % 3 * 0.04, 0.1 + n / 48 % 4 * 0.2,
-                      20 << n / 192};
+        const double S = 60.0 + n / 2 % 8 * 15, sigma = 0.1 + n / 48 % 4 * 0.2;
+        const Terms t{n % 2, S, 100, n / 16 % 3 * 0.04, sigma, 20 << n / 192};
         const auto textbook = [&](double dS, double dSigma, double dT) {
-            const long double T = t.days / 365.0L + dT, v = (t.volatility + dSigma) * std::sqrt(T),
-                              S = t.stock + dS;
-            const long double K = 100 * std::pow(1.0L + t.rate, -T), d1 = std::log(S / K) / v + v / 2;
-            const auto N = [](long double x) { return std::erfc(-x / std::sqrt(2.0L)) / 2; };
-            return static_cast<double>(S * N(d1) - K * N(d1 - v) + t.isPut * (K - S));
+            return formula(t, S + dS, 100, t.days / 365.0 + dT, sigma + dSigma, exact)[value];
         };
         const auto slope = [&](double dS, double dSigma, double dT) {
             return (textbook(dS, dSigma, dT) - textbook(-dS, -dSigma, -dT)) / 2e-4;
         };
+        const double at = textbook(0, 0, 0), bend = textbook(0.01, 0, 0) - 2 * at + textbook(-0.01, 0, 0);
+        const double a = slope(1e-4, 0, 0), b = slope(0, 1e-4, 0), c = -slope(0, 0, 1e-4);
         const Results r = ours(t);
-        EXPECT_NEAR(r[value], textbook(0, 0, 0), 7.5e-8 * (t.stock + 100)) << n;
-        const double bend = (textbook(1e-2, 0, 0) - 2 * textbook(0, 0, 0) + textbook(-1e-2, 0, 0)) / 1e-4;
-        const Results expected{r[value], slope(1e-4, 0, 0),  r[implied],
-                               bend,     -slope(0, 0, 1e-4), slope(0, 1e-4, 0)};
-        for (std::size_t i = 0; i < 6; ++i) {
-            EXPECT_NEAR(r[i], expected[i], 1e-6 + 1e-5 * std::fabs(expected[i])) << n << " " << i;
-        }
+        EXPECT_NEAR(r[value], at, 7.5e-8 * (S + 100)) << n;
+        expectNear(r, {r[value], a, r[implied], bend * 1e4, c, b}, 1e-6, 1e-5, n);
     }
 }
 
 TEST(OptionValue, ExpiredAndUnusableTermsGiveTheirFixedAnswers) {
     for (const double bad : {0.0, -1.0, nan, inf}) {
-        EXPECT_EQ(ours({.stock = bad, .market = 5}), Results{}) << bad;
-        EXPECT_EQ(ours({.strike = bad, .market = 5}), Results{}) << bad;
-        EXPECT_EQ(ours({.volatility = bad, .market = 5}), Results{}) << bad;
+        for (const Terms& t : {Terms{0, bad, 100, 0.05, 0.25, 91, 5},
+                               {0, 100, bad, 0.05, 0.25, 91, 5},
+                               {0, 100, 100, 0.05, bad, 91, 5}})
+            EXPECT_EQ(ours(t), Results{}) << bad;
         EXPECT_EQ(ours({.rate = bad, .market = 5}) == Results{}, bad != 0) << bad;
     }
     EXPECT_EQ(ours({1, 80, 1000, nan, 0, -longest - 1, 5}), Results{920});
@@ -210,21 +197,18 @@ TEST(OptionValue, ExpiredAndUnusableTermsGiveTheirFixedAnswers) {
 }
 
 TEST(BlackScholes, RoutinesTakeTheirArgumentsInOrderAndSkipNull) {
-    Results c{}, p{};
     using namespace tarn;
-    calculateCallValue(0.07, 0.25, 7, 100, 95, 90, 70, 40, 91, 3, 0.5, nullptr, nullptr, 0, &c[value],
-                       &c[delta], &c[implied]);
-    calculatePutValue(0.07, 0.25, 7, 100, 95, 90, 70, 40, 91, 3, 0.5, nullptr, nullptr, 0, &p[value],
-                      &p[delta], &p[implied]);
-    calculateCallSensitivities(0.07, 0.25, 100, 95, 90, 70, 40, 91, 3, 0.5, nullptr, nullptr, 0, &c[gamma],
-                               &c[theta], &c[vega]);
-    calculatePutSensitivities(0.07, 0.25, 100, 95, 90, 70, 40, 91, 3, 0.5, nullptr, nullptr, 0, &p[gamma],
-                              &p[theta], &p[vega]);
-    EXPECT_EQ(c, ours({0, 95, 100, 0.07, 0.25, 90, 7, 3, 0.5, 0, {70, 40, 91}}));
-    EXPECT_EQ(p, ours({1, 95, 100, 0.07, 0.25, 90, 7, 3, 0.5, 0, {70, 40, 91}}));
-    normalDistribution(-0.0, &c[0], &c[1]);
-    EXPECT_NEAR(c[0], 0.4999999994, 1e-10);
-    EXPECT_EQ(c[1], 0.39894228);
+    Results r{};
+    const auto expectOrder = [&r](int isPut, auto* values, auto* sensitivities) {
+        values(0.07, 0.25, 7, 100, 95, 90, 70, 40, 91, 3, 0.5, nullptr, nullptr, 0, &r[0], &r[1], &r[2]);
+        sensitivities(0.07, 0.25, 100, 95, 90, 70, 40, 91, 3, 0.5, nullptr, nullptr, 0, &r[3], &r[4], &r[5]);
+        EXPECT_EQ(r, ours({isPut, 95, 100, 0.07, 0.25, 90, 7, 3, 0.5, 0, {70, 40, 91}}));
+    };
+    expectOrder(0, calculateCallValue, calculateCallSensitivities);
+    expectOrder(1, calculatePutValue, calculatePutSensitivities);
+    normalDistribution(-0.0, &r[0], &r[1]);
+    EXPECT_NEAR(r[0], 0.4999999994, 1e-10);
+    EXPECT_EQ(r[1], 0.39894228);
 }
 
 }  // namespace

@@ -1,22 +1,18 @@
 // Token parser and menu trees: present/token_parser.cpp, present/menu_parser.cpp,
 // present/menu_definition.cpp.
 
-#include <string>
+#include <memory>
 #include <utility>
-#include <vector>
 
 #include "present/menu.h"
 #include "store/file_tools.h"
 #include "tests/support.h"
 
-#if !defined(_WIN32)
-#include "platform/host.h"
-#endif
-
 namespace {
 
-constexpr const char* orders = "POPUP,File,7,MENUITEM,Open,2,100,Open a file,MENUITEM,SEPARATOR,END";
-constexpr const char* ordersShape = "File#7(Open#2=100'Open a file' - )";
+constexpr char menuTexts[] =
+#include "tests/present/menus.txt"
+    ;
 
 // A parser that has read this text from a file.
 struct Menu {
@@ -31,7 +27,6 @@ struct Menu {
     }
 };
 
-// A tree in one line: a popup label#number(children), an item label#number=id'extra', a separator -.
 std::string shape(const tarnMenuDef& node) {
     if (node.kind == 3) return "-";
     std::string text =
@@ -47,27 +42,15 @@ std::string shape(const tarnMenuDef& node) {
 }
 
 TEST(MenuText, EveryFormOfTheGrammarGivesItsTree) {
-    const std::pair<std::string, const char*> rows[] = {
-        {"x, ENDS ,POPUPS,popup,POPUP File,\n" + std::string(orders), ordersShape},
-        {"POPUP\r\n\r\n\tFile\r\n7\nMENUITEM\n  Open  ,,2\t100\nOpen a "
-         "file\nwhat\nMENUITEM\nSEPARATOR\nEND,b",
-         ordersShape},
-        {"P,Buy Stock,x,M,\"a,-5,12abc,b\",E", "Buy Stock#0(\"a#-5=12'b\"' )"},
-        {"POP,a,1,ME,S,MENU,SE,MENUITEM,SEPARATORS,1,2,3", "a#1(- - SEPARATORS#1=2'3' )"},
-        {"P,a,1,P,b,2,P,c,3,E,M,S,E,M,x,1,2,3,E,M,S", "a#1(b#2(c#3() - ) x#1=2'3' )"},
-        {" ,a,1,M,S, ,M,S", "a#1(- )"},  // a blank token begins like POPUP and ends like END
-        {"P,a,99999999999,M,b,-99999999999,0,c", "a#2147483647(b#-2147483648=0'c' )"},
-        {",\n\t\r", "?#-1()"},
-        {std::string("P,a,1\0,M,S", 10), "a#1()"},  // the text ends at a NUL
-    };
-    for (const auto& [text, tree] : rows) EXPECT_EQ(shape(*Menu(text).root), tree) << text;
-    EXPECT_EQ(shape(*Menu(orders, 1).root), ordersShape);
+    for (const int scrambled : {0, 1})
+        tarntest::expectAnswers(menuTexts,
+                                [=](auto&, auto& cells) { return shape(*Menu(cells[0], scrambled).root); });
+    EXPECT_EQ(shape(*Menu(std::string("P,a,1\0,M,S", 10)).root), "a#1()") << "the text ends at a NUL";
     const Menu blanks("P,\t root ,");
     EXPECT_EQ(blanks.parser.head->next->text - blanks.parser.buffer, 4) << "a token lies in the text";
     tarnMenuParser parser;
-    EXPECT_EQ(shape(*parser.getMenuDef(nullptr, 0)), "?#-1()");
-    EXPECT_EQ(shape(*parser.getMenuDef(std::filesystem::temp_directory_path().string().c_str(), 1)),
-              "?#-1()");
+    for (const char* missing : {static_cast<const char*>(nullptr), "."})
+        EXPECT_EQ(shape(*parser.getMenuDef(missing, 1)), "?#-1()");
 }
 
 TEST(MenuTree, ChildrenKeepTheirOrderAndTheirToldCapacity) {
@@ -80,7 +63,7 @@ TEST(MenuTree, ChildrenKeepTheirOrderAndTheirToldCapacity) {
     root.replaceChild(seventh, nullptr);
     root.addChild(nullptr);
     for (std::int32_t i = 0; i < 40; ++i) EXPECT_EQ(root.getChild(i)->id, i);
-    for (const std::int32_t index : {-1, 40}) EXPECT_EQ(root.getChild(index), nullptr);
+    EXPECT_TRUE(root.getChild(-1) == nullptr && root.getChild(40) == nullptr);
     root.replaceChild(seventh, separator);
     other.root->replaceChild(separator, seventh);
     EXPECT_EQ(root.getChild(7), separator);
@@ -90,17 +73,18 @@ TEST(MenuTree, ChildrenKeepTheirOrderAndTheirToldCapacity) {
         root.addChild(std::exchange(made.parser.root, nullptr));
     }
     EXPECT_EQ(root.childCapacity, 64);
+    root.replaceChild(separator, seventh);  // back to their parents, which they still name
+    other.root->replaceChild(seventh, separator);
 }
 
 TEST(MenuTree, SearchesTakeTheFirstInTheOrderOfTheText) {
     const Menu menu(
         "P,root,0, M,Fi,1,5,a, P,Deep,2,M,File,3,9,b,M,x,4,5,c,E, M,File,6,9,d, M, S, M,File Menu,7,8,e");
-    const std::pair<std::int32_t, std::int32_t> ids[] = {{5, 1}, {9, 3}, {8, 7}, {-1, 0}};
-    for (const auto& [id, number] : ids) EXPECT_EQ(menu.root->find(id)->number, number);
+    for (const auto& [id, number] : {std::pair(5, 1), {9, 3}, {8, 7}, {-1, 0}})
+        EXPECT_EQ(menu.root->find(id)->number, number);
     EXPECT_EQ(menu.root->find(77), nullptr);
-    const std::pair<const char*, std::int32_t> texts[] = {
-        {"FILE MENU", 0}, {"deep end", 1}, {"Dee", -1}, {nullptr, -1}};
-    for (const auto& [text, index] : texts) EXPECT_EQ(menu.root->find(text), index);
+    for (const auto& [text, index] : {std::pair("FILE MENU", 0), {"deep end", 1}, {"Dee", -1}, {nullptr, -1}})
+        EXPECT_EQ(menu.root->find(text), index);
     menu.root->getChild(0)->labelLength = 0;
     EXPECT_EQ(menu.root->find("file menu"), 2) << "a child without a label is passed over";
 }
@@ -113,8 +97,7 @@ void expectEntries(const tarnMenuDef& node) {
         entry.cbSize = sizeof entry;
         entry.fMask = MIIM_DATA | MIIM_FTYPE;
         EXPECT_TRUE(GetMenuItemInfoA(node.menu, static_cast<UINT>(i), TRUE, &entry));
-        EXPECT_EQ(entry.dwItemData, reinterpret_cast<ULONG_PTR>(&child));
-        EXPECT_EQ(entry.fType, MFT_OWNERDRAW);
+        EXPECT_TRUE(entry.dwItemData == reinterpret_cast<ULONG_PTR>(&child) && entry.fType == MFT_OWNERDRAW);
         EXPECT_EQ(GetSubMenu(node.menu, i), child.menu);
         EXPECT_EQ(static_cast<std::int32_t>(GetMenuItemID(node.menu, i)), child.kind == 3 ? 0 : child.id);
         if (child.kind == 1) expectEntries(child);
@@ -141,11 +124,10 @@ TEST(MenuTree, DeepAndWideTreesCostTheirNodesAlone) {
     for (const char* piece : {"P,a,1,", "M,S,", "M,a,1,2,b,", "P,a,1,M,S,E,", "P,a,1,M,S,"}) {
         std::string text = "P,root,0,";
         for (int i = 0; i < 200'000; ++i) text += piece;
-        {
-            const Menu menu(text + "M,a,1,77,b");
-            menu.root->createMenu();
-            EXPECT_NE(menu.root->find(77), nullptr);
-        }
+        auto menu = std::make_unique<Menu>(text + "M,a,1,77,b");
+        menu->root->createMenu();
+        EXPECT_NE(menu->root->find(77), nullptr);
+        menu.reset();
         EXPECT_EQ(tarn::openHandles(), before) << piece;  // a search for each entry would take minutes
     }
 }

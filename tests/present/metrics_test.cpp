@@ -1,15 +1,10 @@
 // The screen snapshot and the shared slot: present/metrics.cpp, present/startup.cpp.
 
-#include <cstddef>
 #include <cstring>
 
 #include "present/screen.h"
 #include "present/startup.h"
 #include "tests/support.h"
-
-#if !defined(_WIN32)
-#include "platform/host.h"
-#endif
 
 namespace {
 
@@ -19,47 +14,46 @@ constexpr int metricOrder[] = {0,  1, 45, 46, 11, 12, 49, 50, 32, 33, 7, 8,  4, 
 constexpr int colorOrder[] = {18, 5, 24, 15, 22, 14, 13, 8, 4, 16, 20};
 
 void expectSystemValues(const tarnMetrics& metrics) {
-    DWORD values[sizeof metrics / sizeof(DWORD)];
+    DWORD values[sizeof metrics / sizeof(DWORD)], *value = values;
     std::memcpy(values, &metrics, sizeof metrics);
-    const DWORD* value = values;
     for (const int index : metricOrder) {
         EXPECT_EQ(*++value, index < 0 ? 0 : static_cast<DWORD>(GetSystemMetrics(index))) << index;
         EXPECT_TRUE(index < 0 || *value > 0) << index;
     }
     value += sizeof(LOGFONTA) / sizeof *value;
     for (const int index : colorOrder) EXPECT_EQ(*++value, GetSysColor(index)) << index;
+    EXPECT_NE(metrics.iconTitleFont.lfHeight, 0);
 }
 
 TEST(Metrics, FieldsStandInOrderAndHoldTheSystemsValues) {
     const tarnMetrics metrics;
     expectSystemValues(metrics);
-    EXPECT_NE(metrics.iconTitleFont.lfHeight, 0);
     EXPECT_EQ(metrics.paletteDisplay, 0);
+    EXPECT_EQ(*getGlobalPointer(), nullptr) << "the slot that the modules share";
+    *getGlobalPointer() = getGlobalPointer();
+    EXPECT_EQ(*getGlobalPointer(), getGlobalPointer());
 }
 
 #if !defined(_WIN32)
 
 TEST(Metrics, EachSystemHasItsKindAndASnapshotKeepsIt) {
     tarnMetrics kept;
-    const struct {
-        std::int32_t platform, version, kind;
-    } rows[] = {{0, 3, 4}, {0, 4, 4}, {1, 4, 3}, {1, 9, 3}, {2, 4, 1},
-                {2, 5, 0}, {2, 0, 0}, {3, 4, 0}, {2, 3, 2}};
-    for (const auto& row : rows) {
-        tarn::ScreenDescription screen = tarn::classicScreen();
-        for (int i = 0; i < 100; ++i) screen.metrics[i] = 1000 + i;
-        for (COLORREF i = 0; i < 32; ++i) screen.colors[i] = 2000 + i;
-        screen.numColors = 0;
-        screen.platformId = row.platform;
-        screen.majorVersion = row.version;
+    tarn::ScreenDescription screen{};
+    for (int i = 0; i < 100; ++i) screen.metrics[i] = 1000 + i;
+    for (COLORREF i = 0; i < 32; ++i) screen.colors[i] = 2000 + i;
+    screen.iconTitleFont.lfHeight = -11;
+    constexpr std::int32_t systems[][3] = {{0, 3, 4}, {0, 4, 4}, {1, 4, 3}, {1, 9, 3}, {2, 4, 1},
+                                           {2, 5, 0}, {2, 0, 0}, {3, 4, 0}, {2, 3, 2}};
+    for (const auto& [platform, version, kind] : systems) {
+        screen.platformId = platform;
+        screen.majorVersion = version;
         tarn::setScreen(&screen);
         const tarnMetrics metrics;
-        EXPECT_EQ(metrics.osKind, row.kind) << row.platform << ' ' << row.version;
-        EXPECT_EQ(metrics.cySmallCaption, row.kind == 2 ? 1004 : 1051);
+        EXPECT_EQ(metrics.osKind, kind) << platform << ' ' << version;
+        EXPECT_EQ(metrics.cySmallCaption, kind == 2 ? 1004 : 1051);
     }
     kept.sysColorChange();
-    EXPECT_EQ(kept.clrMenu, 2004U);
-    EXPECT_EQ(kept.cxScreen, 1920);
+    EXPECT_TRUE(kept.clrMenu == 2004U && kept.cxScreen == 1920);
     kept.init();
     expectSystemValues(kept);
     EXPECT_EQ(kept.paletteDisplay, 1);
@@ -67,11 +61,5 @@ TEST(Metrics, EachSystemHasItsKindAndASnapshotKeepsIt) {
 }
 
 #endif
-
-TEST(Startup, TheSharedSlotKeepsWhatAModuleWrites) {
-    EXPECT_EQ(*getGlobalPointer(), nullptr);
-    *getGlobalPointer() = getGlobalPointer();
-    EXPECT_EQ(*getGlobalPointer(), getGlobalPointer());
-}
 
 }  // namespace

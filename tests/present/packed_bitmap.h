@@ -44,15 +44,12 @@ struct PackedBitmap {
         const auto line = static_cast<std::size_t>(height < 0 ? y : height - 1 - y);
         const unsigned char* row = bytes.data() + pixelOffset + line * rowBytes;
         std::size_t value = 0;
-        for (std::size_t bit = x * depth; depth <= 8 && bit < (x + 1) * depth; ++bit) {
+        for (std::size_t bit = x * depth; depth <= 8 && bit < (x + 1) * depth; ++bit)
             value = value << 1 | (row[bit / 8] >> (7 - bit % 8) & 1U);
-        }
         if (depth <= 8) return tableColor(value);
         for (std::size_t i = 0; i < depth / 8; ++i) value |= std::size_t{row[x * depth / 8 + i]} << 8 * i;
         if (depth > 16) return RGB(value >> 16, value >> 8, value);
-        const auto widened = [value](int shift) {
-            return (value >> shift & 31) << 3 | (value >> shift & 31) >> 2;
-        };
+        const auto widened = [value](int shift) { return (value >> shift & 31) * 33 / 4; };
         return RGB(widened(10), widened(5), widened(0));
     }
 };

@@ -1,14 +1,10 @@
 // Print items: present/print_data.cpp.
 
-#include <string>
+#include <tuple>
 
 #include "core/string.h"
 #include "present/print_data.h"
 #include "tests/support.h"
-
-#if !defined(_WIN32)
-#include "platform/host.h"
-#endif
 
 namespace {
 
@@ -31,30 +27,23 @@ const MOLTVARIANT marker = valueOf(tagPlain9), number = valueOf(tagLong);
 
 TEST(PrintData, TextsArriveAsTag10WithTheirBullet) {
     const tarnString abc("abc");
-    const struct {
-        MOLTVARIANT value;
-        std::int32_t flags;
-        const char *item, *row;
-    } rows[] = {{valueOf(tagText, "abc"), 0, "abc", "abc"},
-                {valueOf(tagText, "abc"), printBullet | 1, "\x95 abc", "\x95 abc"},
-                {valueOf(tagString, &abc), printBullet, "\x95 abc", "\x95 abc"},
-                {valueOf(tagText, ""), 0, "", ""},
-                {valueOf(tagText), 0, "", " "},
-                {valueOf(tagString), 0, "", " "},
-                {valueOf(tagText), printBullet, "\x95 ", "\x95 "}};
-    for (const auto& row : rows) {
+    const std::tuple<MOLTVARIANT, std::int32_t, std::string> rows[] = {
+        {valueOf(tagText, "abc"), 1, "abc|abc"},
+        {valueOf(tagString, &abc), printBullet, "\x95 abc|\x95 abc"},
+        {valueOf(tagText, ""), 0, "|"},
+        {valueOf(tagString), 0, "| "},
+        {valueOf(tagText), printBullet, "\x95 |\x95 "}};
+    for (const auto& [value, flags, texts] : rows) {
         tarnPrintData data;
         data.storeData(1, &marker, printMultiData, 0);
-        data.storeData(2, &row.value, row.flags, 77);
-        const _MultiPrintStruct record = rowOf(1, row.flags);
-        data.storeMultiData(&record, &row.value);
+        data.storeData(2, &value, flags, 77);
+        const _MultiPrintStruct record = rowOf(1, flags);
+        data.storeMultiData(&record, &value);
         const _PrintStruct& item = *data.getPrintData(1);
-        EXPECT_STREQ(item.value.payload.text, row.item);
-        EXPECT_EQ(item.flags + item.extra, row.flags + 77);
-        const _MultiPrintStruct& stored = *data.getMultiPrintData(1, 0);
-        EXPECT_TRUE(item.value.tag == tagText && stored.value.tag == tagText);
-        EXPECT_STREQ(stored.value.payload.text, row.row);
-        EXPECT_EQ(stored.words[0] + stored.words[3], 23);
+        const _MultiPrintStruct& row = *data.getMultiPrintData(1, 0);
+        EXPECT_EQ(item.value.payload.text + ("|" + std::string(row.value.payload.text)), texts);
+        EXPECT_TRUE(item.value.tag == tagText && row.value.tag == tagText);
+        EXPECT_EQ(item.flags + item.extra + row.words[0] + row.words[3], flags + 77 + 23);
     }
 }
 
@@ -85,16 +74,13 @@ TEST(PrintData, OnlyTheFirstItemOfAnIdHoldsRows) {
 
 TEST(PrintData, ItemsOwnCopiesAndRowsOwnBlobsAlone) {
     unsigned char bytes[16] = {1, 0, 2};
-    MOLTVARIANT blob = valueOf(tagBlob, bytes);
-    blob.payload.blob.length = 3;
-    const MOLTVARIANT block = valueOf(tagBlock, bytes);
+    MOLTVARIANT values[] = {valueOf(tagBlock, bytes), valueOf(tagBlob, bytes)};
+    values[1].payload.blob.length = 3;
     tarnPrintData data;
     data.storeData(1, &marker, printMultiData, 0);
     const _MultiPrintStruct row = rowOf(1);
-    for (const MOLTVARIANT* value : {&block, const_cast<const MOLTVARIANT*>(&blob)}) {
-        data.storeData(2, value, printBullet, 0);
-        data.storeMultiData(&row, value);
-    }
+    for (const MOLTVARIANT& value : values)
+        data.storeData(2, &value, printBullet, 0), data.storeMultiData(&row, &value);
     data.storeData(3, nullptr, 0, 0);
     EXPECT_NE(data.getPrintData(1)->value.payload.block, bytes);
     EXPECT_EQ(data.getMultiPrintData(1, 0)->value.payload.block, bytes);
