@@ -26,10 +26,12 @@ struct PlainArray {
         slots.pop_back();
         slots.insert(slots.begin() + static_cast<std::ptrdiff_t>(index), item);
     }
-    void removeAt(std::size_t index) {
-        if (index >= slots.size()) return;
+    std::int32_t removeAt(std::size_t index) {
+        if (index >= slots.size()) return 0;
+        const std::int32_t removed = slots[index];
         slots.erase(slots.begin() + static_cast<std::ptrdiff_t>(index));
         slots.push_back(0);
+        return removed;
     }
     void setAt(std::size_t index, std::int32_t item) {
         if (index >= slots.size()) slots.resize(index < slots.size() + 16 ? slots.size() + 16 : index + 16);
@@ -46,21 +48,15 @@ TEST(ArrayTest, ReadsAndCapacitiesAreThoseOfThePlainForm) {
         const auto index =
             static_cast<std::int32_t>(random() % (plain.slots.size() + (step % 7 == 0 ? 16 : 0)));
         const auto place = static_cast<std::size_t>(index);
-        switch (plain.slots.size() > 600 ? 9 : random() % 4) {
-            case 0:
-                array.insertAt(item, index);
-                plain.insertAt(item, place);
-                break;
-            case 1:
-                array.setAt(index, item);
-                plain.setAt(place, item);
-                break;
-            default: {
-                const std::int32_t expected = place < plain.slots.size() ? plain.slots[place] : 0;
-                ASSERT_EQ(array.removeAt(index), expected);
-                plain.removeAt(place);
-                break;
-            }
+        const auto work = plain.slots.size() > 600 ? 9 : random() % 4;
+        if (work == 0) {
+            array.insertAt(item, index);
+            plain.insertAt(item, place);
+        } else if (work == 1) {
+            array.setAt(index, item);
+            plain.setAt(place, item);
+        } else {
+            ASSERT_EQ(array.removeAt(index), plain.removeAt(place));
         }
         ASSERT_EQ(Cells(array.data, array.data + array.capacity), plain.slots);
     }
@@ -111,29 +107,22 @@ TEST(NodeListTest, RandomWorkMatchesAModelOfKeysInOrderOfArrival) {
     for (int step = 0; step < 30'000; ++step) {
         const auto key = static_cast<std::int32_t>(random() % 200) - 20;
         const auto place = std::lower_bound(model.begin(), model.end(), key);
-        switch (random() % 5) {
-            case 0:
-            case 1:
-                list.add(nullptr, key);
-                ASSERT_EQ(list.needsSort, 1);
-                model.insert(place, key);
-                break;
-            case 2: ASSERT_EQ(list.findInsertPosition(key), place - model.begin()); break;
-            case 3: {
-                nodeCell** const slot = list.find(key);
-                ASSERT_EQ(slot != nullptr, place != model.end() && *place == key);
-                if (slot != nullptr) {
-                    ASSERT_EQ(slot - list.cells, place - model.begin());
-                }
-                break;
-            }
-            default:
-                if (model.empty()) break;
-                list.sort();
-                list.removeCell(static_cast<std::int32_t>(static_cast<std::size_t>(key + 20) % model.size()));
-                model.erase(model.begin() +
-                            static_cast<std::ptrdiff_t>(static_cast<std::size_t>(key + 20) % model.size()));
-                break;
+        const auto work = random() % 5;
+        if (work < 2) {
+            list.add(nullptr, key);
+            ASSERT_EQ(list.needsSort, 1);
+            model.insert(place, key);
+        } else if (work == 2) {
+            ASSERT_EQ(list.findInsertPosition(key), place - model.begin());
+        } else if (work == 3) {
+            const bool found = place != model.end() && *place == key;
+            nodeCell** const slot = list.find(key);
+            ASSERT_EQ(slot, found ? list.cells + (place - model.begin()) : nullptr);
+        } else if (!model.empty()) {
+            const std::int32_t position = (key + 20) % static_cast<std::int32_t>(model.size());
+            list.sort();
+            list.removeCell(position);
+            model.erase(model.begin() + position);
         }
         if (list.needsSort == 0) {
             ASSERT_EQ(keysOf(list), model);
@@ -164,19 +153,19 @@ TEST(NodeListTest, KeysThatWrapAreSortedAnew) {
 
 TEST(NodeListTest, ComparisonFollowsTheKeyTypeOfTheFirstCell) {
     const auto compare = [](nodeCell a, nodeCell b) {
-        const nodeCell* first = &a;
-        const nodeCell* second = &b;
+        const nodeCell *first = &a, *second = &b;
         return binarySearchCompare(&first, &second);
     };
-    const auto textCell = [](const char* key, std::int32_t type) {
-        nodeCell cell{nullptr, {}, type};
-        cell.key.text = key;
-        return cell;
+    const auto compareTexts = [&](const char* a, const char* b, std::int32_t type) {
+        nodeCell first{nullptr, {}, type}, second{nullptr, {}, type};
+        first.key.text = a;
+        second.key.text = b;
+        return compare(first, second);
     };
-    EXPECT_EQ(compare(textCell("AB", 2), textCell("AC", 2)), -1);
-    EXPECT_EQ(compare(textCell("\xFF", 2), textCell("A", 2)), 1);
-    EXPECT_EQ(compare(textCell("AB", 2), textCell("AB", 2)), 0);
-    EXPECT_EQ(compare(textCell("AB", 0), textCell("AC", 0)), 0);
+    EXPECT_EQ(compareTexts("AB", "AC", 2), -1);
+    EXPECT_EQ(compareTexts("\xFF", "A", 2), 1);
+    EXPECT_EQ(compareTexts("AB", std::string("AB").c_str(), 2), 0);
+    EXPECT_EQ(compareTexts("AB", "AC", 0), 0);
     EXPECT_EQ(compare({nullptr, {3}, 1}, {nullptr, {10}, 1}), -7);
     EXPECT_EQ(compare({nullptr, {INT32_MIN}, 1}, {nullptr, {1}, 1}), INT32_MAX);  // the difference wraps
 }

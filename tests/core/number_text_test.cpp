@@ -20,18 +20,12 @@ std::uint64_t bitsOf(double number) {
     return bits;
 }
 
-std::string randomText(std::mt19937& random, std::string_view alphabet) {
-    std::string text(random() % 14, ' ');
-    for (char& c : text) c = alphabet[random() % alphabet.size()];
-    return text;
-}
-
 #if !defined(_WIN32)  // its older C library reads and writes some of these in a way of its own
 TEST(NumberTextTest, ReadingAgreesWithTheCLibrary) {
     std::mt19937 random(4);
     for (int i = 0; i < 300'000; ++i) {
         const std::string text =
-            randomText(random, i % 2 == 0 ? "0123456789.e-+ " : "019.eExXpP-+ \tinfaINFNA,/");
+            tarntest::randomText(random, i % 2 == 0 ? "0123456789.e-+ " : "019.eExXpP-+ \tinfaINFNA,/", 13);
         const double expected = std::strtod(text.c_str(), nullptr);
         const double number = tarn::readDouble(text.c_str());
         ASSERT_TRUE(bitsOf(number) == bitsOf(expected) || (std::isnan(number) && std::isnan(expected)))
@@ -101,43 +95,31 @@ int plainPrice(const std::string& text, double& number) {
             kept += c;
         }
     }
-    kept.erase(0,
-               kept.find_first_not_of(' ') == std::string::npos ? kept.size() : kept.find_first_not_of(' '));
-    kept.erase(kept.find_last_not_of(' ') + 1);
-    kept = sign + kept;
-    const auto slash = kept.find('/');
-    const auto blank = kept.find(' ');
-    const auto read = [](const std::string& part) {
+    kept.erase(0, std::min(kept.find_first_not_of(' '), kept.size()));
+    kept = sign + kept.erase(kept.find_last_not_of(' ') + 1);
+    const auto read = [&](std::size_t start) {
         char* end = nullptr;
-        const double value = std::strtod(part.c_str(), &end);
-        return end == part.c_str() ? 0.0 : value;  // some libraries keep the sign of a missing number
+        const double value = std::strtod(&kept[start], &end);
+        return end == &kept[start] ? 0.0 : value;  // some libraries keep the sign of a missing number
     };
-    if (slash == std::string::npos) {
-        if (blank != std::string::npos) return 0;
-        number = read(kept);
-        return 1;
-    }
-    if (blank == std::string::npos && kept.find('.') != std::string::npos) return 0;
-    const double below = read(kept.substr(
-        slash + 1, blank != std::string::npos && blank > slash ? blank - slash - 1 : std::string::npos));
-    const double above =
-        read(blank == std::string::npos
-                 ? kept.substr(0, slash)
-                 : kept.substr(blank + 1, blank < slash ? slash - blank - 1 : std::string::npos));
+    const auto none = std::string::npos, slash = kept.find('/'), blank = kept.find(' ');
+    if (slash == none && blank == none) number = read(0);
+    if (slash == none) return blank == none ? 1 : 0;
+    if (blank == none && kept.find('.') != none) return 0;
+    kept[slash] = '\0';
+    if (blank != none) kept[blank] = '\0';
+    const double below = read(slash + 1), above = read(blank == none ? 0 : blank + 1);
     if (above == 0 || below == 0) return 0;
-    const double whole = blank == std::string::npos ? 0 : read(kept.substr(0, std::min(blank, slash)));
-    number = blank == std::string::npos ? above / below
-             : whole < 0                ? whole - above / below
-                                        : whole + above / below;
+    const double whole = blank == none ? 0 : read(0), fraction = above / below;
+    number = blank == none ? fraction : whole < 0 ? whole - fraction : whole + fraction;
     return 1;
 }
 
 TEST(PriceTest, FastAndPlainReadingAgree) {
     std::mt19937 random(6);
+    constexpr const char* alphabets[] = {"0123456789.", "0123 ./,-+", "12 /-.a"};
     for (int i = 0; i < 400'000; ++i) {
-        const std::string text = randomText(random, i % 3 == 0   ? "0123456789."
-                                                    : i % 3 == 1 ? "0123 ./,-+"
-                                                                 : "12 /-.a");
+        const std::string text = tarntest::randomText(random, alphabets[i % 3], 13);
         double number = 77;
         double expected = 77;
         ASSERT_EQ(convertToDouble(text.c_str(), number), plainPrice(text, expected)) << text;
@@ -147,35 +129,30 @@ TEST(PriceTest, FastAndPlainReadingAgree) {
 
 TEST(PriceTest, PricesAsScreensShowThem) {
     constexpr double refused = 77;
-    const std::string longFraction = std::string(300, ' ') + "12 1/2" + std::string(300, ' ');
-    const struct {
-        const char* text;
-        double number;
-    } rows[] = {{"1,234.50", 1234.5},
-                {"12 1/2", 12.5},
-                {"-12 1/2", -12.5},
-                {"1/2", 0.5},
-                {"-1/2", -0.5},
-                {"1.5/2", refused},
-                {"12 3", refused},
-                {"1.2.3", refused},
-                {"1/2/3", refused},
-                {"abc", refused},
-                {"1/0", refused},
-                {"0/5", refused},
-                {"0 1/2", 0.5},
-                {"  7  ", 7},
-                {"", 0},
-                {"5-", -5},
-                {nullptr, 0},
-                {"3/4 5", 4.25},
-                {"-+5", 5},
-                {"0.1234567890123456789", 0.1234567890123456789},
-                {longFraction.c_str(), 12.5}};
-    for (const auto& row : rows) {
+    const std::string blanks(300, ' '), longFraction = blanks + "12 1/2" + blanks;
+    for (const auto& [text, expected] : std::initializer_list<std::pair<const char*, double>>{
+             {"1,234.50", 1234.5},
+             {"-12 1/2", -12.5},
+             {"-1/2", -0.5},
+             {"1.5/2", refused},
+             {"12 3", refused},
+             {"1.2.3", refused},
+             {"1/2/3", refused},
+             {"abc", refused},
+             {"1/0", refused},
+             {"0/5", refused},
+             {"0 1/2", 0.5},
+             {"  7  ", 7},
+             {"", 0},
+             {"5-", -5},
+             {nullptr, 0},
+             {"-+5", 5},
+             {"3/4 5", 4.25},
+             {"0.1234567890123456789", 0.1234567890123456789},
+             {longFraction.c_str(), 12.5}}) {
         double number = refused;
-        EXPECT_EQ(convertToDouble(row.text, number), row.number == refused ? 0 : 1);
-        EXPECT_EQ(number, row.number) << (row.text == nullptr ? "NULL" : row.text);
+        EXPECT_EQ(convertToDouble(text, number), expected == refused ? 0 : 1);
+        EXPECT_EQ(number, expected) << (text == nullptr ? "NULL" : text);
     }
 }
 

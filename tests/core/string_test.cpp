@@ -1,8 +1,8 @@
 // Texts and buffers: core/string.h, core/string.cpp, core/buffer.cpp.
 
+#include <algorithm>
 #include <memory>
 #include <random>
-#include <vector>
 
 #include "core/string.h"
 #include "tests/support.h"
@@ -12,14 +12,11 @@ namespace {
 using Text = std::unique_ptr<char[]>;
 
 TEST(StringTest, PricesAreCheckedAsTyped) {
-    const struct {
-        const char* text;
-        int valid;
-    } rows[] = {{"", 1},      {"12 1/2", 1}, {"12.50", 1},  {"1/3", 0},  {"1/256", 1},
-                {"1/512", 0}, {"1/1024", 0}, {"1/0", 0},    {"1/", 1},   {"1.5/8", 0},
-                {"1/8.5", 0}, {"-1", 0},     {"1/ 8", 1},   {"1. 5", 1}, {"1/2/4", 0},
-                {"1.2.3", 0}, {"1/008", 1},  {"1/0008", 0}, {"a", 0},    {"12 ", 1}};
-    for (const auto& row : rows) EXPECT_EQ(tarnString(row.text).isValidPrice(), row.valid) << row.text;
+    for (const char* text : {"", "12 1/2", "12.50", "1/256", "1/", "1/ 8", "1. 5", "1/008", "12 "})
+        EXPECT_EQ(tarnString(text).isValidPrice(), 1) << text;
+    for (const char* text :
+         {"1/3", "1/512", "1/1024", "1/0", "1.5/8", "1/8.5", "-1", "1/2/4", "1.2.3", "1/0008", "a"})
+        EXPECT_EQ(tarnString(text).isValidPrice(), 0) << text;
 }
 
 TEST(StringTest, NumbersTakeTheirToldDecimals) {
@@ -102,37 +99,37 @@ TEST(StringTest, FillersAndBlanksAreCut) {
 }
 
 TEST(StringTest, TrailingZerosGoButAPointKeepsOne) {
-    const struct {
-        const char *text, *stripped;
-    } rows[] = {{"0", ""},          {"   ", ""},    {"12.50  ", "12.5"}, {"12.", "12.0"},
-                {"12.000", "12.0"}, {"1200", "12"}, {".", ".0"}};
-    for (const auto& row : rows) {
+    for (const auto& [text, stripped] : {std::pair("0", ""),
+                                         {"   ", ""},
+                                         {"12.50  ", "12.5"},
+                                         {"12.", "12.0"},
+                                         {"12.000", "12.0"},
+                                         {"1200", "12"},
+                                         {".", ".0"}}) {
         char buffer[16];
-        std::snprintf(buffer, sizeof buffer, "%s", row.text);
+        std::snprintf(buffer, sizeof buffer, "%s", text);
         stripTrailZeros(buffer);
-        EXPECT_STREQ(buffer, row.stripped);
+        EXPECT_STREQ(buffer, stripped);
     }
 }
 
 TEST(StringTest, CopiesStopAtTheLengthAndAtTheTerminator) {
     EXPECT_STREQ(Text(newstr("abcdef", 3)).get(), "abc");
-    const Text longer(newstr("ab", 5));
-    EXPECT_EQ(std::string(longer.get(), 6), std::string("ab\0\0\0\0", 6));
+    EXPECT_EQ(std::string(Text(newstr("ab", 5)).get(), 6), std::string("ab\0\0\0\0", 6));
     EXPECT_STREQ(Text(newstr(static_cast<const char*>(nullptr))).get(), "");
     EXPECT_STREQ(Text(newstr(nullptr, 0)).get(), "");
 }
 
 // The buffer as it is told: capacity in steps of 4096, a new block zeroed.
 struct PlainBuffer {
-    std::vector<unsigned char> block;
+    std::string block;
     std::size_t length = 0;
 
-    explicit PlainBuffer(std::size_t capacity) : block(capacity) {}
     void grow(std::size_t needed) {
         const std::size_t before = block.size();
-        while (block.size() < needed) block.resize(block.size() + 4096);
-        if (block.size() != before)
-            std::fill(block.begin() + static_cast<std::ptrdiff_t>(length), block.end(), std::uint8_t{0});
+        if (needed <= before) return;
+        block.resize(length);
+        block.resize(before + (needed - before + 4095) / 4096 * 4096);
     }
 };
 
@@ -141,55 +138,42 @@ TEST(BufferTest, RandomWorkMatchesThePlainForm) {
     for (int round = 0; round < 40; ++round) {
         const auto capacity = static_cast<std::int32_t>(random() % 20);
         tarnBuffer buffer(capacity);
-        PlainBuffer plain(static_cast<std::size_t>(capacity));
+        PlainBuffer plain{std::string(static_cast<std::size_t>(capacity), '\0')};
         for (int step = 0; step < 60; ++step) {
-            const auto count = static_cast<std::int32_t>(random() % 3000);
-            const std::vector<unsigned char> bytes(static_cast<std::size_t>(count),
-                                                   static_cast<unsigned char>(1 + step));
-            const auto at = static_cast<std::ptrdiff_t>(random() % (plain.length + 1));
-            const auto put = [&](std::ptrdiff_t place) {
-                std::copy(bytes.begin(), bytes.end(), plain.block.begin() + place);
-            };
-            switch (random() % 5) {
-                case 0:
-                    buffer.append(bytes.data(), count);
-                    plain.grow(plain.length + bytes.size());
-                    put(static_cast<std::ptrdiff_t>(plain.length));
-                    plain.length += bytes.size();
-                    break;
-                case 1:
-                    buffer.assign(bytes.data(), count);
-                    if (bytes.size() > plain.block.size()) plain.length = 0;
-                    plain.grow(bytes.size());
-                    put(0);
-                    plain.length = bytes.size();
-                    break;
-                case 2:
-                    buffer.replace(bytes.data(), static_cast<std::int32_t>(at), count);
-                    if (static_cast<std::size_t>(at) + bytes.size() <= plain.length) put(at);
-                    break;
-                case 3: {
-                    buffer.prepend(bytes.data(), count);
-                    plain.grow(plain.length + bytes.size());
-                    std::vector<unsigned char> block(plain.block.size());
-                    std::copy_n(plain.block.begin(), plain.length,
-                                std::copy(bytes.begin(), bytes.end(), block.begin()));
-                    plain.block = block;
-                    plain.length += bytes.size();
-                    break;
-                }
-                default: {
-                    buffer.removeRange(static_cast<std::int32_t>(at), count);
-                    const auto cut = std::min(bytes.size(), plain.length - static_cast<std::size_t>(at));
-                    std::copy(plain.block.begin() + at + static_cast<std::ptrdiff_t>(cut),
-                              plain.block.begin() + static_cast<std::ptrdiff_t>(plain.length),
-                              plain.block.begin() + at);
-                    plain.length -= cut;
-                    break;
-                }
+            const std::string bytes(random() % 3000, static_cast<char>(1 + step));
+            const auto count = static_cast<std::int32_t>(bytes.size());
+            const std::size_t at = random() % (plain.length + 1), all = plain.length + bytes.size();
+            const auto work = random() % 5;
+            if (work == 0) {
+                buffer.append(bytes.data(), count);
+                plain.grow(all);
+                plain.block.replace(plain.length, bytes.size(), bytes);
+                plain.length = all;
+            } else if (work == 1) {
+                buffer.assign(bytes.data(), count);
+                if (bytes.size() > plain.block.size()) plain.length = 0;
+                plain.grow(bytes.size());
+                plain.block.replace(0, bytes.size(), bytes);
+                plain.length = bytes.size();
+            } else if (work == 2) {
+                buffer.replace(bytes.data(), static_cast<std::int32_t>(at), count);
+                if (at + bytes.size() <= plain.length) plain.block.replace(at, bytes.size(), bytes);
+            } else if (work == 3) {
+                buffer.prepend(bytes.data(), count);
+                plain.grow(all);
+                const std::size_t size = plain.block.size();
+                plain.block = bytes + plain.block.substr(0, plain.length);
+                plain.block.resize(size);
+                plain.length = all;
+            } else {
+                buffer.removeRange(static_cast<std::int32_t>(at), count);
+                const std::size_t cut = std::min(bytes.size(), plain.length - at);
+                const std::string rest = plain.block.substr(at + cut, plain.length - at - cut);
+                plain.block.replace(at, rest.size(), rest);
+                plain.length -= cut;
             }
             ASSERT_EQ(static_cast<std::size_t>(buffer.length), plain.length);
-            ASSERT_EQ(std::vector<unsigned char>(buffer.data, buffer.data + buffer.capacity), plain.block);
+            ASSERT_EQ(std::string(buffer.data, buffer.data + buffer.capacity), plain.block);
         }
     }
 }

@@ -1,7 +1,6 @@
 // Files of the record: engine/text_file.cpp, engine/indexed_file.cpp, engine/record_loader.cpp.
 
 #include <random>
-#include <vector>
 
 #include "engine/engine_data.h"
 #include "tests/support.h"
@@ -35,30 +34,25 @@ void fillRecord(tarnEngineData& record, std::int32_t rows) {
     }
 }
 
-// What a record without anything holds after loading a text: "fields | column: row=value ...".
-std::string loaded(const std::string& content, eLoadType mode, std::int32_t rows, int& result) {
-    const TemporaryFolder folder;
-    fill(folder.file("a.txt"), content);
-    tarnEngineData record;
-    if (rows >= 0) fillRecord(record, rows);
-    result = record.loadData(folder.file("a.txt").c_str(), mode);
+std::string textOf(const MOLTVARIANT* value) {
+    tarnString string;
+    string.assign(value);
+    return string.text;
+}
+
+// What a record holds: "field=value column[row:value,...] rows".
+std::string shown(tarnEngineData& record) {
     std::string out;
     for (std::int32_t i = 0; i < record.fields->count; ++i) {
         const std::int32_t id = record.getId(i);
-        out += std::to_string(id) + (record.isMulti(i) != 0 ? "[" : "=");
-        if (record.isMulti(i) == 0) {
-            tarnString value;
-            value.assign(record.fields->values->getAt(i));
-            out += value.text;
-        }
-        for (std::int32_t row = 0; record.isMulti(i) != 0 && row < record.getNumMulti(); ++row) {
+        const bool column = record.isMulti(i) != 0;
+        out += std::to_string(id) + (column ? "[" : "=" + textOf(record.fields->values->getAt(i)));
+        for (std::int32_t row = 0; column && row < record.getNumMulti(); ++row) {
             MOLTVARIANT cell;
             if (record.getMultiData(id, row, &cell) < 0) continue;
-            tarnString value;
-            value.assign(&cell);
-            out += std::to_string(row) + ":" + value.text + ",";
+            out += std::to_string(row) + ":" + textOf(&cell) + ",";
         }
-        out += record.isMulti(i) != 0 ? "] " : " ";
+        out += column ? "] " : " ";
     }
     return out + std::to_string(record.getNumMulti());
 }
@@ -103,10 +97,13 @@ TEST(RecordFilesTest, TextFilesMeetWhatTheRecordHolds) {
         {"", loadAppend, 1, 0, "1=old 7[0:0,] 1"},
         {std::string("#1^101|15|A\0^#0|0^", 18), loadReplace, fresh, 0, "101=A 0"},
     };
+    const TemporaryFolder folder;
     for (const auto& row : rows) {
-        int result = -1;
-        EXPECT_EQ(loaded(row.content, row.mode, row.rows, result), row.outcome) << row.content;
-        EXPECT_EQ(result, row.result) << row.content;
+        fill(folder.file("a.txt"), row.content);
+        tarnEngineData record;
+        if (row.rows >= 0) fillRecord(record, row.rows);
+        EXPECT_EQ(record.loadData(folder.file("a.txt").c_str(), row.mode), row.result) << row.content;
+        EXPECT_EQ(shown(record), row.outcome) << row.content;
     }
 }
 
@@ -147,7 +144,6 @@ TEST(RecordFilesTest, ASavedRecordLoadsEqualWithItsGaps) {
     EXPECT_EQ(record.saveData(name.c_str()), 1);
     EXPECT_EQ(record.loadData(name.c_str(), loadReplace), 1);
     EXPECT_EQ(record.isEmpty(), 1);
-
     fillRecord(record, 4);
     const Owned list = tarntest::listOf();
     record.removeMultiData(7, 1);
@@ -155,49 +151,34 @@ TEST(RecordFilesTest, ASavedRecordLoadsEqualWithItsGaps) {
     record.storeMultiData(8, 0, &list, 0);
     record.storeData(-5, &list);
     ASSERT_EQ(record.saveData(name.c_str()), 1);
+    // Empty cells leave gaps, a column without any other cell isn't made, a list has no form in a file.  The
+    // inserted rows are 0, 2 and 3, where the file has cells.
     tarnEngineData loaded;
-    ASSERT_EQ(loaded.loadData(name.c_str(), loadAppend), 1);
-    // Empty cells of a file leave gaps, a column without any other cell isn't made, and a list has no form in
-    // a file.
-    const MOLTVARIANT empty;
-    record.removeMultiData(7, 1);
-    tarnEngineData expected;
-    fillRecord(expected, 4);
-    expected.removeMultiData(7, 1);
-    expected.storeData(-5, &empty);
-    EXPECT_EQ(loaded.getNumMulti(), 4);
+    for (const auto& [mode, outcome] :
+         {std::pair(loadAppend, "1=old -5= 7[0:0,2:2,3:3,] 4"),
+          std::pair(loadAppend, "1=old -5= 7[0:0,2:2,3:3,4:0,6:2,7:3,] 8"),
+          std::pair(loadInsert, "1=old -5= 7[0:0,1:0,2:2,3:3,5:2,6:3,7:0,9:2,10:3,] 11")}) {
+        ASSERT_EQ(loaded.loadData(name.c_str(), mode), 1);
+        EXPECT_EQ(shown(loaded), outcome);
+    }
     MOLTVARIANT out;
-    EXPECT_EQ(loaded.getMultiData(7, 1, &out), -1);
-    EXPECT_EQ(loaded.getMultiData(8, 0, &out), -1);
     EXPECT_EQ(loaded.getData(-5, &out), 1);
     EXPECT_EQ(out.tag, tagEmpty);
-
-    ASSERT_EQ(loaded.loadData(name.c_str(), loadAppend), 1);
-    EXPECT_EQ(loaded.getNumMulti(), 8);
-    EXPECT_EQ(loaded.getMultiData(7, 6, &out), 2);
-    EXPECT_EQ(out.payload.longValue, 2);
-    ASSERT_EQ(loaded.loadData(name.c_str(), loadInsert), 1);
-    // Column 7 has cells in rows 0, 2 and 3 of the file: three new rows, inserted at 0, 2 and 3.
-    EXPECT_EQ(loaded.getNumMulti(), 11);
-    EXPECT_EQ(loaded.getMultiData(7, 1, &out), 2);
-    EXPECT_EQ(out.payload.longValue, 0);
 }
 
 TEST(RecordFilesTest, WhatCantBeReadOrWrittenAnswersZero) {
     const TemporaryFolder folder;
-    const std::string here = folder.path().string();
+    const std::string here = folder.path().string(), missing = folder.file("missing"),
+                      mark = folder.file("a.dat");
     tarnEngineData record;
     fillRecord(record, 1);
-    EXPECT_EQ(record.loadData(folder.file("missing").c_str(), loadReplace), 0);
-    EXPECT_EQ(record.loadData(here.c_str(), loadReplace), 0);
-    EXPECT_EQ(record.loadData(nullptr, loadReplace), 0);
-    EXPECT_EQ(record.saveData(here.c_str()), 0);
-    EXPECT_EQ(record.saveData(nullptr), 0);
+    for (const char* name : {missing.c_str(), here.c_str(), static_cast<const char*>(nullptr)})
+        EXPECT_EQ(record.loadData(name, loadReplace), 0);
+    EXPECT_EQ(record.saveData(here.c_str()) + record.saveData(nullptr), 0);
+    fill(mark, "@");
+    EXPECT_EQ(record.loadData(mark.c_str(), loadAppend), 1);
     EXPECT_EQ(record.getNumMulti(), 1);  // nothing was emptied
-    fill(folder.file("a.dat"), "@");
-    EXPECT_EQ(record.loadData(folder.file("a.dat").c_str(), loadAppend), 1);
-    EXPECT_EQ(record.getNumMulti(), 1);
-    EXPECT_EQ(record.loadData(folder.file("a.dat").c_str(), loadReplace), 1);
+    EXPECT_EQ(record.loadData(mark.c_str(), loadReplace), 1);
     EXPECT_EQ(record.isEmpty(), 1);
 }
 

@@ -5,7 +5,6 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
-#include <string>
 
 #include "platform/win32.h"
 #include "tests/support.h"

@@ -45,15 +45,13 @@ const MOLTVARIANT empty;
 
 TEST(IndexDataFileTest, RecordsKeepTheirFirstRepeatsAndOnlyGrow) {
     tarnIndexDataFile file;
-    file.addIndexRecord(1, 0, 3);
-    file.addIndexRecord(1, 0, 9);
+    for (const std::int32_t repeats : {3, 9}) file.addIndexRecord(1, 0, repeats);
     file.addIndexRecord(1, 1, -4);
-    EXPECT_EQ(file.getNumberRepeats(1, 0), 3);
-    EXPECT_EQ(file.getNumberRepeats(1, 1), -4);
-    EXPECT_EQ(file.getNumberRepeats(2, 0), 0);
     EXPECT_EQ(file.updateIndexRecord(1, 0, 2), 1);
     EXPECT_EQ(file.updateIndexRecord(2, 0, 2), 0);
     EXPECT_EQ(file.getNumberRepeats(1, 0), 3);
+    EXPECT_EQ(file.getNumberRepeats(1, 1), -4);
+    EXPECT_EQ(file.getNumberRepeats(2, 0), 0);
     EXPECT_EQ(file.addDataRecord(1, 0, 3, "x"), 1);
     EXPECT_EQ(describeValue(file, 1, 0, 3), "NULL");
     EXPECT_EQ(describeValue(file, 1, 0, 2), describe(&empty));
