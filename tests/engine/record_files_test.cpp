@@ -57,53 +57,35 @@ std::string shown(tarnEngineData& record) {
     return out + std::to_string(record.getNumMulti());
 }
 
+constexpr char textFiles[] =
+#include "tests/engine/text_files.txt"
+    ;
+
 TEST(RecordFilesTest, TextFilesMeetWhatTheRecordHolds) {
-    const std::string one = example;
-    constexpr std::int32_t fresh = -1;
-    const struct {
-        std::string content;
-        eLoadType mode;
-        std::int32_t rows;
-        int result;
-        const char* outcome;
-    } rows[] = {
-        {one, loadReplace, 3, 1, "101=ABC 102=25 7[0:1.5,1:2.5,] 8[0:X,1:Y,] 2"},
-        {one, loadAppend, fresh, 1, "101=ABC 102=25 7[0:1.5,1:2.5,] 8[0:X,1:Y,] 2"},
-        {one, loadAppend, 3, 1, "1=old 7[0:0,1:1,2:2,3:1.5,4:2.5,] 8[3:X,4:Y,] 5"},
-        {one, loadInsert, 3, 1, "1=old 7[0:1.5,1:2.5,2:0,3:1,4:2,] 8[0:X,1:Y,] 5"},
-        {one.substr(0, one.size() - 1), loadReplace, fresh, 1, "101=ABC 102=25 7[0:1.5,1:2.5,] 8[0:X,] 2"},
-        {one + "\r\n", loadReplace, fresh, 1, "101=ABC 102=25 7[0:1.5,1:2.5,] 8[0:X,1:Y,] 2"},
-        {"^^" + one + "^^", loadReplace, fresh, 1, "101=ABC 102=25 7[0:1.5,1:2.5,] 8[0:X,1:Y,] 2"},
-        {"#0^#0|9^7|5|1^", loadReplace, fresh, 1, "7[0:1.0,] 1"},
-        {"#0^#0|2147483647^", loadReplace, fresh, 1, "0"},
-        {"#0^#0|1^7|5|1^7|5|2^", loadReplace, fresh, 1, "7[0:1.0,] 1"},
-        {"#0^#0|2^7|15|a^8|15|b^8|15|c^7|15|d^70|15|e^", loadReplace, fresh, 1,
-         "7[0:a,1:d,] 8[0:c,] 70[1:e,] 2"},
-        {"#0^#0|2^7|15|a^8|15|b^8|15|c^7|15|d^8|15|e^", loadInsert, fresh, 1,
-         "7[0:a,1:d,] 8[0:c,1:e,2:b,] 3"},
-        {"#1^101|15|a|b\n|^#0|0^", loadReplace, fresh, 1, "101=a|b\n| 0"},
-        {"#8^1|2|70000^2|3|9x^3|4|1.5^4|5|-2^5|12|Az^6|21|5^7|99|x^8||^#0|0^", loadReplace, fresh, 1,
-         "1=4464 2=9 3=1.5 4=-2.0 5=A 6=5 7= 8= 0"},
-        {"#3^101|15|ABC^#0|1^7|5|1^", loadReplace, fresh, 0, "101=ABC 0"},
-        {"#1^101|15|ABC^", loadReplace, fresh, 0, "101=ABC 0"},
-        {"#1^101|15|ABC^0|1^", loadReplace, fresh, 0, "101=ABC 0"},
-        {"#0^#1^", loadReplace, fresh, 0, "0"},
-        {"#0^#0|2^7|5|1^7|5^", loadReplace, fresh, 0, "7[0:1.0,] 1"},
-        {"#0^#0|2^7|5|1^7x", loadInsert, 2, 1, "1=old 7[0:1.0,1:0,2:1,] 3"},
-        {"#9^", loadAppend, 1, 0, "1=old 7[0:0,] 1"},
-        {"#2147483647", loadAppend, 1, 0, "1=old 7[0:0,] 1"},
-        {"x" + one, loadReplace, 2, 0, "0"},
-        {"x" + one, loadAppend, 1, 0, "1=old 7[0:0,] 1"},
-        {"", loadAppend, 1, 0, "1=old 7[0:0,] 1"},
-        {std::string("#1^101|15|A\0^#0|0^", 18), loadReplace, fresh, 0, "101=A 0"},
-    };
     const TemporaryFolder folder;
-    for (const auto& row : rows) {
-        fill(folder.file("a.txt"), row.content);
+    std::istringstream lines(textFiles);
+    for (std::string line; std::getline(lines, line);) {
+        const std::size_t first = line.find(" -> "), second = line.find(" -> ", first + 1);
+        if (line.empty() || line[0] == '#') continue;
+        std::string content;
+        for (const char c : line.substr(first + 4, second - first - 4)) {
+            content += c == '@' ? example
+                                : std::string(1, c == '~'   ? '\r'
+                                                 : c == '!' ? '\n'
+                                                 : c == '%' ? '\0'
+                                                            : c);
+        }
+        fill(folder.file("a.txt"), content);
+        const std::vector<std::string> head = tarntest::split(line.substr(0, first), ' ');
+        const eLoadType mode = head[0] == "append"   ? loadAppend
+                               : head[0] == "insert" ? loadInsert
+                                                     : loadReplace;
         tarnEngineData record;
-        if (row.rows >= 0) fillRecord(record, row.rows);
-        EXPECT_EQ(record.loadData(folder.file("a.txt").c_str(), row.mode), row.result) << row.content;
-        EXPECT_EQ(shown(record), row.outcome) << row.content;
+        if (head[1] != "-") fillRecord(record, std::stoi(head[1]));
+        EXPECT_EQ(std::to_string(record.loadData(folder.file("a.txt").c_str(), mode)), head[2]) << line;
+        std::string outcome = shown(record);
+        std::replace(outcome.begin(), outcome.end(), '\n', '!');
+        EXPECT_EQ(outcome, line.substr(second + 4));
     }
 }
 
