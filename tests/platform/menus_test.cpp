@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr auto none = static_cast<UINT>(-1);
+constexpr UINT none = ~0U;
 
 void addItem(HMENU menu, UINT id) {
     ASSERT_TRUE(AppendMenuA(menu, MF_OWNERDRAW, id, reinterpret_cast<const char*>(ULONG_PTR{id} + 1000)));
@@ -33,9 +33,8 @@ std::string shape(HMENU menu) {
     std::string text;
     for (int i = 0; i < GetMenuItemCount(menu); ++i) {
         const HMENU below = GetSubMenu(menu, i);
-        text += i == 0 ? "" : " ";
-        text += below == nullptr ? std::to_string(static_cast<int>(GetMenuItemID(menu, i)))
-                                 : "[" + shape(below) + "]";
+        const int id = static_cast<int>(GetMenuItemID(menu, i));
+        text += (i == 0 ? "" : " ") + (below == nullptr ? std::to_string(id) : "[" + shape(below) + "]");
     }
     return text;
 }
