@@ -22,7 +22,8 @@ struct Canvas {
     HGDIOBJ first;
 
     explicit Canvas(HBITMAP shown) : bitmap(shown), first(SelectObject(context, shown)) {}
-    Canvas(int width, int height) : Canvas(CreateCompatibleBitmap(GetDC(nullptr), width, height)) {}
+    Canvas(int width, int height)
+        : bitmap(CreateCompatibleBitmap(screen, width, height)), first(SelectObject(context, bitmap)) {}
     ~Canvas() {
         SelectObject(context, first);
         EXPECT_TRUE(DeleteObject(bitmap) && DeleteDC(context) && ReleaseDC(nullptr, screen) == 1);
