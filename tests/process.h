@@ -2,8 +2,11 @@
 
 // Child processes for tests of what processes do to each other; not on Windows.
 
+#if !defined(_WIN32)
+
 #include <gtest/gtest.h>
 #include <sys/ptrace.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -47,3 +50,5 @@ bool killedAtStop(int n, Work work) {
 }
 
 }  // namespace tarntest
+
+#endif

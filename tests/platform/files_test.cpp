@@ -2,25 +2,20 @@
 
 #include <algorithm>
 #include <atomic>
-#include <filesystem>
 #include <memory>
 #include <sstream>
-#include <string>
 #include <thread>
 
 #if !defined(_WIN32)
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
 
 #include <csignal>
 
-#include "platform/host.h"
 #include "tests/process.h"
 #endif
 
-#include "platform/win32.h"
 #include "tests/support.h"
 
 namespace {

@@ -1,16 +1,13 @@
 // Messages and modules: platform/messages.cpp, platform/modules.cpp, and the system's own on Windows.
 
 #include <cstring>
-#include <string>
 #include <utility>
 
-#include "platform/win32.h"
 #include "tests/support.h"
 
 #if !defined(_WIN32)
 #include <dlfcn.h>
 
-#include "platform/host.h"
 #endif
 
 namespace {
@@ -34,12 +31,11 @@ TEST(Modules, WhatCanNotBeLoadedSaysWhy) {
     const tarntest::TemporaryFolder folder;
     tarntest::fill(folder.file("text.dll"), "text");
     tarntest::fill(folder.file("text.so"), "text");
-    const std::pair<std::string, DWORD> rows[] = {{folder.file("missing.dll"), 126},
-                                                  {"tarn-none", 126},
-                                                  {"", 126},
-                                                  {folder.file("text"), 193},
-                                                  {folder.file("text.dll"), 193}};
-    for (const auto& [name, error] : rows)
+    for (const auto& [name, error] : {std::pair{folder.file("missing.dll"), 126U},
+                                      {"tarn-none", 126U},
+                                      {"", 126U},
+                                      {folder.file("text"), 193U},
+                                      {folder.file("text.dll"), 193U}})
         EXPECT_TRUE(LoadLibraryA(name.c_str()) == nullptr && GetLastError() == error) << name;
     SetErrorMode(0);
     EXPECT_EQ(SetErrorMode(SEM_NOOPENFILEERRORBOX), 0U);

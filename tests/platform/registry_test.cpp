@@ -4,18 +4,10 @@
 #include <numeric>
 #include <set>
 #include <sstream>
-#include <string>
 #include <tuple>
-#include <vector>
-
-#include "platform/win32.h"
-#include "tests/support.h"
-
-#if !defined(_WIN32)
-#include <sys/stat.h>
 
 #include "tests/process.h"
-#endif
+#include "tests/support.h"
 
 using namespace std::string_literals;
 using tarntest::onWindows;
@@ -99,13 +91,24 @@ TEST_F(Registry, OddPathsAndHandlesAnswerTheirCodes) {
     create(key, "A\\B\\C");
     create(key, "A", &closed);
     for (const LSTATUS expected : {0, 6}) EXPECT_EQ(RegCloseKey(closed), expected);
-    const std::pair<const char*, LSTATUS> opened[] = {
-        {"A\\B\\C", 0}, {"a\\\\b\\c\\\\", 0}, {"", 0},   {"None", 2}, {"None\\C", 2},
-        {"A/B", 2},     {"A\\B\\C ", 2},      {"..", 2}, {"\\A", 161}};
-    for (const auto& [name, code] : opened) EXPECT_EQ(open(key, name), code) << name;
-    const std::pair<const char*, LSTATUS> deleted[] = {
-        {"A\\B", 5}, {"A\\B\\C", 0}, {"A\\B\\C", 2}, {"\\A", 161}, {"A\\B\\", 0}, {"A", 0}, {nullptr, 87}};
-    for (const auto& [name, code] : deleted) EXPECT_EQ(RegDeleteKeyA(key, name), code);
+    for (const auto& [name, code] : {std::pair{"A\\B\\C", 0},
+                                     {"a\\\\b\\c\\\\", 0},
+                                     {"", 0},
+                                     {"None", 2},
+                                     {"None\\C", 2},
+                                     {"A/B", 2},
+                                     {"A\\B\\C ", 2},
+                                     {"..", 2},
+                                     {"\\A", 161}})
+        EXPECT_EQ(open(key, name), code) << name;
+    for (const auto& [name, code] : {std::pair{"A\\B", 5},
+                                     {"A\\B\\C", 0},
+                                     {"A\\B\\C", 2},
+                                     {"\\A", 161},
+                                     {"A\\B\\", 0},
+                                     {"A", 0},
+                                     {nullptr, 87}})
+        EXPECT_EQ(RegDeleteKeyA(key, name), code);
     for (const HKEY wrong : {closed, reinterpret_cast<HKEY>(std::uintptr_t{0x1234}), HKEY{}})
         EXPECT_TRUE(open(wrong, "B") == 6 && RegCloseKey(wrong) == 6);
     RegOpenKeyExA(key, "None", 0, KEY_ALL_ACCESS, &result);
@@ -136,15 +139,16 @@ TEST_F(Registry, ValuesKeepTheirBytesAndType) {
 
 TEST_F(Registry, BuffersThatAreTooSmallStayAndTellTheSize) {
     set("t", "abc", REG_SZ);
-    const std::tuple<const char*, DWORD, const char*> rows[] = {
-        {"t", 2, "234 1 3 ####"}, {"t", 3, "0 1 3 abc#"}, {"t", 4, "0 1 3 abc"}, {"none", 4, "2 0 4 ####"}};
     BYTE buffer[5];
-    for (const auto& [name, room, answer] : rows) {
+    for (const auto& [name, room, answer] : {std::tuple{"t", 2U, "234 1 3 ####"},
+                                             {"t", 3U, "0 1 3 abc#"},
+                                             {"t", 4U, "0 1 3 abc"},
+                                             {"none", 4U, "2 0 4 ####"}}) {
         std::memcpy(buffer, "####", 5);
         DWORD type = 99, size = room;
         std::ostringstream told;
-        told << RegQueryValueExA(key, name, nullptr, &type, buffer, &size);
-        told << ' ' << type << ' ' << size << ' ' << buffer;
+        told << RegQueryValueExA(key, name, nullptr, &type, buffer, &size) << ' ';
+        told << type << ' ' << size << ' ' << buffer;
         EXPECT_EQ(told.str(), answer) << "a NUL where there is room";
     }
     EXPECT_EQ(RegQueryValueExA(key, "t", nullptr, nullptr, buffer, nullptr), 87);

