@@ -38,8 +38,7 @@ TEST(Modules, WhatCanNotBeLoadedSaysWhy) {
                                       {folder.file("text.dll"), 193U}})
         EXPECT_TRUE(LoadLibraryA(name.c_str()) == nullptr && GetLastError() == error) << name;
     SetErrorMode(0);
-    EXPECT_EQ(SetErrorMode(SEM_NOOPENFILEERRORBOX), 0U);
-    EXPECT_EQ(SetErrorMode(0), SEM_NOOPENFILEERRORBOX);
+    EXPECT_TRUE(SetErrorMode(SEM_NOOPENFILEERRORBOX) == 0 && SetErrorMode(0) == SEM_NOOPENFILEERRORBOX);
 }
 
 TEST(Modules, AModuleGoesWithItsLastRelease) {
@@ -54,8 +53,7 @@ TEST(Modules, AModuleGoesWithItsLastRelease) {
 #endif
     const HMODULE module = LoadLibraryA(name.c_str());
     EXPECT_EQ(LoadLibraryA(name.c_str()), module);
-    EXPECT_EQ(GetProcAddress(module, "tarnNoSuchFunction"), nullptr);
-    EXPECT_EQ(GetLastError(), ERROR_PROC_NOT_FOUND);
+    EXPECT_TRUE(!GetProcAddress(module, "tarnNoSuchFunction") && GetLastError() == ERROR_PROC_NOT_FOUND);
     EXPECT_TRUE(DisableThreadLibraryCalls(module) && FreeLibrary(module));
     EXPECT_NE(GetProcAddress(module, function.c_str()), nullptr);
     EXPECT_TRUE(FreeLibrary(module));

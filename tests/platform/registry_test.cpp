@@ -1,10 +1,8 @@
 // The registry: platform/registry.cpp and registry_*.cpp, and the system's own on Windows.
 
-#include <cstring>
 #include <numeric>
 #include <set>
 #include <sstream>
-#include <tuple>
 
 #include "tests/process.h"
 #include "tests/support.h"
@@ -91,29 +89,24 @@ TEST_F(Registry, OddPathsAndHandlesAnswerTheirCodes) {
     create(key, "A\\B\\C");
     create(key, "A", &closed);
     for (const LSTATUS expected : {0, 6}) EXPECT_EQ(RegCloseKey(closed), expected);
-    for (const auto& [name, code] : {std::pair{"A\\B\\C", 0},
-                                     {"a\\\\b\\c\\\\", 0},
-                                     {"", 0},
-                                     {"None", 2},
-                                     {"None\\C", 2},
-                                     {"A/B", 2},
-                                     {"A\\B\\C ", 2},
-                                     {"..", 2},
-                                     {"\\A", 161}})
-        EXPECT_EQ(open(key, name), code) << name;
-    for (const auto& [name, code] : {std::pair{"A\\B", 5},
-                                     {"A\\B\\C", 0},
-                                     {"A\\B\\C", 2},
-                                     {"\\A", 161},
-                                     {"A\\B\\", 0},
-                                     {"A", 0},
-                                     {nullptr, 87}})
-        EXPECT_EQ(RegDeleteKeyA(key, name), code);
+    std::istringstream rows(
+        R"(open A\B\C 0  open a\\b\c\\ 0  open None 2  open None\C 2  open A/B 2  open .. 2
+        open \A 161  create \A 161  delete A\B 5  delete A\B\C 0  delete A\B\C 2  delete \A 161  delete A\B\ 0
+        delete A 0)");
+    LSTATUS code = 0;
+    for (std::string call, name; rows >> call >> name >> code;) {
+        const LSTATUS deleted = call == "delete" ? RegDeleteKeyA(key, name.c_str()) : 0;
+        EXPECT_EQ(call == "open"     ? open(key, name)
+                  : call == "create" ? create(key, name)
+                                     : deleted,
+                  code)
+            << name;
+    }
+    EXPECT_TRUE(open(key, "") == 0 && RegDeleteKeyA(key, nullptr) == 87);
     for (const HKEY wrong : {closed, reinterpret_cast<HKEY>(std::uintptr_t{0x1234}), HKEY{}})
         EXPECT_TRUE(open(wrong, "B") == 6 && RegCloseKey(wrong) == 6);
     RegOpenKeyExA(key, "None", 0, KEY_ALL_ACCESS, &result);
     EXPECT_EQ(result, nullptr);
-    EXPECT_EQ(create(key, "\\A"), 161);
     EXPECT_EQ(RegDeleteKeyA(HKEY_CURRENT_USER, ""), 5);
     EXPECT_TRUE(RegCloseKey(HKEY_CURRENT_USER) == 0 && RegFlushKey(key) == 0);
 }
@@ -139,19 +132,17 @@ TEST_F(Registry, ValuesKeepTheirBytesAndType) {
 
 TEST_F(Registry, BuffersThatAreTooSmallStayAndTellTheSize) {
     set("t", "abc", REG_SZ);
-    BYTE buffer[5];
-    for (const auto& [name, room, answer] : {std::tuple{"t", 2U, "234 1 3 ####"},
-                                             {"t", 3U, "0 1 3 abc#"},
-                                             {"t", 4U, "0 1 3 abc"},
-                                             {"none", 4U, "2 0 4 ####"}}) {
-        std::memcpy(buffer, "####", 5);
-        DWORD type = 99, size = room;
-        std::ostringstream told;
-        told << RegQueryValueExA(key, name, nullptr, &type, buffer, &size) << ' ';
-        told << type << ' ' << size << ' ' << buffer;
-        EXPECT_EQ(told.str(), answer) << "a NUL where there is room";
+    std::istringstream rows("t 2 234 1 3 ####  t 3 0 1 3 abc#  t 4 0 1 3 abc  none 4 2 0 4 ####");
+    DWORD room = 0, type = 0, size = 0;
+    LSTATUS code = 0;
+    for (std::string name, kept; rows >> name >> room >> code >> type >> size >> kept;) {
+        BYTE buffer[] = "####";
+        DWORD told = 99;
+        EXPECT_EQ(RegQueryValueExA(key, name.c_str(), nullptr, &told, buffer, &room), code) << name;
+        EXPECT_TRUE(told == type && room == size) << name << told << ' ' << room;
+        EXPECT_STREQ(reinterpret_cast<const char*>(buffer), kept.c_str()) << "a NUL where there is room";
+        EXPECT_EQ(RegQueryValueExA(key, "t", nullptr, nullptr, buffer, nullptr), 87);
     }
-    EXPECT_EQ(RegQueryValueExA(key, "t", nullptr, nullptr, buffer, nullptr), 87);
 }
 
 TEST_F(Registry, KeysAreCountedAndListedInTheOrderOfTheirFoldedNames) {
