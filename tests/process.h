@@ -2,7 +2,11 @@
 
 // Child processes for tests of what processes do to each other; not on Windows.
 
+#if !defined(_WIN32)
+
+#include <gtest/gtest.h>
 #include <sys/ptrace.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -10,20 +14,20 @@
 
 namespace tarntest {
 
-// Starts a child process that does a piece of work and ends with exit code 0; see waitFor.
+// Starts a child process that does a piece of work; see waitFor.
 template <typename Work>
 pid_t startChild(Work work) {
     const pid_t child = ::fork();
     if (child != 0) return child;
     work();
-    ::_exit(0);
+    ::_exit(testing::Test::HasFailure() ? 1 : 0);
 }
 
-// Answers the exit code of a child process, -1 if a signal ended it.
+// Answers 0 if the child process ended by itself and what it expected held.
 inline int waitFor(pid_t child) {
     int status = 0;
     ::waitpid(child, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return status;
 }
 
 // Does a piece of work in a child process and kills it at its n-th stop: one before and one behind each
@@ -35,16 +39,16 @@ bool killedAtStop(int n, Work work) {
         ::raise(SIGSTOP);
         work();
     });
-    int status = 0;
-    ::waitpid(child, &status, 0);
+    int status = waitFor(child);
     for (int stop = 0; stop < n && WIFSTOPPED(status); ++stop) {
         ::ptrace(PTRACE_SYSCALL, child, nullptr, nullptr);
-        ::waitpid(child, &status, 0);
+        status = waitFor(child);
     }
     if (!WIFSTOPPED(status)) return false;
     ::kill(child, SIGKILL);
-    ::waitpid(child, &status, 0);
-    return true;
+    return waitFor(child) == SIGKILL;
 }
 
 }  // namespace tarntest
+
+#endif

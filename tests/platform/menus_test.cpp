@@ -1,31 +1,25 @@
 // Menus read back: platform/menus.cpp, and the system's own on Windows.
 
 #include <cstddef>
-#include <string>
 #include <utility>
-#include <vector>
 
-#include "platform/win32.h"
 #include "tests/support.h"
-
-#if !defined(_WIN32)
-#include "platform/host.h"
-#endif
 
 namespace {
 
-constexpr auto none = static_cast<UINT>(-1);
+constexpr UINT none = ~0U;
+
+UINT handleId(HMENU menu) {
+    return static_cast<UINT>(reinterpret_cast<ULONG_PTR>(menu));
+}
 
 void addItem(HMENU menu, UINT id) {
     ASSERT_TRUE(AppendMenuA(menu, MF_OWNERDRAW, id, reinterpret_cast<const char*>(ULONG_PTR{id} + 1000)));
 }
 
-void addPopup(HMENU menu, HMENU below) {
-    ASSERT_TRUE(AppendMenuA(menu, MF_POPUP | MF_OWNERDRAW, reinterpret_cast<ULONG_PTR>(below), nullptr));
-}
-
-UINT handleId(HMENU menu) {
-    return static_cast<UINT>(reinterpret_cast<ULONG_PTR>(menu));
+HMENU addPopup(HMENU menu, HMENU below = CreatePopupMenu()) {
+    EXPECT_TRUE(AppendMenuA(menu, MF_POPUP | MF_OWNERDRAW, reinterpret_cast<ULONG_PTR>(below), nullptr));
+    return below;
 }
 
 // The ids of a menu in order, those of a sub-menu in brackets; a popup whose menu is gone looks empty.
@@ -33,23 +27,21 @@ std::string shape(HMENU menu) {
     std::string text;
     for (int i = 0; i < GetMenuItemCount(menu); ++i) {
         const HMENU below = GetSubMenu(menu, i);
-        text += i == 0 ? "" : " ";
-        text += below == nullptr ? std::to_string(static_cast<int>(GetMenuItemID(menu, i)))
-                                 : "[" + shape(below) + "]";
+        const int id = static_cast<int>(GetMenuItemID(menu, i));
+        text += (i == 0 ? "" : " ") + (below == nullptr ? std::to_string(id) : "[" + shape(below) + "]");
     }
     return text;
 }
 
 struct Tree {
-    HMENU root = CreatePopupMenu(), middle = CreatePopupMenu(), deep = CreatePopupMenu();
+    HMENU root = CreatePopupMenu(), middle = nullptr, deep = nullptr;
 
     Tree() {
-        addItem(deep, 4);
-        for (const UINT id : {2U, 3U}) addItem(middle, id);
-        addPopup(middle, deep);
         addItem(root, 1);
-        addPopup(root, middle);
-        for (const UINT id : {3U, 0U}) addItem(root, id);
+        middle = addPopup(root);
+        for (const auto& [menu, id] : {std::pair{middle, 2U}, {middle, 3U}, {root, 3U}, {root, 0U}})
+            addItem(menu, id);
+        addItem(deep = addPopup(middle), 4);
     }
     ~Tree() { DestroyMenu(root); }
 };
@@ -71,20 +63,17 @@ TEST(Menus, EntriesReadBackAsTheyWereAppended) {
         EXPECT_EQ(info.dwItemData, 1004U);
         EXPECT_EQ(info.wID, handleId(tree.middle)) << "what isn't asked for stays";
     }
-    EXPECT_FALSE(GetMenuItemInfoA(tree.root, 4, TRUE, &info));
-    EXPECT_EQ(GetLastError(), ERROR_MENU_ITEM_NOT_FOUND);
+    EXPECT_TRUE(!GetMenuItemInfoA(tree.root, 4, TRUE, &info) && GetLastError() == ERROR_MENU_ITEM_NOT_FOUND);
     info.cbSize = 12;
-    EXPECT_FALSE(GetMenuItemInfoA(tree.root, 0, TRUE, &info));
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+    EXPECT_TRUE(!GetMenuItemInfoA(tree.root, 0, TRUE, &info) && GetLastError() == ERROR_INVALID_PARAMETER);
 }
 
 TEST(Menus, DeletionByCommandTakesTheFirstDepthFirst) {
-    const std::pair<UINT, const char*> rows[] = {{3, "1 [2 [4]] 3 0"},
-                                                 {4, "1 [2 3 []] 3 0"},
-                                                 {1, "[2 3 [4]] 3 0"},
-                                                 {0, "1 [2 3 [4]] 3"},
-                                                 {none, "1 [2 3 [4]] 3 0"}};
-    for (const auto& [id, left] : rows) {
+    for (const auto& [id, left] : {std::pair{3U, "1 [2 [4]] 3 0"},
+                                   {4U, "1 [2 3 []] 3 0"},
+                                   {1U, "[2 3 [4]] 3 0"},
+                                   {0U, "1 [2 3 [4]] 3"},
+                                   {none, "1 [2 3 [4]] 3 0"}}) {
         Tree tree;
         EXPECT_EQ(DeleteMenu(tree.root, id, MF_BYCOMMAND) != 0, id != none) << id;
         EXPECT_EQ(shape(tree.root), left) << id;
@@ -92,10 +81,9 @@ TEST(Menus, DeletionByCommandTakesTheFirstDepthFirst) {
     Tree tree;
     EXPECT_TRUE(DeleteMenu(tree.root, handleId(tree.deep), MF_BYCOMMAND));
     EXPECT_EQ(GetMenuItemCount(tree.deep), -1) << "a popup's menu goes with its entry";
-    EXPECT_TRUE(DeleteMenu(tree.root, 1, MF_BYPOSITION));
+    EXPECT_TRUE(DeleteMenu(tree.root, 1, MF_BYPOSITION) && !DeleteMenu(tree.root, 3, MF_BYPOSITION));
     EXPECT_EQ(shape(tree.root), "1 3 0");
     EXPECT_EQ(GetMenuItemCount(tree.middle), -1);
-    EXPECT_FALSE(DeleteMenu(tree.root, 3, MF_BYPOSITION));
 }
 
 TEST(Menus, AMenuThatIsGoneIsNowhere) {
@@ -113,9 +101,8 @@ TEST(Menus, AMenuThatIsGoneIsNowhere) {
 
 TEST(Menus, ThousandsOfLevelsAndRingsNeedNoStack) {
     const std::int32_t before = tarn::openHandles();
-    std::vector<HMENU> chain(200'000);
-    for (HMENU& menu : chain) menu = CreatePopupMenu();
-    for (std::size_t i = 1; i < chain.size(); ++i) addPopup(chain[i - 1], chain[i]);
+    std::vector<HMENU> chain{CreatePopupMenu()};
+    while (chain.size() < 200'000) chain.push_back(addPopup(chain.back()));
     addItem(chain.back(), 7);
     addPopup(chain[2], chain[1]);
     EXPECT_TRUE(DeleteMenu(chain.front(), 7, MF_BYCOMMAND));

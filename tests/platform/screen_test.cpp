@@ -3,29 +3,21 @@
 
 #include <cstddef>
 #include <cstring>
-#include <vector>
 
-#include "platform/win32.h"
 #include "tests/present/packed_bitmap.h"
 #include "tests/support.h"
-
-#if !defined(_WIN32)
-#include "platform/host.h"
-#endif
 
 namespace {
 
 // A memory device context that shows a bitmap; both go with the object.
 struct Canvas {
-    HDC screen = GetDC(nullptr);
-    HDC context = CreateCompatibleDC(nullptr);
+    HDC screen = GetDC(nullptr), context = CreateCompatibleDC(nullptr);
     HBITMAP bitmap;
     HGDIOBJ first;
 
     explicit Canvas(HBITMAP shown) : bitmap(shown), first(SelectObject(context, shown)) {}
-    Canvas(int width, int height) : bitmap(CreateCompatibleBitmap(screen, width, height)) {
-        first = SelectObject(context, bitmap);
-    }
+    Canvas(int width, int height)
+        : bitmap(CreateCompatibleBitmap(screen, width, height)), first(SelectObject(context, bitmap)) {}
     ~Canvas() {
         SelectObject(context, first);
         EXPECT_TRUE(DeleteObject(bitmap) && DeleteDC(context) && ReleaseDC(nullptr, screen) == 1);
@@ -65,22 +57,19 @@ TEST(Screen, ABitmapIsSelectedIntoOneContextAtATime) {
 }
 
 TEST(Screen, RectanglesFillFromLeftAndTopInToRightAndBottomOut) {
-    const struct {
-        RECT rectangle, filled;
-    } rows[] = {{{1, 1, 3, 2}, {1, 1, 3, 2}}, {{-5, -5, 99, 99}, {0, 0, 6, 5}},
-                {{2, 2, 2, 4}, {0, 0, 0, 0}}, {{4, 3, 2, 1}, {3, 2, 5, 4}},
-                {{7, 0, 9, 5}, {0, 0, 0, 0}}, {{-2147483647, 0, 2147483647, 1}, {0, 0, 6, 1}}};
+    const std::pair<RECT, RECT> rows[] = {
+        {{1, 1, 3, 2}, {1, 1, 3, 2}}, {{-5, -5, 99, 99}, {0, 0, 6, 5}},
+        {{2, 2, 2, 4}, {0, 0, 0, 0}}, {{4, 3, 2, 1}, {3, 2, 5, 4}},
+        {{7, 0, 9, 5}, {0, 0, 0, 0}}, {{-2147483647, 0, 2147483647, 1}, {0, 0, 6, 1}}};
     const HBRUSH brush = CreateSolidBrush(RGB(1, 2, 3));
     for (const auto& [rectangle, filled] : rows) {
         Canvas canvas(6, 5);
         EXPECT_EQ(FillRect(canvas.context, &rectangle, brush), 1);
-        for (int y = -1; y <= 5; ++y) {
-            for (int x = -1; x <= 6; ++x) {
-                const bool outside = x < 0 || y < 0 || x >= 6 || y >= 5;
-                const bool inside =
-                    x >= filled.left && x < filled.right && y >= filled.top && y < filled.bottom;
-                EXPECT_EQ(GetPixel(canvas.context, x, y), outside ? CLR_INVALID : inside ? RGB(1, 2, 3) : 0);
-            }
+        for (int place = 0; place < 56; ++place) {
+            const int x = place % 8 - 1, y = place / 8 - 1;
+            const bool outside = x < 0 || y < 0 || x >= 6 || y >= 5;
+            const bool inside = x >= filled.left && x < filled.right && y >= filled.top && y < filled.bottom;
+            EXPECT_EQ(GetPixel(canvas.context, x, y), outside ? CLR_INVALID : inside ? RGB(1, 2, 3) : 0);
         }
     }
     EXPECT_TRUE(DeleteObject(brush));
@@ -92,8 +81,8 @@ TEST(Screen, RectanglesFillFromLeftAndTopInToRightAndBottomOut) {
 
 HBITMAP decode(HDC context, const tarntest::PackedBitmap& packed) {
     const BITMAPINFO* info = packed.info();
-    return CreateDIBitmap(context, &info->bmiHeader, CBM_INIT, packed.bytes.data() + packed.pixelOffset, info,
-                          DIB_RGB_COLORS);
+    const void* pixels = packed.bytes.data() + packed.pixelOffset;
+    return CreateDIBitmap(context, &info->bmiHeader, CBM_INIT, pixels, info, DIB_RGB_COLORS);
 }
 
 TEST(Screen, BitmapsOfEveryDepthDecodeInBothDirections) {
@@ -103,9 +92,8 @@ TEST(Screen, BitmapsOfEveryDepthDecodeInBothDirections) {
             const tarntest::PackedBitmap packed(depth, 7, height);
             Canvas canvas(decode(target.screen, packed));
             for (int place = 0; place < 35; ++place) {
-                EXPECT_EQ(GetPixel(canvas.context, place % 7, place / 7),
-                          packed.color(static_cast<std::size_t>(place % 7), place / 7))
-                    << depth << " bits, height " << height << ", place " << place;
+                const COLORREF color = packed.color(static_cast<std::size_t>(place % 7), place / 7);
+                EXPECT_EQ(GetPixel(canvas.context, place % 7, place / 7), color) << depth << ' ' << height;
             }
         }
     }
@@ -115,8 +103,8 @@ TEST(Screen, BitmapsOfEveryDepthDecodeInBothDirections) {
     bent.bytes[offsetof(BITMAPINFOHEADER, biBitCount)] = 7;
     EXPECT_EQ(decode(target.screen, bent), nullptr);
     bent.bytes[offsetof(BITMAPINFOHEADER, biBitCount)] = 4;
-    bent.bytes[offsetof(BITMAPINFOHEADER, biWidth) + 3] = 0xFF;
-    EXPECT_EQ(decode(target.screen, bent), nullptr) << "a negative width";
+    bent.bytes[offsetof(BITMAPINFOHEADER, biWidth) + 3] = 0xFF;  // below 0
+    EXPECT_EQ(decode(target.screen, bent), nullptr);
 }
 
 TEST(Screen, GlobalMemoryCountsItsLocks) {
@@ -124,8 +112,7 @@ TEST(Screen, GlobalMemoryCountsItsLocks) {
     EXPECT_EQ(GlobalLock(memory), GlobalLock(memory));
     EXPECT_TRUE(GlobalUnlock(memory));
     for (const DWORD error : {DWORD{ERROR_SUCCESS}, DWORD{ERROR_NOT_LOCKED}}) {
-        EXPECT_FALSE(GlobalUnlock(memory));
-        EXPECT_EQ(GetLastError(), error);
+        EXPECT_TRUE(!GlobalUnlock(memory) && GetLastError() == error);
     }
     EXPECT_EQ(GlobalFree(memory), nullptr);
 }
@@ -137,14 +124,12 @@ TEST(Screen, ResourcesAreFoundByNumberAndByText) {
     tarn::addResource(module, 10, 101, "bytes", 5);
     const HRSRC found = FindResourceA(module, "#101", MAKEINTRESOURCEA(10));
     EXPECT_EQ(found, FindResourceA(module, MAKEINTRESOURCEA(101), "#10"));
-    EXPECT_EQ(std::memcmp(LockResource(LoadResource(module, found)), "bytes", SizeofResource(module, found)),
-              0);
+    const auto* bytes = static_cast<const char*>(LockResource(LoadResource(module, found)));
+    EXPECT_EQ(std::string_view(bytes, SizeofResource(module, found)), "bytes");
     for (const char* name : {MAKEINTRESOURCEA(102), "#101x", "LOGO", "#65637"}) {
-        EXPECT_EQ(FindResourceA(module, name, "#10"), nullptr);
-        EXPECT_EQ(GetLastError(), ERROR_RESOURCE_NAME_NOT_FOUND);
+        EXPECT_TRUE(!FindResourceA(module, name, "#10") && GetLastError() == ERROR_RESOURCE_NAME_NOT_FOUND);
     }
-    EXPECT_EQ(FindResourceA(nullptr, "#101", "#10"), nullptr);
-    EXPECT_EQ(GetLastError(), ERROR_RESOURCE_TYPE_NOT_FOUND);
+    EXPECT_TRUE(!FindResourceA(nullptr, "#101", "#10") && GetLastError() == ERROR_RESOURCE_TYPE_NOT_FOUND);
     tarn::removeResources(module);
     EXPECT_EQ(LockResource(found), nullptr);
 }
