@@ -6,15 +6,11 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <cstdlib>
-#include <ctime>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <random>
 #include <sstream>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "platform/win32.h"
@@ -24,31 +20,21 @@
 
 namespace tarntest {
 
-#if defined(_WIN32)
-constexpr bool onWindows = true;
-#else
-constexpr bool onWindows = false;
-#endif
-
 // Where a test that waits for the disk often may have its folder instead, if the system has such a place.
 constexpr const char* inMemory = "/dev/shm";
 
 // A folder of its own for one test, gone with the object.
 class TemporaryFolder {
   public:
-    explicit TemporaryFolder(const std::filesystem::path& wished = {}) {
-        const auto parent =
-            std::filesystem::is_directory(wished) ? wished : std::filesystem::temp_directory_path();
-        path_ = parent / ("tarnutil-" + std::to_string(std::random_device{}()));
-        std::filesystem::remove_all(path_);
-        std::filesystem::create_directories(path_);
+    explicit TemporaryFolder(const std::filesystem::path& wished = {})
+        : path_(std::filesystem::is_directory(wished) ? wished : std::filesystem::temp_directory_path()) {
+        path_ /= "tarnutil-" + std::to_string(std::random_device{}());
+        std::filesystem::create_directory(path_);
     }
     ~TemporaryFolder() {
         std::error_code ignored;
         std::filesystem::remove_all(path_, ignored);
     }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
     [[nodiscard]] std::string file(const std::string& name) const { return (path_ / name).string(); }
     [[nodiscard]] const std::filesystem::path& path() const { return path_; }
@@ -95,7 +81,7 @@ void expectAnswers(const char* calls, Answer answerOf) {
         const std::string function = line.substr(0, colon);
         if (line.empty() || line[0] == '#') continue;
         for (const std::string& call : split(line.substr(colon + 1), ';')) {
-            const std::vector<std::string> cells = split(call, '|');
+            const auto cells = split(call, '|');
             EXPECT_EQ(answerOf(function, cells), cells.back()) << line << " : " << call;
         }
     }
@@ -107,45 +93,39 @@ inline std::string shown(double answer) {
     return text;
 }
 
-// Sets a variable of the environment; NULL takes it away.
-inline void setEnvironment(const char* name, const char* value) {
+// setEnvironment sets a variable of the environment, the zone of local time included; NULL takes it away.
 #if defined(_WIN32)
-    _putenv_s(name, value == nullptr ? "" : value);
-#else
-    value == nullptr ? ::unsetenv(name) : ::setenv(name, value, 1);
-#endif
+constexpr bool onWindows = true;
+inline void setEnvironment(const char* name, const char* value) {
+    _putenv_s(name, value == nullptr ? "" : value), ::_tzset();
 }
+inline void holdClock(const SYSTEMTIME*) {}
+#else
+constexpr bool onWindows = false;
+inline void setEnvironment(const char* name, const char* value) {
+    value == nullptr ? ::unsetenv(name) : ::setenv(name, value, 1), ::tzset();
+}
+inline void holdClock(const SYSTEMTIME* now) {
+    tarn::setClock(now, now);
+}
+#endif
 
 // Sets the zone of local time, in a form that POSIX and Windows share: UTC0, EST5EDT.
 inline void setTimeZone(const char* zone) {
     setEnvironment("TZ", zone);
-#if defined(_WIN32)
-    ::_tzset();
-#else
-    ::tzset();
-#endif
 }
 
 // Holds the clock, for universal and local time alike, at a moment until the end of the test.
-class HeldClock {
-  public:
-#if defined(_WIN32)
-    static constexpr bool possible = false;
-    HeldClock(int, int, int, int = 0, int = 0, int = 0) {}
-#else
-    static constexpr bool possible = true;
+struct HeldClock {
+    static constexpr bool possible = !onWindows;
+
     HeldClock(int year, int month, int day, int hour = 0, int minute = 0, int second = 0) {
         const auto word = [](int number) { return static_cast<WORD>(number); };
         const SYSTEMTIME now{word(year),   word(month),  0, word(day), word(hour),
                              word(minute), word(second), 0};
-        tarn::setClock(&now, &now);
+        holdClock(&now);
     }
-    ~HeldClock() {
-        tarn::setClock(nullptr, nullptr);
-    }
-#endif
-    HeldClock(const HeldClock&) = delete;
-    HeldClock& operator=(const HeldClock&) = delete;
+    ~HeldClock() { holdClock(nullptr); }
 };
 
 }  // namespace tarntest

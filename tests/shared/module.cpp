@@ -7,12 +7,6 @@
 MODULE_EXPORT void** sharedSlot() {
     return getGlobalPointer();
 }
-MODULE_EXPORT void writeShared(void* value) {
-    *getGlobalPointer() = value;
-}
-MODULE_EXPORT void* readShared() {
-    return *getGlobalPointer();
-}
 MODULE_EXPORT int moduleNumber() {
     return TARN_MODULE_NUMBER;
 }
