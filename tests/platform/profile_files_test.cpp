@@ -97,7 +97,8 @@ TEST_F(ProfileFiles, CutListsEndInTwoNulsWithinTheBuffer) {
         const std::string names = read(nullptr, nullptr, "", size);
         EXPECT_EQ(names, "s\0t\0S\0"s.substr(0, size < 2 ? 0 : size < 8 ? size - 2 : 6)) << size;
         EXPECT_TRUE(onWindows || size < 2 || size > 7 || buffer.compare(size - 2, 2, "\0\0"s) == 0) << size;
-        EXPECT_EQ(read("s", "none", "abcdef", size), "abcdef"s.substr(0, std::max(size, 1U) - 1)) << size;
+        EXPECT_EQ(read("s", "none", "abcdef", size), "abcdef"s.substr(0, std::max<DWORD>(size, 1) - 1))
+            << size;
     }
 }
 

@@ -131,7 +131,7 @@ TEST_F(Registry, ValuesKeepTheirBytesAndType) {
 }
 
 TEST_F(Registry, BuffersThatAreTooSmallStayAndTellTheSize) {
-    set("t", "abc", REG_SZ);
+    RegSetValueExA(key, "t", 0, REG_SZ, reinterpret_cast<const BYTE*>("abcX"), 3);
     std::istringstream rows("t 2 234 1 3 ####  t 3 0 1 3 abc#  t 4 0 1 3 abc  none 4 2 0 4 ####");
     DWORD room = 0, type = 0, size = 0;
     LSTATUS code = 0;
