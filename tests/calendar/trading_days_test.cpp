@@ -40,6 +40,11 @@ TEST(TradingDays, EveryDayOfTwoCenturiesIsValidAndTradesAsItShould) {
             const std::string text = textOf("%02u%02u%04d", date), cut = textOf("%02u%02u%02d", date, 100);
             ASSERT_EQ(isValidDate(text.c_str()), date.ok() && y >= 1900) << text;
             ASSERT_EQ(isValidTradeDate(text.c_str()), trades(date)) << text;
+            if (y >= 1970 && y <= 2097 && date.ok()) {
+                const PKDATE packed{
+                    static_cast<std::uint16_t>((y - 1970) << 9 | monthAndDay / 33 << 5 | monthAndDay % 33)};
+                ASSERT_EQ(DateToJulian(packed), 2440588 + sys_days(date).time_since_epoch().count()) << text;
+            }
             if (y < 1991 || y > 2090) continue;
             ASSERT_EQ(isValidDate(cut.c_str()), date.ok()) << cut;
             ASSERT_EQ(isValidTradeDate(cut.c_str()), trades(date)) << cut;
