@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <numeric>
 #include <string>
 #include <vector>
 
@@ -187,11 +188,19 @@ void fillDoubles(tarnEngineData& record, std::int32_t rows) {
     }
 }
 
-void rowOurs(benchmark::State& state) {
+std::vector<std::int32_t> inOrder(std::int32_t rows) {
+    std::vector<std::int32_t> order(static_cast<std::size_t>(rows));
+    std::iota(order.begin(), order.end(), 0);
+    return order;
+}
+
+using Order = std::vector<std::int32_t> (*)(std::int32_t rows);
+
+void rowOurs(benchmark::State& state, Order orderOf) {
     const auto rows = static_cast<std::int32_t>(state.range(0));
     tarnEngineData record;
     fillDoubles(record, rows);
-    const std::vector<std::int32_t> order = scattered(rows);
+    const std::vector<std::int32_t> order = orderOf(rows);
     MOLTVARIANT view;
     for (auto _ : state) {
         double sum = 0;
@@ -203,10 +212,10 @@ void rowOurs(benchmark::State& state) {
     }
 }
 
-void rowVector(benchmark::State& state) {
+void rowVector(benchmark::State& state, Order orderOf) {
     const auto rows = static_cast<std::int32_t>(state.range(0));
     std::vector<double> column(static_cast<std::size_t>(rows), 1.0);
-    const std::vector<std::int32_t> order = scattered(rows);
+    const std::vector<std::int32_t> order = orderOf(rows);
     for (auto _ : state) {
         double sum = 0;
         for (const std::int32_t row : order) sum += column[static_cast<std::size_t>(row)];
@@ -274,8 +283,10 @@ BENCHMARK(saveOurs)->Name("record_save/ours")->Apply(sizes);
 BENCHMARK(saveFwrite)->Name("record_save/fwrite")->Apply(sizes);
 BENCHMARK(loadOurs)->Name("record_load/ours")->Apply(sizes);
 BENCHMARK(loadFread)->Name("record_load/fread")->Apply(sizes);
-BENCHMARK(rowOurs)->Name("row_lookup/ours")->Apply(sizes);
-BENCHMARK(rowVector)->Name("row_lookup/vector")->Apply(sizes);
+BENCHMARK_CAPTURE(rowOurs, inOrder, inOrder)->Name("row_in_order/ours")->Apply(sizes);
+BENCHMARK_CAPTURE(rowVector, inOrder, inOrder)->Name("row_in_order/vector")->Apply(sizes);
+BENCHMARK_CAPTURE(rowOurs, scattered, scattered)->Name("row_scattered/ours")->Apply(sizes);
+BENCHMARK_CAPTURE(rowVector, scattered, scattered)->Name("row_scattered/vector")->Apply(sizes);
 BENCHMARK(fieldOurs)->Name("field_lookup/ours");
 BENCHMARK(fieldCompare)->Name("field_lookup/find_in_ids");
 BENCHMARK(memoryDoubles)->Name("memory_doubles/ours")->Iterations(1);

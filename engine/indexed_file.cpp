@@ -51,12 +51,12 @@ std::vector<SavedField> fieldsToSave(const tarnFieldList& fields) {
 
 // Writes the values of rows 0 up to `rows`, an empty one for a row without a cell.
 void writeColumn(tarn::IndexFileWriter& writer, nodeList* column, std::int32_t rows) {
-    std::int32_t position = column == nullptr ? 0 : column->findInsertPosition(0);
+    nodeCell* const* cell = column == nullptr ? nullptr : column->cells + column->findInsertPosition(0);
+    nodeCell* const* const end = column == nullptr ? nullptr : column->cells + column->count;
     for (std::int32_t row = 0; row < rows; ++row) {
-        const bool found =
-            column != nullptr && position < column->count && column->cells[position]->key.number == row;
-        writer.writeValue(found ? column->cells[position]->value : nullptr);
-        while (found && position < column->count && column->cells[position]->key.number == row) ++position;
+        const bool found = cell != end && (*cell)->key.number == row;
+        writer.writeValue(found ? (*cell)->value : nullptr);
+        while (found && ++cell != end && (*cell)->key.number == row) continue;  // a row that stands twice
     }
 }
 

@@ -95,13 +95,6 @@ void IndexFileWriter::flush() {
     used_ = 0;
 }
 
-// Room for at most a chunk in the buffer, to be filled by the caller at once.
-unsigned char* IndexFileWriter::reserve(std::size_t bytes) {
-    if (bytes > chunk - used_) flush();
-    used_ += bytes;
-    return buffer_.get() + used_ - bytes;
-}
-
 void IndexFileWriter::write(const void* bytes, std::size_t count) {
     constexpr std::size_t largestPiece = std::size_t{1} << 30;
     if (count <= chunk) {
@@ -123,17 +116,27 @@ void IndexFileWriter::writeWord(std::uint32_t word) {
     storeWord(reserve(wordSize), word);
 }
 
-void IndexFileWriter::writePrefix(std::int32_t tag, std::uint32_t size) {
-    unsigned char* const prefix = reserve(prefixSize);
-    storeWord(prefix, static_cast<std::uint32_t>(tag));
-    storeWord(prefix + wordSize, size);
+void IndexFileWriter::putPrefix(unsigned char* place, std::int32_t tag, std::uint32_t size) {
+    storeWord(place, static_cast<std::uint32_t>(tag));
+    storeWord(place + wordSize, size);
     offset_ += size + static_cast<std::uint32_t>(prefixSize);
 }
 
+void IndexFileWriter::writePrefix(std::int32_t tag, std::uint32_t size) {
+    putPrefix(reserve(prefixSize), tag, size);
+}
+
+// Texts are most of what records hold: a short one goes out in one piece with its prefix.
 void IndexFileWriter::writeText(std::int32_t tag, const char* text) {
+    constexpr std::size_t shortText = chunk - prefixSize;
     const std::size_t size = text == nullptr ? 0 : std::strlen(text) + 1;
-    writePrefix(tag, static_cast<std::uint32_t>(size));
-    write(text, size);
+    if (size == 0 || size > shortText) {
+        writePrefix(tag, static_cast<std::uint32_t>(size));
+        return write(text, size);
+    }
+    unsigned char* const place = reserve(prefixSize + size);
+    putPrefix(place, tag, static_cast<std::uint32_t>(size));
+    std::memcpy(place + prefixSize, text, size);
 }
 
 void IndexFileWriter::writeWideText(const char16_t* text) {

@@ -34,9 +34,15 @@ class IndexFileWriter {
     bool finish();
 
   private:
-    unsigned char* reserve(std::size_t bytes);
+    // Room for at most a chunk in the buffer, to be filled at once.
+    unsigned char* reserve(std::size_t bytes) {
+        if (bytes > chunk - used_) flush();
+        used_ += bytes;
+        return buffer_.get() + used_ - bytes;
+    }
     void write(const void* bytes, std::size_t count);
     void writeWord(std::uint32_t word);
+    void putPrefix(unsigned char* place, std::int32_t tag, std::uint32_t size);
     void writePrefix(std::int32_t tag, std::uint32_t size);
     void writeText(std::int32_t tag, const char* text);
     void writeWideText(const char16_t* text);
