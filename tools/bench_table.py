@@ -80,7 +80,7 @@ def main():
             if bytes_per_row is not None:
                 memory[key] = bytes_per_row
     width = max((len(job) for job in jobs), default=0)
-    for job, times in jobs.items():
+    for job, times in sorted(jobs.items(), key=lambda item: [(part.isdigit(), part.zfill(9)) for part in item[0].split("/")]):
         ours = times.get("ours")
         if job in memory:
             print(f"{job:{width}}  {memory[job]:.1f} bytes a row")
