@@ -41,8 +41,9 @@ TEST(TradingDays, EveryDayOfTwoCenturiesIsValidAndTradesAsItShould) {
             ASSERT_EQ(isValidDate(text.c_str()), date.ok() && y >= 1900) << text;
             ASSERT_EQ(isValidTradeDate(text.c_str()), trades(date)) << text;
             if (y >= 1970 && y <= 2097 && date.ok()) {
-                const PKDATE packed{
-                    static_cast<std::uint16_t>((y - 1970) << 9 | monthAndDay / 33 << 5 | monthAndDay % 33)};
+                const unsigned fields =
+                    static_cast<unsigned>(y - 1970) << 9 | monthAndDay / 33 << 5 | monthAndDay % 33;
+                const PKDATE packed{static_cast<std::uint16_t>(fields)};
                 ASSERT_EQ(DateToJulian(packed), 2440588 + sys_days(date).time_since_epoch().count()) << text;
             }
             if (y < 1991 || y > 2090) continue;
