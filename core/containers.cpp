@@ -8,6 +8,8 @@
 #include <cstring>
 #include <memory>
 
+#include "core/wrapping.h"
+
 tarnObject::~tarnObject() = default;
 std::int32_t tarnObject::objectHook1(std::int32_t /*first*/, std::int32_t /*second*/) {
     return 0;
@@ -64,17 +66,11 @@ bool comesBefore(const nodeCell* a, const nodeCell* b) {
     return a->keyType == keyTypeText && compareTexts(a->key.text, b->key.text) < 0;
 }
 
-std::int32_t wrappingSum(std::int32_t a, std::int32_t b) {
-    return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) + static_cast<std::uint32_t>(b));
-}
-
 }  // namespace
 
 int binarySearchCompare(const nodeCell* const* a, const nodeCell* const* b) {
     switch ((*a)->keyType) {
-        case keyTypeNumber:
-            return static_cast<std::int32_t>(static_cast<std::uint32_t>((*a)->key.number) -
-                                             static_cast<std::uint32_t>((*b)->key.number));
+        case keyTypeNumber: return tarn::wrappingDifference((*a)->key.number, (*b)->key.number);
         case keyTypeText: return compareTexts((*a)->key.text, (*b)->key.text);
         default: return 0;
     }
@@ -203,7 +199,7 @@ void nodeList::shiftKeys(std::int32_t first, std::int32_t last, std::int32_t by)
     bool wrapped = false;
     for (std::int32_t i = first; i < last; ++i) {
         std::int32_t& key = cells[i]->key.number;
-        const std::int32_t shifted = wrappingSum(key, by);
+        const std::int32_t shifted = tarn::wrappingSum(key, by);
         wrapped = wrapped || (shifted < key) != (by < 0);
         key = shifted;
     }

@@ -6,16 +6,13 @@
 
 #include "core/value_text.h"
 #include "core/variant.h"
+#include "core/wrapping.h"
 #include "platform/win32.h"
 
 using tarn::hasTextForm;
 using tarn::textOf;
 
 namespace {
-
-std::int32_t difference(std::int32_t a, std::int32_t b) {
-    return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) - static_cast<std::uint32_t>(b));
-}
 
 template <class Number>
 std::int32_t order(Number a, Number b) {
@@ -69,7 +66,9 @@ std::int32_t varcmp(const MOLTVARIANT& a, const MOLTVARIANT& b) {
         case tagShort: result = a.payload.shortValue - converted.payload.shortValue; break;
         case tagLong:
         case tagWord:
-        case tagNumber: result = difference(a.payload.longValue, converted.payload.longValue); break;
+        case tagNumber:
+            result = tarn::wrappingDifference(a.payload.longValue, converted.payload.longValue);
+            break;
         case tagFloat: result = order(a.payload.floatValue, converted.payload.floatValue); break;
         case tagDouble: result = order(a.payload.doubleValue, converted.payload.doubleValue); break;
         case tagChar: result = a.payload.charValue - converted.payload.charValue; break;

@@ -6,13 +6,9 @@
 
 #include "core/containers.h"
 #include "core/value_owner.h"
+#include "core/wrapping.h"
 
 namespace tarn {
-
-// Row numbers wrap at 32 bits.
-inline std::int32_t wrappingSum(std::int32_t a, std::int32_t b) {
-    return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) + static_cast<std::uint32_t>(b));
-}
 
 // A new value of tag 21 without cells.
 OwnedValue newColumn();
