@@ -34,8 +34,8 @@
 union PKDATE {
     std::uint16_t value;
     struct {
-        std::uint16_t day : 5, month : 4,
-            year : 7;  // lowest bits first; the month from 1, the year from 1970
+        // Lowest bits first; the month from 1, the year from 1970.
+        std::uint16_t day : 5, month : 4, year : 7;
     } parts;
 };
 
@@ -123,7 +123,8 @@ TARN_EXPORT char* getCurrentTradingDate(char* buffer, int fourDigitYear);
 //   fourDigitYear  0 leaves the first two characters of the year out
 // The result also goes to standard output, with a blank and a line end behind it.  The time that a call takes
 // doesn't depend on `businessDays`.
-// Answers a new text of 10 or 8 characters in 11 bytes.  Owner: the caller, delete[].
+// Answers a new text of 10 or 8 characters in 11 bytes.
+// Owner: the caller, delete[].
 // Bad input: NULL answers NULL and prints nothing.  A copy of the text, cut after 10 characters, answers a
 // text below 6 characters, a month outside 1 to 12 if there is something to count, and a count that leads
 // beyond the year 9999.  A day outside its month lies between its neighbours: the day after 02/30 is 03/01,

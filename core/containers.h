@@ -68,8 +68,8 @@ class tarnTArray {
     }
 
     // Moves the slots from `index` up by one and puts the item there.  The array grows by 16 first if `index`
-    // lies at the capacity or behind it, or if the last slot is taken. Bad input: an index below 0, or 16 or
-    // more above the capacity, changes nothing.
+    // lies at the capacity or behind it, or if the last slot is taken.
+    // Bad input: an index below 0, or 16 or more above the capacity, changes nothing.
     void insertAt(T item, std::int32_t index) {
         if (index < 0 || index - growth >= capacity) return;
         makeRoom(index);
@@ -83,7 +83,8 @@ class tarnTArray {
     }
 
     // Overwrites a slot, without releasing what it held.  At or behind the capacity the array grows first, by
-    // 16 or as far as needed and 16 more.  Bad input: an index below 0 changes nothing.
+    // 16 or as far as needed and 16 more.
+    // Bad input: an index below 0 changes nothing.
     void setAt(std::int32_t index, T item) {
         if (index < 0) return;
         if (index >= capacity) extend(index - capacity < growth ? growth : index - capacity + growth);
@@ -229,8 +230,9 @@ class TARN_EXPORT nodeList {
     // Puts the cells in key order if needed; equal keys keep their order of arrival.
     void sort();
 
-    // Sorts, and answers the slot of the first cell with this key, or NULL.  Owner: the list, until it
-    // changes. A list of another key type than 1 finds nothing.
+    // Sorts, and answers the slot of the first cell with this key, or NULL.
+    // A list of another key type than 1 finds nothing.
+    // Owner: the list, until it changes.
     nodeCell** find(std::int32_t key) {
         // In a column without gaps a row stands at the position of its number.
         if (needsSort == 0 && !mayRepeat_ && key >= 0 && key < count && cells[key]->key.number == key) {

@@ -67,9 +67,9 @@ class TARN_EXPORT tarnException : public tarnObject {
 TARN_EXPORT void showGetLastError(const char* title);
 
 // Loads a module and finds a function in it.
-//   module    out: the module, NULL if it can't be loaded.  Owner: the caller, FreeLibrary, also after answer
-//   0 function  out: the function, NULL if there is none quiet     0 shows the box of showGetLastError for a
-//   module that can't be loaded; anything else shows nothing
+//   module    out: the module, NULL if it can't be loaded.  Owner: the caller, FreeLibrary, even after 0
+//   function  out: the function, NULL if there is none
+//   quiet     0 shows the box of showGetLastError for a module that can't be loaded; else nothing is shown
 // Answers 1 if the function was found.  A function that the module lacks shows nothing in either case.
 TARN_EXPORT int loadDllFunc(HINSTANCE& module, int(__stdcall** function)(), const char* file,
                             const char* name, int quiet);

@@ -88,8 +88,8 @@ class TARN_EXPORT tarnBuffer {
     tarnBuffer();
     // A capacity below 0 counts as 0.
     explicit tarnBuffer(std::int32_t bytes);
-    // A copy of `count` bytes, in a capacity of at least 4096.  Bad input: NULL or a count below 1 makes an
-    // empty buffer.
+    // A copy of `count` bytes, in a capacity of at least 4096.
+    // Bad input: NULL or a count below 1 makes an empty buffer.
     tarnBuffer(const void* bytes, std::int32_t count);
     tarnBuffer(const tarnBuffer&) = delete;
     tarnBuffer& operator=(const tarnBuffer&) = delete;
@@ -116,16 +116,19 @@ class TARN_EXPORT tarnBuffer {
 };
 
 // A new copy of at most `length` characters, in a block of `length` + 1 zeroed bytes.  With length 0, and for
-// NULL, the source isn't touched.  Owner: the caller, delete[].
+// NULL, the source isn't touched.
+// Owner: the caller, delete[].
 TARN_EXPORT char* newstr(const char* text, std::uint32_t length);
-// A new copy, of NULL a new empty text.  Owner: the caller, delete[].
+// A new copy, of NULL a new empty text.
+// Owner: the caller, delete[].
 TARN_EXPORT char* newstr(const char* text);
 TARN_EXPORT char* newstr(const tarnString* string);
 
 // Cuts a character from both ends of a text, in place: steps over the leading ones and terminates the text
 // behind the last other character.
 //   length   out: of the trimmed text
-// Answers where the trimmed text starts, inside the same buffer.  Bad input: NULL answers NULL with length 0.
+// Answers where the trimmed text starts, inside the same buffer.
+// Bad input: NULL answers NULL with length 0.
 TARN_EXPORT char* trim(char* text, std::uint32_t& length, char character);
 
 // Drops zeros and blanks from the end of a text; a point that then stands last gets one zero.  It knows

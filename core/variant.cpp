@@ -134,8 +134,8 @@ std::uint32_t sizeOfElements(const MOLTVARIANT& value) {
                 size += sizeOf(value.payload.list->getAt(i));
             break;
         case tagMulti:
-            for (std::int32_t i = 0; i < value.payload.multi->nodes->count; ++i) {
-                size += sizeOf(value.payload.multi->nodes->cells[i]->value);
+            if (const nodeList* const nodes = value.payload.multi->nodes; nodes != nullptr) {
+                for (std::int32_t i = 0; i < nodes->count; ++i) size += sizeOf(nodes->cells[i]->value);
             }
             break;
         default:

@@ -87,7 +87,8 @@ struct TARN_EXPORT MOLTVARIANT {
     // Makes raw memory into a value: empty for NULL, otherwise a deep copy.
     void initContent(const MOLTVARIANT* source);
 
-    // Makes this value a view: the source's bytes as they stand, owning nothing.  Bad input: NULL empties it.
+    // Makes this value a view: the source's bytes as they stand, owning nothing.
+    // Bad input: NULL empties it.
     void assignContent(const MOLTVARIANT* source);
 
     // Makes this value a deep copy, without releasing what it held.  NULL leaves it empty.  A source of a tag
@@ -108,13 +109,15 @@ struct TARN_EXPORT MOLTVARIANT {
 
 // The value as a new text.  Texts of tags 10 and 17 are copied (NULL gives an empty text), tag 2 and the
 // numbers of tags 3, 8 and 14 are decimal, tags 4 and 5 show up to 16 digits, tag 6 its one character; any
-// other tag shows the first 32 bits of its payload as a decimal number, 0 for an empty value. Owner: the
-// caller, delete[].  Bad input: NULL answers NULL.
+// other tag shows the first 32 bits of its payload as a decimal number, 0 for an empty value.
+// Owner: the caller, delete[].
+// Bad input: NULL answers NULL.
 TARN_EXPORT char* convertToString(const MOLTVARIANT* value);
 
 // The value through the C library's sprintf, as the one argument behind the format: an int for tags 2 and 6,
 // a double for 4 and 5, a text for 10 and 17, for any other tag the first 32 bits of the payload as an int.
-// The format has to fit the tag.  A text longer than 40 bytes is written whole. Owner: the caller, delete[].
+// The format has to fit the tag.  A text longer than 40 bytes is written whole.
+// Owner: the caller, delete[].
 // Bad input: NULL answers NULL.
 TARN_EXPORT char* convertToString(const MOLTVARIANT* value, const char* format);
 

@@ -108,21 +108,21 @@ class TARN_EXPORT tarnEngineData : public tarnObject {
     // Answers 1 if the field at an index is a column, else 0.
     [[nodiscard]] int isMulti(std::int32_t index) const;
 
-    // Answers `root`.  Owner: the record.
+    // Answers `root`.
+    // Owner: the record.
     MOLTVARIANT* getRootData();
 
     // Takes a value of tag 22 over as the record's whole content.  The number of rows becomes one above the
-    // highest row of all columns and, if there is a row, is stored as a value of tag 2 in field 185. Owner:
-    // the record takes `value` itself too, which must come from new. Bad input: a value of another tag, or
-    // without a field list, stays the caller's and nothing happens.
+    // highest row of all columns and, if there is a row, is stored as a value of tag 2 in field 185.
+    // Owner: the record takes `value` itself too, which must come from new.
+    // Bad input: a value of another tag, or without a field list, stays the caller's and nothing happens.
     void setRootData(MOLTVARIANT* value);
 
     // --- Rows.  Columns are sparse: a column has no cell for a row that was never stored in it.
 
     // Stores a deep copy in one row of a column, which is made if needed; `numMulti` is raised to row + 1.
     //   appendOnly  not 0: adds the cell without looking whether the row has one, so that a row can come to
-    //   stand
-    //               twice; the one stored first is the one that is found
+    //               stand twice; the one stored first is the one that is found
     void storeMultiData(std::int32_t id, std::int32_t row, const MOLTVARIANT* value, int appendOnly);
 
     // Opens a gap in this one column: its cells from `row` on move up by one row, and a deep copy goes in.

@@ -10,11 +10,12 @@
 //   fmtToDouble("1.5mm");                                  // 1500000
 //
 // Buffers: a text result goes into a buffer of the caller's, who sizes it for the longest result; no length
-// is passed.  Source and target may be the same text, or overlap. Bad input: a reader counts as 0 what it
-// can't read.  With a NULL text or buffer and nothing told, nothing happens and the answer is 0 or NULL.
+// is passed.  Source and target may be the same text, or overlap.
+// Bad input: a reader counts as 0 what it can't read.  With a NULL text or buffer and nothing told, nothing
+// happens and the answer is 0 or NULL.
 // Locale: numbers and characters are those of the "C" locale, whatever the program has set; only a format
-// that the caller gives goes to the C library as it is. Threads: no state at all; a text belongs to one
-// thread at a time.
+// that the caller gives goes to the C library as it is.
+// Threads: no state at all; a text belongs to one thread at a time.
 
 #include <cstdint>
 
@@ -31,7 +32,8 @@ class tarnString;
 // numbers are read, with any run of other characters between them, and what follows the third is ignored: the
 // answer is a, a / b or a + b / c.  A number that is still 0 stays open for further digits, so that 0 1/2 is
 // 0.5, and 1 2/0 too.  The numbers have 32 bits and wrap: one that has wrapped below 0 stays open as well,
-// and as the last of two or three makes the answer 0. Bad input: NULL and a text without digits answer 0.
+// and as the last of two or three makes the answer 0.
+// Bad input: NULL and a text without digits answer 0.
 TARN_EXPORT double strToDouble(const char* text);
 
 // Read an amount: digits with commas anywhere, then an optional scale in letters of either case, k or m for
@@ -183,7 +185,9 @@ TARN_EXPORT eFundUnits getDollarsOrShares(tarnEngineData* record, char* target);
 
 // -------------------------------------------------------------------------------------------- text tools
 
-// Joins two texts in a new one.  Owner: the caller, delete[].  Bad input: NULL for either answers NULL.
+// Joins two texts in a new one.
+// Owner: the caller, delete[].
+// Bad input: NULL for either answers NULL.
 TARN_EXPORT char* concatstr(const char* first, const char* second);
 
 // Shrinks each run of blanks to one blank, at the ends too.  Other white space stays.

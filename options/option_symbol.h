@@ -47,9 +47,9 @@ class TARN_EXPORT tarnOptionSymbol {
 };
 
 // Answer columns of XYZ JAN 100.00 CALL without looking at them: the root from column 0, the month from 4,
-// both up to 3 characters, and the strike from 8, up to 8 characters: "XYZ", "JAN", "100.00 C". Owner: the
-// library; the next call of the same function overwrites the text. Bad input: a text that doesn't reach the
-// column, and NULL, give the empty text.
+// both up to 3 characters, and the strike from 8, up to 8 characters: "XYZ", "JAN", "100.00 C".
+// Owner: the library; the next call of the same function overwrites the text.
+// Bad input: a text that doesn't reach the column, and NULL, give the empty text.
 TARN_EXPORT char* OptSymToJustSym(const char* s);
 TARN_EXPORT char* OptSymToExpnMth(const char* s);
 TARN_EXPORT char* OptSymToStrikePrc(const char* s);

@@ -8,9 +8,8 @@
 //   clock          platform/clock.cpp            registry       platform/registry*.cpp
 //   last error     platform/last_error.cpp       menus          platform/menus.cpp
 //   number, text   platform/text_services.cpp    screen         platform/screen.cpp
-//   messages       platform/messages.cpp         drawing        platform/device_contexts.cpp, bitmaps.cpp,
-//   dib.cpp modules        platform/modules.cpp          resources      platform/resources.cpp,
-//   global_memory.cpp
+//   messages       platform/messages.cpp         drawing        platform/device_contexts, bitmaps, dib.cpp
+//   modules        platform/modules.cpp          resources      platform/resources.cpp, global_memory.cpp
 //
 // docs/platform.md tells what each family does where Win32 leaves a choice.  Programs and tests that want
 // another clock, screen or message box than the machine's include platform/host.h.

@@ -51,7 +51,8 @@ class TARN_EXPORT tarnParser {
 
     // Cuts the text up in place, as strtok does, but without its shared position.  The text has to stay as
     // long as the list.  A second text's tokens go behind the first one's.
-    // Answers the head of the list, NULL if there is no token.  Owner: the parser.
+    // Answers the head of the list, NULL if there is no token.
+    // Owner: the parser.
     // Bad input: NULL has no token.
     _link* parseTokens(char* text);
 
@@ -138,7 +139,8 @@ class TARN_EXPORT tarnMenuParser : public tarnParser {
     ~tarnMenuParser();
 
     // Reads a menu text, scrambled on disk (store/file_tools.h) if `scrambled` isn't 0.
-    // Answers the root, of kind 1.  Owner: the parser; a second call releases the first tree.
+    // Answers the root, of kind 1.
+    // Owner: the parser; a second call releases the first tree.
     // Bad input: a file that can't be read, NULL included, and a text without a POPUP give a root with
     // nothing in it.
     tarnMenuDef* getMenuDef(const char* fileName, int scrambled);

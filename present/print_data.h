@@ -66,7 +66,8 @@ class TARN_EXPORT tarnPrintData {
     // Bad input: NULL changes nothing.
     void storeMultiData(const _MultiPrintStruct* record, const MOLTVARIANT* value);
 
-    // Answer a record, NULL if there is none.  Owner: this object, for its whole life.
+    // Answer a record, NULL if there is none.
+    // Owner: this object, for its whole life.
     [[nodiscard]] _PrintStruct* getPrintData(std::int32_t index) const;
     [[nodiscard]] _MultiPrintStruct* getMultiPrintData(std::int32_t id, std::int32_t index) const;
 

@@ -21,14 +21,16 @@
 // Reads a whole file.
 // Answers a new buffer with the file's bytes and a NUL behind them; `size` becomes the number of bytes, which
 // the NUL isn't counted in.  If the file opens but a read fails, the buffer is zero throughout and `size` is
-// 0. Owner: the caller, delete[]. Bad input: a file that can't be opened (a folder, a held file, NULL) or
-// that is longer than 2147483647 bytes answers NULL, with `size` 0.
+// 0.
+// Owner: the caller, delete[].
+// Bad input: a file that can't be opened (a folder, a held file, NULL) or that is longer than 2147483647
+// bytes answers NULL, with `size` 0.
 TARN_EXPORT char* readFile(const char* fileName, std::int32_t& size);
 
 // Creates the file, or cuts an existing one to nothing, and writes `size` bytes from `data`.
 // Answers nonzero if all of them were written and 0 if not; what was written before a failure stays in the
-// file. Bad input: a negative size, or NULL for bytes that are to be written, answers 0 and leaves the file
-// alone.
+// file.
+// Bad input: a negative size, or NULL for bytes that are to be written, answers 0 and leaves the file alone.
 TARN_EXPORT int writeFile(const char* fileName, const char* data, std::int32_t size);
 
 // Scrambles the whole 16-byte blocks of the buffer in place; up to 15 bytes behind them stay as they are.
@@ -41,6 +43,7 @@ TARN_EXPORT void unscramble(char* data, std::int32_t size);
 
 // Writes the other form of `source` to `target`, which may be the same file: the unscrambled form for
 // direction 1, the scrambled form for every other.  Scrambling first fills the file up with blanks to a
-// multiple of 16 bytes, and unscrambling leaves these blanks. Bad input: a source that can't be read whole
-// leaves `target` untouched; a target that can't be written goes unnoticed.
+// multiple of 16 bytes, and unscrambling leaves these blanks.
+// Bad input: a source that can't be read whole leaves `target` untouched; a target that can't be written goes
+// unnoticed.
 TARN_EXPORT void translateFile(int direction, const char* source, const char* target);

@@ -54,7 +54,8 @@ class TARN_EXPORT tarnIndexDataFile {
     int addDataRecord(std::int32_t id, std::int32_t type, std::int32_t repeat, const MOLTVARIANT* value);
 
     // Gives out a value as a new text (convertToString); NULL for a missing record and a `repeat` out of
-    // range. Owner: the caller, delete[].  Answers 1 if the record exists.
+    // range.  Answers 1 if the record exists.
+    // Owner: the caller, delete[].
     int getDataRecord(std::int32_t id, std::int32_t type, std::int32_t repeat, char** text);
 
     // Gives out the stored value itself; NULL for a `repeat` out of range, untouched for a missing record.
@@ -81,12 +82,11 @@ class TARN_EXPORT tarnIndexDataFile {
     // Any content is safe to read:
     // - A header larger than 12 bytes is passed over to its end.
     // - An index block that the file doesn't hold whole gives no records, a pair of keys that stands twice
-    // only its
-    //   first record.
+    //   only its first record.
     // - A value that the file doesn't hold whole reads as an empty value, and so does every one behind it.
     // - Vectors nest 64 deep; a deeper one reads as an empty value.
-    // - A value of tag 16, 20, 21 or 22 reads as an empty value; of another tag no more than its 8 bytes are
-    // kept.
+    // - A value of tag 16, 20, 21 or 22 reads as an empty value; of another tag no more than its 8 bytes
+    //   are kept.
     // - Records may promise a million values more than the file can hold; beyond that `repeats` is cut.
     int readIndexDataFile(const char* fileName);
 

@@ -90,8 +90,7 @@ constexpr std::array<BlockKind, 3> blockKinds(Direction direction) {
              {BlockForm(whole, 2), BlockForm(BufferForm<3>(direction), 2)}}};
 }
 
-// ------------------------------------------------------------------------------------ what the table is good
-// for
+// ------------------------------------------------------------------------------- what the table is good for
 
 namespace scrambleproof {
 

@@ -100,6 +100,11 @@ TEST(VariantTest, ContainersAreMeasuredAndCompareAsNothing) {
     EXPECT_EQ(list.sizeOfData(), 20);
     EXPECT_EQ(column({}).sizeOfData(), 4);
     EXPECT_EQ(column({1, 2}).sizeOfData(), 12);
+    multiColumn withoutCells{nullptr};
+    MOLTVARIANT bare;
+    bare.tag = tagMulti;
+    bare.payload.multi = &withoutCells;
+    EXPECT_EQ(bare.sizeOfData(), 4);
     EXPECT_EQ(varcmp(list, doubles) + isVarEqual(list, list) + isVarLike(list, list), 0);
     EXPECT_EQ(varcmp(text("a"), list), 1);  // a container has no text form
 }
