@@ -2,12 +2,8 @@
 // and the standard library.  Every peer's answers are compared before anything is timed.  One iteration works
 // off a whole book of prices with one to five digits in front of the point and two to four behind it.
 
-#include <benchmark/benchmark.h>
-
 #include <charconv>
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <random>
 #include <string>
@@ -16,8 +12,11 @@
 #include "core/number_text.h"
 #include "core/variant.h"
 #include "fintext/financial_text.h"
+#include "support.h"
 
 namespace {
+
+using bench::require;
 
 constexpr int bookSize = 1024;
 constexpr std::uint32_t decimalsShown = 2;
@@ -40,12 +39,6 @@ std::vector<Price> book() {
         price.value = std::strtod(price.text, nullptr);
     }
     return prices;
-}
-
-void require(bool holds, const char* what) {
-    if (holds) return;
-    std::fprintf(stderr, "financial_text_bench: %s\n", what);
-    std::exit(1);
 }
 
 // ---------------------------------------------------------------------------------------------- reading
@@ -229,13 +222,6 @@ BENCHMARK(run<roundByHand>)->Name("round_text/hand_written");
 BENCHMARK(run<roundPrintf>)->Name("round_text/printf");
 
 int main(int argc, char** argv) {
-#ifndef __OPTIMIZE__
-    require(false, "built without optimisation");
-#endif
     checkAnswers();
-    benchmark::AddCustomContext("compiler", __VERSION__);
-    benchmark::AddCustomContext("book", "1024 prices, 1 to 5 digits, 2 to 4 decimals");
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
+    return bench::run(argc, argv, {});
 }

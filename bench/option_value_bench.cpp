@@ -140,8 +140,8 @@ Result quantLib(const Option& option) {
     return result;
 }
 
-// QuantLib's way for programs: one process, whose quotes are set for each option, and an instrument with the analytic
-// engine.  The implied volatility comes from its own solver.
+// QuantLib's way for programs: one process, whose quotes are set for each option, and an instrument with the
+// analytic engine.  The implied volatility comes from its own solver.
 class Engine {
   public:
     Result value(const Option& option) {
