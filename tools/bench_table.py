@@ -37,12 +37,14 @@ class Output:
 
 
 class Figures:
-    """Medians in nanoseconds by job and who, bytes a row by job, and how far repetitions lay apart."""
+    """Medians in nanoseconds by job and who, bytes a row by job, and of each of our jobs how far the repetitions lay apart
+    and how many times as long as the processor worked it took."""
 
     def __init__(self):
         self.medians = collections.defaultdict(dict)
         self.bytes_a_row = {}
         self.spreads = []
+        self.waits = []
 
     def take(self, report):
         """Answers the jobs of the report."""
@@ -60,6 +62,8 @@ class Figures:
             else:
                 scale = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}[entry["time_unit"]]
                 self.medians[job][who] = entry["real_time"] * scale
+                if who == "ours":
+                    self.waits.append(entry["real_time"] / entry["cpu_time"])
         return sorted(taken, key=by_name_and_size)
 
     def ratios(self, job):
@@ -143,7 +147,6 @@ def describe(folder):
     compiler = subprocess.run([cache["CMAKE_CXX_COMPILER:FILEPATH"], "--version"], stdout=subprocess.PIPE, text=True,
                               check=True).stdout.splitlines()[0]
     return {"machine": f"{model[1] if model else platform.machine()}, {os.cpu_count()} cores",
-            "load": f"{os.getloadavg()[0]:.1f} at the start; above 0.5 the figures say little",
             "compiler": f"{compiler}, {cache['CMAKE_CXX_FLAGS_RELEASE:STRING']}",
             "tarnutil": cache["CMAKE_PROJECT_VERSION:STATIC"]}
 
@@ -172,11 +175,11 @@ def tell_growth(output, figures, goals, width):
 
 
 def tell_end(output, figures, goals, complete):
-    if figures.spreads:
-        output.say(f"\nOur repetitions lay {100 * statistics.median(figures.spreads):.1f} % apart (standard deviation, "
-                   "the jobs' median).")
+    if figures.spreads and figures.waits:
+        output.say(f"spread    {100 * statistics.median(figures.spreads):.1f} % between our repetitions, and "
+                   f"{statistics.median(figures.waits):.2f} times the processor's time (1.00 on a quiet machine); medians")
     missed = goals.missed()
-    output.say(f"{len(goals.results) - len(missed)} goals met, {len(missed)} missed" + (":" if missed else "."))
+    output.say(f"\n{len(goals.results) - len(missed)} goals met, {len(missed)} missed" + (":" if missed else "."))
     for result in missed:
         output.say(f"  {result['job']}, {result['peer']}: {result['figure']:.3g} instead of {result['limit']:g}")
     if complete and goals.never_measured():
@@ -209,13 +212,15 @@ def main():
     output.say("\nOur median, and how many times as long it is as each peer's, of the same run, the fastest peer first:")
 
     width = max(len(job) for job, _ in goals.limits) + 2
-    peers = {}
+    peers, groups = {}, {}
     for program in sorted(arguments.folder.glob("*_bench")):
         report = run(program, arguments.filter)
         jobs = figures.take(report)
         peers.update((key[len("peer "):], value) for key, value in report["context"].items() if key.startswith("peer "))
         if jobs:
-            output.say(f"\n{program.name.removesuffix('_bench').replace('_', ' ')}")
+            title = program.name.removesuffix("_bench").replace("_", " ")
+            groups[title] = jobs
+            output.say(f"\n{title}")
             tell_jobs(output, figures, goals, jobs, width)
     tell_growth(output, figures, goals, width)
     context["peers"] = ", ".join(f"{name} {version}" for name, version in sorted(peers.items()))
@@ -223,7 +228,7 @@ def main():
     tell_end(output, figures, goals, complete=not arguments.filter)
 
     if arguments.json:
-        arguments.json.write_text(json.dumps({"context": context, "medians": figures.medians,
+        arguments.json.write_text(json.dumps({"context": context, "groups": groups, "medians": figures.medians,
                                               "bytes_a_row": figures.bytes_a_row, "growth": figures.sweeps(),
                                               "goals": goals.results}, indent=1, sort_keys=True) + "\n")
     if arguments.page:
