@@ -152,7 +152,6 @@ BENCHMARK(copy)->Name("uudecode/memcpy")->Apply(sizes);
 }  // namespace
 
 int main(int argc, char** argv) {
-    const std::string glib = std::to_string(glib_major_version) + '.' + std::to_string(glib_minor_version) +
-                             '.' + std::to_string(glib_micro_version);
+    const std::string glib = bench::version(glib_major_version, glib_minor_version, glib_micro_version);
     return bench::run(argc, argv, {{"OpenSSL", OpenSSL_version(OPENSSL_VERSION_STRING)}, {"GLib", glib}});
 }

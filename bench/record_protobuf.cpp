@@ -54,9 +54,8 @@ std::unique_ptr<RecordPeer> makeProtobuf() {
 }
 
 std::string protobufVersion() {
-    const int version = GOOGLE_PROTOBUF_VERSION;  // major, minor and patch, three digits each
-    return std::to_string(version / 1'000'000) + '.' + std::to_string(version / 1000 % 1000) + '.' +
-           std::to_string(version % 1000);
+    constexpr unsigned number = GOOGLE_PROTOBUF_VERSION;  // three digits each
+    return version(number / 1'000'000, number / 1000 % 1000, number % 1000);
 }
 
 }  // namespace bench

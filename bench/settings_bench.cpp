@@ -316,7 +316,6 @@ BENCHMARK(valueWrite<Sqlite>)->Name("registry_write/sqlite")->Apply(bytes)->Iter
 }  // namespace
 
 int main(int argc, char** argv) {
-    const std::string glib = std::to_string(glib_major_version) + '.' + std::to_string(glib_minor_version) +
-                             '.' + std::to_string(glib_micro_version);
+    const std::string glib = bench::version(glib_major_version, glib_minor_version, glib_micro_version);
     return bench::run(argc, argv, {{"GLib", glib}, {"SQLite", sqlite3_libversion()}});
 }

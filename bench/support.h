@@ -47,6 +47,10 @@ inline std::string contentOf(const std::string& name) {
     return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
+inline std::string version(unsigned major, unsigned minor, unsigned patch) {
+    return std::to_string(major) + '.' + std::to_string(minor) + '.' + std::to_string(patch);
+}
+
 // The main function of a program.
 //   peers  names and versions, which come into the report's context
 inline int run(int argc, char** argv, std::initializer_list<std::pair<const char*, std::string>> peers) {

@@ -63,7 +63,8 @@ def shown_jobs(figures, goals, group):
 def peers_of(figures, job):
     """Who it is held against and the ratio, the fastest peer first."""
     times = figures["medians"][job]
-    return [(who, times["ours"] / time) for time, who in sorted((time, who) for who, time in times.items()) if who != "ours"]
+    peers = sorted((time, who) for who, time in times.items() if who != "ours")
+    return [(who, times["ours"] / time) for time, who in peers]
 
 
 def join(name, size):
