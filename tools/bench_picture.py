@@ -16,7 +16,7 @@ import sys
 
 WIDTH = 800
 ROW, BAR, HEAD = 17, 10, 20
-JOB_X, PEER_X, LEFT, RIGHT, RATIO_X, GOAL_X = 16, 222, 362, 668, 722, 784
+JOB_X, PEER_X, LEFT, RIGHT, RATIO_X, GOAL_X = 16, 230, 366, 668, 722, 784
 FASTER, SLOWER, MISSED = "#2a7f8e", "#c9a24a", "#c0392b"
 INK, PALE, LINE, PAPER, BAND = "#1f2933", "#5f6b76", "#c6ccd2", "#ffffff", "#f3f5f7"
 

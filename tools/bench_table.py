@@ -22,6 +22,7 @@ import subprocess
 import sys
 
 REPETITIONS = 7
+WIDTH = 30  # of a job's name
 GOALS = pathlib.Path(__file__).parent.parent / "bench" / "goals.txt"
 
 
@@ -151,18 +152,18 @@ def describe(folder):
             "tarnutil": cache["CMAKE_PROJECT_VERSION:STATIC"]}
 
 
-def tell_jobs(output, figures, goals, jobs, width):
+def tell_jobs(output, figures, goals, jobs):
     for job in jobs:
         if job in figures.bytes_a_row:
             figure = figures.bytes_a_row[job]
-            output.say(f"{job:{width}}  {figure:.1f} bytes a row{goals.verdict(job, 'bytes', figure)}")
+            output.say(f"{job:{WIDTH}}  {figure:.1f} bytes a row{goals.verdict(job, 'bytes', figure)}")
         elif "ours" in figures.medians[job]:
             peers = "  ".join(f"{who} {readable_ratio(ratio)}{goals.verdict(job, who, ratio)}"
                               for who, ratio in figures.ratios(job))
-            output.say(f"{job:{width}}  {readable_time(figures.medians[job]['ours']):>8}  {peers}".rstrip())
+            output.say(f"{job:{WIDTH}}  {readable_time(figures.medians[job]['ours']):>8}  {peers}".rstrip())
 
 
-def tell_growth(output, figures, goals, width):
+def tell_growth(output, figures, goals):
     sweeps = figures.sweeps()
     if not sweeps:
         return
@@ -172,7 +173,7 @@ def tell_growth(output, figures, goals, width):
         times = list(sizes.values())
         growth = times[-1] / times[0]
         steps = "  ".join(f"{size}: {readable_time(time)}" for size, time in sizes.items())
-        output.say(f"{job:{width}}  {steps}  {readable_ratio(growth)}{goals.verdict(job, 'growth', growth)}")
+        output.say(f"{job:{WIDTH}}  {steps}  {readable_ratio(growth)}{goals.verdict(job, 'growth', growth)}")
 
 
 def tell_end(output, figures, goals):
@@ -186,14 +187,17 @@ def tell_end(output, figures, goals):
         output.say(f"  {result['job']}, {result['peer']}: {result['figure']:.3g} instead of {result['limit']:g}")
 
 
+PLACE = re.compile(r"<!-- table -->\n\n```\n.*?```\n", re.DOTALL)
+
+
+def require_place(page):
+    if not PLACE.search(page.read_text()):
+        sys.exit(f"{page} has no place for the table, which is a fenced block behind <!-- table -->")
+
+
 def put_into_page(page, lines):
-    """Replaces the first fenced block behind the mark <!-- table -->."""
-    text = page.read_text()
     block = "<!-- table -->\n\n```\n" + "\n".join(lines) + "\n```\n"
-    changed, count = re.subn(r"<!-- table -->\n\n```\n.*?\n```\n", lambda _: block, text, count=1, flags=re.DOTALL)
-    if count != 1:
-        sys.exit(f"{page} has no place for the table")
-    page.write_text(changed)
+    page.write_text(PLACE.sub(lambda _: block, page.read_text(), count=1))
 
 
 def main():
@@ -204,6 +208,8 @@ def main():
     parser.add_argument("--page", type=pathlib.Path)
     parser.add_argument("--strict", action="store_true")
     arguments = parser.parse_args()
+    if arguments.page:
+        require_place(arguments.page)
 
     output, figures, goals = Output(), Figures(), Goals()
     context = describe(arguments.folder)
@@ -211,7 +217,6 @@ def main():
         output.say(f"{title:9} {text}")
     output.say("\nOur median, and how many times as long it is as each peer's, of the same run, the fastest peer first:")
 
-    width = max(len(job) for job, _ in goals.limits) + 2
     peers, groups = {}, {}
     for program in sorted(arguments.folder.glob("*_bench")):
         report = run(program, arguments.filter)
@@ -222,8 +227,8 @@ def main():
             title = program.name.removesuffix("_bench").replace("_", " ")
             groups[title] = jobs
             output.say(f"\n{title}")
-            tell_jobs(output, figures, goals, jobs, width)
-    tell_growth(output, figures, goals, width)
+            tell_jobs(output, figures, goals, jobs)
+    tell_growth(output, figures, goals)
     context["peers"] = ", ".join(f"{name} {version}" for name, version in sorted(peers.items()))
     output.say(f"\npeers     {context['peers']}")
     tell_end(output, figures, goals)
