@@ -2,12 +2,8 @@
 // and the standard library.  Every peer's answers are compared before anything is timed.  One iteration works
 // off a whole book of prices with one to five digits in front of the point and two to four behind it.
 
-#include <benchmark/benchmark.h>
-
 #include <charconv>
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <random>
 #include <string>
@@ -16,10 +12,12 @@
 #include "core/number_text.h"
 #include "core/variant.h"
 #include "fintext/financial_text.h"
+#include "support.h"
 
 namespace {
 
-constexpr int bookSize = 1024;
+using bench::require;
+
 constexpr std::uint32_t decimalsShown = 2;
 constexpr double powersOfTen[] = {1, 10, 100, 1000, 10000};
 
@@ -28,9 +26,9 @@ struct Price {
     double value;
 };
 
-std::vector<Price> book() {
+std::vector<Price> book(std::int64_t size) {
     std::mt19937 random(20240101);
-    std::vector<Price> prices(bookSize);
+    std::vector<Price> prices(static_cast<std::size_t>(size));
     for (Price& price : prices) {
         const int digits = 1 + static_cast<int>(random() % 5);
         const int decimals = 2 + static_cast<int>(random() % 3);
@@ -40,12 +38,6 @@ std::vector<Price> book() {
         price.value = std::strtod(price.text, nullptr);
     }
     return prices;
-}
-
-void require(bool holds, const char* what) {
-    if (holds) return;
-    std::fprintf(stderr, "financial_text_bench: %s\n", what);
-    std::exit(1);
 }
 
 // ---------------------------------------------------------------------------------------------- reading
@@ -164,16 +156,16 @@ using Write = void (*)(const Price&, Shown&);
 
 template <Read read>
 void run(benchmark::State& state) {
-    const std::vector<Price> prices = book();
+    const std::vector<Price> prices = book(state.range(0));
     for (auto _ : state) {
         for (const Price& price : prices) benchmark::DoNotOptimize(read(price));
     }
-    state.SetItemsProcessed(state.iterations() * bookSize);
+    state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
 template <Write write>
 void run(benchmark::State& state) {
-    const std::vector<Price> prices = book();
+    const std::vector<Price> prices = book(state.range(0));
     Shown shown{};
     for (auto _ : state) {
         for (const Price& price : prices) {
@@ -181,7 +173,7 @@ void run(benchmark::State& state) {
             benchmark::DoNotOptimize(shown);
         }
     }
-    state.SetItemsProcessed(state.iterations() * bookSize);
+    state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
 std::string shownBy(Write write, const Price& price) {
@@ -196,8 +188,12 @@ bool isHalf(const Price& price) {
     return *dropped == '5' && dropped[1 + std::strspn(dropped + 1, "0")] == '\0';
 }
 
+void sizes(benchmark::internal::Benchmark* job) {
+    job->Arg(32)->Arg(1024)->Arg(32'768);
+}
+
 void checkAnswers() {
-    for (const Price& price : book()) {
+    for (const Price& price : book(32'768)) {
         for (const Read read : {readOurs, readOursFractions, readByHand, readFromChars, readStrtod}) {
             require(read(price) == price.value, "a reader answers otherwise");
         }
@@ -214,28 +210,21 @@ void checkAnswers() {
 
 }  // namespace
 
-BENCHMARK(run<readOurs>)->Name("price_read/ours");
-BENCHMARK(run<readByHand>)->Name("price_read/hand_written");
-BENCHMARK(run<readFromChars>)->Name("price_read/from_chars");
-BENCHMARK(run<readStrtod>)->Name("price_read/strtod");
-BENCHMARK(run<readOursFractions>)->Name("price_or_fraction_read/ours");
-BENCHMARK(run<readByHand>)->Name("price_or_fraction_read/hand_written");
-BENCHMARK(run<writeOurs>)->Name("price_write/ours");
-BENCHMARK(run<writeByHand>)->Name("price_write/hand_written");
-BENCHMARK(run<writeToChars>)->Name("price_write/to_chars");
-BENCHMARK(run<writePrintf>)->Name("price_write/printf");
-BENCHMARK(run<roundOurs>)->Name("round_text/ours");
-BENCHMARK(run<roundByHand>)->Name("round_text/hand_written");
-BENCHMARK(run<roundPrintf>)->Name("round_text/printf");
+BENCHMARK(run<readOurs>)->Name("price_read/ours")->Apply(sizes);
+BENCHMARK(run<readByHand>)->Name("price_read/hand_written")->Apply(sizes);
+BENCHMARK(run<readFromChars>)->Name("price_read/from_chars")->Apply(sizes);
+BENCHMARK(run<readStrtod>)->Name("price_read/strtod")->Apply(sizes);
+BENCHMARK(run<readOursFractions>)->Name("price_or_fraction_read/ours")->Apply(sizes);
+BENCHMARK(run<readByHand>)->Name("price_or_fraction_read/hand_written")->Apply(sizes);
+BENCHMARK(run<writeOurs>)->Name("price_write/ours")->Apply(sizes);
+BENCHMARK(run<writeByHand>)->Name("price_write/hand_written")->Apply(sizes);
+BENCHMARK(run<writeToChars>)->Name("price_write/to_chars")->Apply(sizes);
+BENCHMARK(run<writePrintf>)->Name("price_write/printf")->Apply(sizes);
+BENCHMARK(run<roundOurs>)->Name("round_text/ours")->Apply(sizes);
+BENCHMARK(run<roundByHand>)->Name("round_text/hand_written")->Apply(sizes);
+BENCHMARK(run<roundPrintf>)->Name("round_text/printf")->Apply(sizes);
 
 int main(int argc, char** argv) {
-#ifndef __OPTIMIZE__
-    require(false, "built without optimisation");
-#endif
     checkAnswers();
-    benchmark::AddCustomContext("compiler", __VERSION__);
-    benchmark::AddCustomContext("book", "1024 prices, 1 to 5 digits, 2 to 4 decimals");
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
+    return bench::run(argc, argv, {});
 }
