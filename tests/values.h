@@ -18,14 +18,11 @@ struct Owned : MOLTVARIANT {
     Owned() = default;
     explicit Owned(const MOLTVARIANT* source) : MOLTVARIANT(source) {}
     Owned(Owned&& other) noexcept : MOLTVARIANT(other) { other.initContent(nullptr); }
-    Owned(const Owned&) = delete;
-    Owned& operator=(const Owned&) = delete;
     ~Owned() { destroyContent(); }
 
     // Gives the value away, as a value made by new.
     MOLTVARIANT* release() {
-        auto* const value = new MOLTVARIANT;
-        value->assignContent(this);
+        auto* const value = new MOLTVARIANT(*static_cast<const MOLTVARIANT*>(this));
         initContent(nullptr);
         return value;
     }
@@ -92,45 +89,45 @@ Owned listOf(Elements&&... elements) {
     return made;
 }
 
-// Everything that a value holds, as one text: equal texts mean equal values.
+// Everything that a value holds, as one text: equal texts mean equal values.  The payload of a tag without a
+// form of its own shows as one number: a long 4 is "3:4", an empty value "0:0".
 inline std::string describe(const MOLTVARIANT* value) {
     if (value == nullptr) return "NULL";
     std::string out = std::to_string(value->tag) + ":";
     const auto& payload = value->payload;
+    const auto bytes = [&](const unsigned char* data, std::int32_t size) {
+        return out.append(reinterpret_cast<const char*>(data), static_cast<std::size_t>(size));
+    };
+    const auto add = [&](std::int32_t key, const MOLTVARIANT* part) {
+        out += std::to_string(key) + "=" + describe(part) + ",";
+    };
+    std::uint64_t number = 0;
     switch (value->tag) {
         case tagText: return out + (payload.text == nullptr ? "-" : payload.text);
         case tagString: return out + (payload.string == nullptr ? "-" : payload.string->text);
+        case tagBlob: return bytes(payload.blob.data, payload.blob.length);
+        case tagBlock: return bytes(payload.block, 16);
         case tagWideText:
-            for (const char16_t* c = payload.wideText; c != nullptr && *c != 0; ++c)
-                out += std::to_string(*c) + ",";
-            return out + (payload.wideText == nullptr ? "-" : "");
+            for (const char16_t c : std::u16string(payload.wideText == nullptr ? u"-" : payload.wideText))
+                out += std::to_string(c) + ",";
+            return out;
         case tagVector:
             for (MOLTVARIANT** e = payload.vector; e != nullptr && *e != nullptr; ++e)
-                out += describe(*e) + ";";
+                out += describe(*e) + ",";
             return out + (payload.vector == nullptr ? "-" : ".");
-        case tagBlob:
-            return out + std::string(reinterpret_cast<char*>(payload.blob.data),
-                                     static_cast<std::size_t>(payload.blob.length));
-        case tagBlock: return out + std::string(reinterpret_cast<char*>(payload.block), 16);
         case tagList:
-            for (std::int32_t i = 0; i < payload.list->count; ++i)
-                out += describe(payload.list->getAt(i)) + ";";
+            for (std::int32_t i = 0; i < payload.list->count; ++i) add(i, payload.list->getAt(i));
             return out + ".";
-        case tagMulti: {
-            const nodeList& nodes = *payload.multi->nodes;
-            for (std::int32_t i = 0; i < nodes.count; ++i) {
-                out +=
-                    std::to_string(nodes.cells[i]->key.number) + "=" + describe(nodes.cells[i]->value) + ";";
-            }
+        case tagMulti:
+            for (nodeCell **c = payload.multi->nodes->cells, **end = c + payload.multi->nodes->count;
+                 c != end; ++c)
+                add((*c)->key.number, (*c)->value);
             return out + ".";
-        }
         case tagRecord:
-            for (std::int32_t i = 0; i < payload.record->count; ++i) {
-                out += std::to_string(payload.record->ids->getAt(i)) + "=" +
-                       describe(payload.record->values->getAt(i)) + ";";
-            }
+            for (std::int32_t i = 0; i < payload.record->count; ++i)
+                add(payload.record->ids->getAt(i), payload.record->values->getAt(i));
             return out + ".";
-        default: return out + std::string(reinterpret_cast<const char*>(payload.plain), 8);
+        default: std::memcpy(&number, payload.plain, sizeof number); return out + std::to_string(number);
     }
 }
 

@@ -5,14 +5,7 @@
 
 namespace {
 
-using tarntest::blob;
-using tarntest::describe;
-using tarntest::listOf;
-using tarntest::number;
-using tarntest::Owned;
-using tarntest::text;
-using tarntest::vectorOf;
-using tarntest::wideText;
+using namespace tarntest;
 
 Owned column(std::initializer_list<std::int32_t> rows) {
     Owned made;
@@ -37,11 +30,9 @@ Owned record() {
 
 // A missing element is copied as an empty value.
 std::string describeCopy(const MOLTVARIANT& value) {
-    const MOLTVARIANT empty;
     std::string expected = describe(&value);
-    for (std::size_t at = expected.find("NULL"); at != std::string::npos; at = expected.find("NULL")) {
-        expected.replace(at, 4, describe(&empty));
-    }
+    for (std::size_t at = 0; (at = expected.find("NULL")) != std::string::npos;)
+        expected.replace(at, 4, "0:0");
     return expected;
 }
 
@@ -83,23 +74,19 @@ TEST(VariantTest, RawMemoryBecomesAnEmptyValueAndAValueCopiesItself) {
     MOLTVARIANT raw;
     std::memset(static_cast<void*>(&raw), 0xAA, sizeof raw);
     raw.initContent(nullptr);
-    const MOLTVARIANT empty;
-    EXPECT_EQ(describe(&raw), describe(&empty));
-    Owned value = text("self");
-    const Owned old(std::move(value));
+    EXPECT_EQ(describe(&raw), "0:0");
+    const Owned old = text("self");
+    Owned value;
     value.assignContent(&old);
     value.copyContent(&value);
-    EXPECT_NE(value.payload.text, old.payload.text);
-    EXPECT_STREQ(value.payload.text, "self");
+    EXPECT_TRUE(value.payload.text != old.payload.text && describe(&value) == "10:self");
 }
 
 TEST(VariantTest, ContainersAreMeasuredAndCompareAsNothing) {
     const Owned doubles = vectorOf(number(tagDouble, 1), number(tagDouble, 2)),
                 list = listOf(Owned(&doubles));
-    EXPECT_EQ(doubles.sizeOfData(), 16);
-    EXPECT_EQ(list.sizeOfData(), 20);
-    EXPECT_EQ(column({}).sizeOfData(), 4);
-    EXPECT_EQ(column({1, 2}).sizeOfData(), 12);
+    EXPECT_TRUE(doubles.sizeOfData() == 16 && list.sizeOfData() == 20);
+    EXPECT_TRUE(column({}).sizeOfData() == 4 && column({1, 2}).sizeOfData() == 12);
     EXPECT_EQ(varcmp(list, doubles) + isVarEqual(list, list) + isVarLike(list, list), 0);
     EXPECT_EQ(varcmp(text("a"), list), 1);  // a container has no text form
 }

@@ -2,17 +2,13 @@
 
 #include <algorithm>
 #include <map>
-#include <random>
-#include <vector>
 
-#include "engine/engine_data.h"
+#include "tests/engine/shown.h"
 #include "tests/support.h"
-#include "tests/values.h"
 
 namespace {
 
-using tarntest::number;
-using tarntest::Owned;
+using namespace tarntest;
 
 constexpr std::int32_t noValue = -1;
 
@@ -83,9 +79,8 @@ TEST(MultiDataTest, RandomWorkMatchesAModel) {
 
 TEST(MultiDataTest, PositionsAreNotRowsWhileASortIsPending) {
     tarnEngineData record;
-    const Owned ten = number(tagLong, 10), sameNumber = number(tagNumber, 10), five = number(tagLong, 5);
-    record.storeMultiData(7, 5, &five, 1);
-    record.storeMultiData(7, 1, &ten, 1);
+    const Owned ten = number(tagLong, 10), sameNumber = number(tagNumber, 10);
+    storeLong(record, 7, 5, 5, 1), storeLong(record, 7, 1, 10, 1);
     EXPECT_EQ(record.findMultiData(7, &ten), 1);
     MOLTVARIANT out;
     EXPECT_EQ(record.getMultiData(7, 5, &out), 0);  // the column's index, not the row
@@ -97,32 +92,29 @@ TEST(MultiDataTest, PositionsAreNotRowsWhileASortIsPending) {
 
 TEST(MultiDataTest, ARowThatStandsTwiceReadsAsTheOneStoredFirst) {
     tarnEngineData record;
-    for (const std::int32_t i : {1, 2}) {
-        const Owned value = number(tagLong, i);
-        record.storeMultiData(7, 4, &value, 1);
-    }
-    for (const std::int32_t i : {1, 2}) {
+    for (const std::int32_t value : {1, 2}) storeLong(record, 7, 4, value, 1);
+    for (const char* left : {"7[4:1,4:2,] 5", "7[4:2,] 5"}) {
         MOLTVARIANT out;
         record.getMultiData(7, 4, &out);
-        EXPECT_EQ(out.payload.longValue, i);
+        EXPECT_EQ(out.payload.longValue, left[4] - '0');
+        EXPECT_EQ(shown(record), left);
         record.removeMultiData(7, 4);
     }
 }
 
 TEST(MultiDataTest, ACellTakesAViewOfItselfAndNullIsAnEmptyCell) {
     tarnEngineData record;
-    const Owned value = tarntest::text("abc");
-    record.storeMultiData(7, 0, &value, 0);
     MOLTVARIANT out;
+    storeLong(record, 7, 0, 5);
+    const Owned value = text("abc");
+    record.storeMultiData(7, 0, &value, 0);
     record.getMultiData(7, 0, &out);
     record.storeMultiData(7, 0, &out, 0);
     record.getMultiData(7, 0, &out);
     record.insertMultiData(7, 0, &out);
-    record.getMultiData(7, 1, &out);
-    EXPECT_STREQ(out.payload.text, "abc");
-    record.storeMultiData(7, 1, nullptr, 0);
-    EXPECT_EQ(record.getMultiData(7, 1, &out), 0);
-    EXPECT_EQ(out.tag, tagEmpty);
+    record.storeMultiData(7, 2, nullptr, 0);
+    EXPECT_EQ(shown(record), "7[0:abc,1:abc,2:,] 3");
+    EXPECT_TRUE(record.getMultiData(7, 2, &out) == 0 && out.tag == tagEmpty);
 }
 
 TEST(MultiDataTest, RowsNumberOnesThatDontExistChangeOnlyTheCount) {
@@ -131,38 +123,29 @@ TEST(MultiDataTest, RowsNumberOnesThatDontExistChangeOnlyTheCount) {
     EXPECT_EQ(record.getNumMulti(), -1);
     record.setNumMulti(7);
     record.removeMultiData(3, 3);
-    EXPECT_EQ(record.getNumMulti(), 7);
-    const Owned value = number(tagLong, 1);
-    record.storeMultiData(1, INT32_MAX, &value, 0);
-    EXPECT_EQ(record.getNumMulti(), INT32_MIN);  // it wraps
+    EXPECT_EQ(shown(record), "7");
+    storeLong(record, 1, INT32_MAX, 1);  // the number of rows wraps, and then the row does
+    EXPECT_EQ(shown(record), "1[2147483647:1,] -2147483648");
+    const Owned value = number(tagLong, 2);
     record.insertMultiData(1, 5, &value);
-    MOLTVARIANT out;
-    EXPECT_EQ(record.getMultiData(1, INT32_MIN, &out), 0);
+    EXPECT_EQ(shown(record), "1[-2147483648:1,5:2,] 6");
 }
 
 TEST(MultiDataTest, AppendedRowsKeepTheirDistanceAndBringFieldMinus26) {
     tarnEngineData record, other;
-    const Owned value = number(tagLong, 1);
-    for (const std::int32_t row : {0, 1}) record.storeMultiData(1, row, &value, 0);
-    other.storeMultiData(2, 2, &value, 0);
-    other.storeMultiData(1, 0, &value, 0);
+    for (const std::int32_t row : {0, 1}) storeLong(record, 1, row, row);
+    storeLong(other, 2, 2, 7), storeLong(other, 1, 0, 8);
     other.storeMultiData(1, 1, nullptr, 0);  // an empty cell doesn't travel
+    const Owned value = text("x");
     for (const std::int32_t id : {-26, 5}) other.storeData(id, &value);
     record.appendMultiData(&other);
-    MOLTVARIANT out;
-    EXPECT_EQ(record.getNumMulti(), 5);
-    EXPECT_EQ(record.getMultiData(2, 4, &out), 1);
-    EXPECT_EQ(record.getMultiData(1, 2, &out), 0);
-    EXPECT_EQ(record.getMultiData(1, 3, &out), -1);
-    EXPECT_EQ(record.getData(5, &out), -1);
-    EXPECT_EQ(record.getData(-26, &out), 2);
-    EXPECT_EQ(out.tag, tagLong);
+    EXPECT_EQ(shown(record), "1[0:0,1:1,2:8,] 2[4:7,] -26=x 5");
     other.removeData(-26);
+    storeLong(other, 1, 2, 9), other.setNumMulti(1);  // as many cells of each column as there are rows
     record.appendMultiData(&other);
-    EXPECT_EQ(record.getData(-26, &out), 2);  // overwritten by an empty value
-    EXPECT_EQ(out.tag, tagEmpty);
+    EXPECT_EQ(shown(record), "1[0:0,1:1,2:8,5:8,] 2[4:7,7:7,] -26= 8");
     record.appendMultiData(&record);
-    EXPECT_EQ(record.getMultiData(2, 12, &out), 1);
+    EXPECT_EQ(shown(record), "1[0:0,1:1,2:8,5:8,8:0,9:1,10:8,13:8,] 2[4:7,7:7,12:7,15:7,] -26= 16");
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include "core/exception.h"
 #include "engine/engine_data.h"
+#include "tests/support.h"
 #include "tests/values.h"
 
 namespace {

@@ -1,7 +1,6 @@
 // Messages and modules: platform/messages.cpp, platform/modules.cpp, and the system's own on Windows.
 
 #include <cstring>
-#include <utility>
 
 #include "tests/support.h"
 
