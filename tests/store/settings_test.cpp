@@ -49,10 +49,10 @@ TEST_F(IniFile, DefaultsStandInForWhatIsMissingOrEmpty) {
         char buffer[20] = "before";
         std::int32_t value = -1;
         ini.writeIniString("s", "k", textOf(cells[0]));
-        if (function == "int")
-            return std::to_string(ini.readIniInt("s", "k", 8, value)) + " " + std::to_string(value);
-        return std::to_string(ini.readIniString("s", "k", textOf(cells[1]), buffer, std::stoi(cells[2]))) +
-               buffer;
+        const int found = function == "int"
+                              ? ini.readIniInt("s", "k", 8, value)
+                              : ini.readIniString("s", "k", textOf(cells[1]), buffer, std::stoi(cells[2]));
+        return std::to_string(found) + (function == "int" ? " " + std::to_string(value) : buffer);
     };
     // A number that is stored as the default is found too.
     expectAnswers(R"(
