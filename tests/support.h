@@ -1,16 +1,22 @@
 #pragma once
 
-// What tests need of the system, once: a temporary folder, whole files, the environment.  Everything stands
-// on std::filesystem, so that the same tests also run on Windows.
+// What tests need, once: the headers that most of them use, and of the system a temporary folder, whole files
+// and the environment.  Everything stands on std::filesystem, so that the same tests also run on Windows.
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
+#include <cmath>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <random>
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "platform/win32.h"

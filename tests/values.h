@@ -2,14 +2,9 @@
 
 // Values for tests: made in one call, destroyed with the object, and compared to the bottom.
 
-#include <cstdint>
-#include <cstring>
-#include <string>
-#include <string_view>
-#include <vector>
-
 #include "core/string.h"
 #include "core/variant.h"
+#include "tests/support.h"
 
 namespace tarntest {
 

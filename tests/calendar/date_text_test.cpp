@@ -1,11 +1,6 @@
 // Date text and packed dates: calendar/date_text.cpp, calendar/packed_dates.cpp.  The calls and answers of
 // tests/calendar/examples.txt, for all sources of calendar/.
 
-#include <algorithm>
-#include <cstring>
-#include <memory>
-#include <tuple>
-
 #include "calendar/market_calendar.h"
 #include "tests/support.h"
 

@@ -1,8 +1,5 @@
 // Arrays, lists and keyed cells: core/containers.h and core/containers.cpp.
 
-#include <algorithm>
-#include <array>
-
 #include "core/containers.h"
 #include "tests/support.h"
 

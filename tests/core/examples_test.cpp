@@ -1,9 +1,6 @@
 // The calls and answers of tests/core/examples.txt: core/string.cpp, core/price_text.cpp,
 // core/variant_conversion.cpp and core/variant_comparison.cpp.
 
-#include <memory>
-
-#include "tests/support.h"
 #include "tests/values.h"
 
 namespace {

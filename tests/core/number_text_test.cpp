@@ -3,9 +3,6 @@
 #include "core/number_text.h"
 
 #include <bit>
-#include <cmath>
-#include <cstdio>
-#include <cstring>
 
 #include "core/variant.h"
 #include "tests/support.h"

@@ -1,8 +1,5 @@
 // Texts and buffers: core/string.h, core/string.cpp, core/buffer.cpp.
 
-#include <algorithm>
-#include <memory>
-
 #include "core/string.h"
 #include "tests/support.h"
 

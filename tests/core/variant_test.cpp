@@ -1,6 +1,5 @@
 // Life of tagged values: core/variant.cpp.
 
-#include "tests/support.h"
 #include "tests/values.h"
 
 namespace {

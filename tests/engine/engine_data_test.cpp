@@ -2,10 +2,7 @@
 
 #include "engine/engine_data.h"
 
-#include <algorithm>
-
 #include "tests/engine/shown.h"
-#include "tests/support.h"
 
 namespace {
 

@@ -1,10 +1,8 @@
 // Columns of rows: engine/multi_data.cpp and engine/column.cpp.
 
-#include <algorithm>
 #include <map>
 
 #include "tests/engine/shown.h"
-#include "tests/support.h"
 
 namespace {
 

@@ -1,10 +1,7 @@
 // engine/operations.cpp.
 
-#include <tuple>
-
 #include "core/exception.h"
 #include "engine/engine_data.h"
-#include "tests/support.h"
 #include "tests/values.h"
 
 namespace {

@@ -1,7 +1,6 @@
 // Files of the record: engine/text_file.cpp, engine/indexed_file.cpp, engine/record_loader.cpp.
 
 #include "tests/engine/shown.h"
-#include "tests/support.h"
 
 namespace {
 

@@ -1,12 +1,9 @@
 // Patterned text: fintext/patterned_text.cpp, fintext/clock_text.cpp and fintext/fund_amount.cpp.  The table
 // of examples is tests/fintext/examples.txt.
 
-#include <algorithm>
-
 #include "engine/engine_data.h"
 #include "fintext/clock_text.h"
 #include "fintext/financial_text.h"
-#include "tests/support.h"
 #include "tests/values.h"
 
 namespace {

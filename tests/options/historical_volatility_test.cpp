@@ -3,7 +3,6 @@
 
 #include "engine/engine_data.h"
 #include "options/option_value.h"
-#include "tests/support.h"
 #include "tests/values.h"
 
 namespace {

@@ -3,8 +3,6 @@
 
 #include "options/option_value.h"
 
-#include <array>
-#include <cmath>
 #include <limits>
 
 #include "options/black_scholes.h"

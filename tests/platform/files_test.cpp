@@ -1,8 +1,6 @@
 // Files, handles and sharing modes: platform/files.cpp, and the system's own on Windows.
 
-#include <algorithm>
 #include <atomic>
-#include <memory>
 #include <thread>
 
 #if !defined(_WIN32)

@@ -1,7 +1,5 @@
 // Menus read back: platform/menus.cpp, and the system's own on Windows.
 
-#include <cstddef>
-
 #include "tests/support.h"
 
 namespace {
@@ -67,15 +65,13 @@ TEST(Menus, EntriesReadBackAsTheyWereAppended) {
 }
 
 TEST(Menus, DeletionByCommandTakesTheFirstDepthFirst) {
-    for (const auto& [id, left] : {std::pair{3U, "1 [2 [4]] 3 0"},
-                                   {4U, "1 [2 3 []] 3 0"},
-                                   {1U, "[2 3 [4]] 3 0"},
-                                   {0U, "1 [2 3 [4]] 3"},
-                                   {none, "1 [2 3 [4]] 3 0"}}) {
-        Tree tree;
-        EXPECT_EQ(DeleteMenu(tree.root, id, MF_BYCOMMAND) != 0, id != none) << id;
-        EXPECT_EQ(shape(tree.root), left) << id;
-    }
+    tarntest::expectAnswers(
+        "delete:3|1 [2 [4]] 3 0;4|1 [2 3 []] 3 0;1|[2 3 [4]] 3 0;0|1 [2 3 [4]] 3;-1|no 1 [2 3 [4]] 3 0",
+        [](auto&, auto& cells) {
+            const Tree tree;
+            const BOOL gone = DeleteMenu(tree.root, static_cast<UINT>(std::stoi(cells[0])), MF_BYCOMMAND);
+            return (gone ? "" : "no ") + shape(tree.root);
+        });
     Tree tree;
     EXPECT_TRUE(DeleteMenu(tree.root, handleId(tree.deep), MF_BYCOMMAND));
     EXPECT_EQ(GetMenuItemCount(tree.deep), -1) << "a popup's menu goes with its entry";

@@ -1,10 +1,6 @@
 // Ini files: platform/profile_files.cpp, profile_text.cpp, profile_encoding.cpp and atomic_file.cpp, and the
 // system's own on Windows.
 
-#include <algorithm>
-#include <array>
-#include <sstream>
-
 #include "platform/profile_text.h"
 #include "platform/sha256.h"
 #include "tests/process.h"

@@ -111,8 +111,7 @@ TEST_F(Registry, ValuesKeepTheirBytesAndType) {
     for (const DWORD type : {DWORD{REG_NONE}, DWORD{REG_DWORD}, DWORD{77}}) {
         for (const std::string& bytes : {""s, "ab"s, large}) {
             DWORD told = 99, size = 0;
-            EXPECT_EQ(set("Value", bytes, type), 0);
-            EXPECT_TRUE(get("vALUE") == bytes);
+            EXPECT_TRUE(set("Value", bytes, type) == 0 && get("vALUE") == bytes);
             RegQueryValueExA(key, "Value", nullptr, &told, nullptr, &size);
             EXPECT_TRUE(told == type && size == bytes.size());
         }
@@ -124,19 +123,18 @@ TEST_F(Registry, ValuesKeepTheirBytesAndType) {
     EXPECT_TRUE(onWindows || set("Large", large + 'x') == 87);
 }
 
+// A name and the room for its value; what is answered: code, type, size and buffer.
 TEST_F(Registry, BuffersThatAreTooSmallStayAndTellTheSize) {
     set("t", "abc", REG_SZ);
-    std::istringstream rows("t 2 234 1 3 ####  t 3 0 1 3 abc#  t 4 0 1 3 abc  none 4 2 0 4 ####");
-    DWORD room = 0, type = 0, size = 0;
-    LSTATUS code = 0;
-    for (std::string name, kept; rows >> name >> room >> code >> type >> size >> kept;) {
-        BYTE buffer[] = "####";
-        DWORD told = 99;
-        EXPECT_EQ(RegQueryValueExA(key, name.c_str(), nullptr, &told, buffer, &room), code) << name;
-        EXPECT_TRUE(told == type && room == size) << name << told << ' ' << room;
-        EXPECT_STREQ(reinterpret_cast<const char*>(buffer), kept.c_str()) << "a NUL where there is room";
-        EXPECT_EQ(RegQueryValueExA(key, "t", nullptr, nullptr, buffer, nullptr), 87);
-    }
+    expectAnswers("value:t|2|234 1 3 ####;t|3|0 1 3 abc#;t|4|0 1 3 abc;none|4|2 0 4 ####", [&](auto&,
+                                                                                               auto& cells) {
+        char buffer[] = "####";
+        DWORD type = 99, room = static_cast<DWORD>(std::stoi(cells[1]));
+        auto* const bytes = reinterpret_cast<BYTE*>(buffer);
+        const LSTATUS code = RegQueryValueExA(key, cells[0].c_str(), nullptr, &type, bytes, &room);
+        EXPECT_EQ(RegQueryValueExA(key, "t", nullptr, nullptr, bytes, nullptr), 87);
+        return std::to_string(code) + " " + std::to_string(type) + " " + std::to_string(room) + " " + buffer;
+    });
 }
 
 TEST_F(Registry, KeysAreCountedAndListedInTheOrderOfTheirFoldedNames) {
@@ -183,9 +181,8 @@ TEST_F(Registry, AHandleOfADeletedKeyStaysDeletedWhenItsNameIsUsedAgain) {
 
 TEST_F(Registry, NoNameLeavesTheFolderOrMeetsAnother) {
     std::set<std::string> names = {"..", "a/../../b", "%41", "k-a", ".new", "key", " a ", "A~", "a%"};
-    for (int i = 1; i < 256; ++i) {
+    for (int i = 1; i < 256; ++i)
         if (i != '\\' && (i < 'a' || i > 'z')) names.emplace(1, static_cast<char>(i));
-    }
     for (const char end : {'a', 'b', '\xE9', '\xC9', '/'})
         for (const char front : {'x', '/'}) names.insert(std::string(254, front) + end);
     for (const std::string& name : names) EXPECT_EQ(set(name, name) + create(key, name), 0);
@@ -279,14 +276,11 @@ TEST_F(Registry, RootsAreThereWithoutAFolder) {
     setEnvironment("XDG_DATA_HOME", data.file("none").c_str());
     HKEY root = nullptr;
     EXPECT_EQ(RegOpenKeyExA(HKEY_USERS, "", 0, KEY_ALL_ACCESS, &root), 0);
-    for (const HKEY each : {HKEY_USERS, root}) {
-        EXPECT_EQ(open(each, "x"), 2);
-        EXPECT_TRUE(keysOf(each).empty() && RegFlushKey(each) == 0);
-    }
+    for (const HKEY each : {HKEY_USERS, root})
+        EXPECT_TRUE(open(each, "x") == 2 && keysOf(each).empty() && RegFlushKey(each) == 0);
     EXPECT_FALSE(std::filesystem::exists(data.file("none")));
     create(root, "x");
-    EXPECT_EQ(open(HKEY_USERS, "X"), 0);
-    RegCloseKey(root);
+    EXPECT_EQ(open(HKEY_USERS, "X") + RegCloseKey(root), 0);
     setEnvironment("XDG_DATA_HOME", "relative");  // doesn't count
     setEnvironment("HOME", data.file("home").c_str());
     create(HKEY_USERS, "x");

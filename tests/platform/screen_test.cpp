@@ -1,9 +1,6 @@
 // Device contexts, bitmaps, palettes, memory and resources: platform/screen.cpp, device_contexts.cpp,
 // bitmaps.cpp, dib.cpp, resources.cpp, global_memory.cpp, and the system's own on Windows.
 
-#include <cstddef>
-#include <cstring>
-
 #include "tests/present/packed_bitmap.h"
 #include "tests/support.h"
 

@@ -1,9 +1,6 @@
 // Print items: present/print_data.cpp.
 
-#include <tuple>
-
 #include "present/print_data.h"
-#include "tests/support.h"
 #include "tests/values.h"
 
 namespace {

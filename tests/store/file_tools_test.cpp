@@ -2,7 +2,6 @@
 
 #include "store/file_tools.h"
 
-#include <memory>
 #include <optional>
 
 #include "tests/support.h"

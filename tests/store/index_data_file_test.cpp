@@ -3,9 +3,6 @@
 
 #include "store/index_data_file.h"
 
-#include <memory>
-
-#include "tests/support.h"
 #include "tests/values.h"
 
 namespace {

@@ -2,8 +2,6 @@
 
 #include "store/settings.h"
 
-#include <cstring>
-
 #include "tests/support.h"
 
 using namespace std::string_literals;

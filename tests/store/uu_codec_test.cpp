@@ -2,8 +2,6 @@
 
 #include "store/uu_codec.h"
 
-#include <algorithm>
-
 #include "store/uu_codec_paths.h"
 #include "tests/support.h"
 #include "tests/vector_levels.h"
