@@ -72,7 +72,7 @@ TEST(EngineDataTest, RandomWorkOnFieldsMatchesAModel) {
 
 TEST(EngineDataTest, AFieldTakesAViewOfItselfAndOfItsPart) {
     tarnEngineData record;
-    const Owned list = listOf(text("inner"), text("other"));
+    const Owned list = valueOf("20:[10:inner,10:other]");
     MOLTVARIANT view;
     const auto stored = [&](const MOLTVARIANT* value) {
         record.storeData(1, value);
@@ -82,14 +82,14 @@ TEST(EngineDataTest, AFieldTakesAViewOfItselfAndOfItsPart) {
     EXPECT_EQ(stored(&list), describe(&list));
     EXPECT_EQ(stored(&view), describe(&list));
     EXPECT_EQ(stored(view.payload.list->getAt(0)), "10:inner");
-    EXPECT_EQ(stored(record.getRootData()), "22:1=10:inner,.");  // the record in a field of its own
+    EXPECT_EQ(stored(record.getRootData()), "22:[1=10:inner]");  // the record in a field of its own
     EXPECT_EQ(stored(nullptr), "0:0");
 }
 
 TEST(EngineDataTest, AWholeValueIsTakenOverWithItsRows) {
     tarnEngineData record;
     record.dataType = eOperation{3};
-    Owned notTaken = text("mine");
+    Owned notTaken = valueOf("10:mine");
     for (MOLTVARIANT* const value :
          {static_cast<MOLTVARIANT*>(&notTaken), static_cast<MOLTVARIANT*>(nullptr)})
         record.setRootData(value);

@@ -104,7 +104,7 @@ TEST(MultiDataTest, ACellTakesAViewOfItselfAndNullIsAnEmptyCell) {
     tarnEngineData record;
     MOLTVARIANT out;
     storeLong(record, 7, 0, 5);
-    const Owned value = text("abc");
+    const Owned value = valueOf("10:abc");
     record.storeMultiData(7, 0, &value, 0);
     record.getMultiData(7, 0, &out);
     record.storeMultiData(7, 0, &out, 0);
@@ -134,7 +134,7 @@ TEST(MultiDataTest, AppendedRowsKeepTheirDistanceAndBringFieldMinus26) {
     for (const std::int32_t row : {0, 1}) storeLong(record, 1, row, row);
     storeLong(other, 2, 2, 7), storeLong(other, 1, 0, 8);
     other.storeMultiData(1, 1, nullptr, 0);  // an empty cell doesn't travel
-    const Owned value = text("x");
+    const Owned value = valueOf("10:x");
     for (const std::int32_t id : {-26, 5}) other.storeData(id, &value);
     record.appendMultiData(&other);
     EXPECT_EQ(shown(record), "1[0:0,1:1,2:8,] 2[4:7,] -26=x 5");

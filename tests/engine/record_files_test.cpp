@@ -10,7 +10,7 @@ constexpr const char* example = "#2^101|15|ABC^102|3|25^#0|2^7|5|1.5^8|15|X^7|5|
 
 // A record with a field 1 and `rows` rows in column 7.
 void fillRecord(tarnEngineData& record, std::int32_t rows) {
-    const Owned value = text("old");
+    const Owned value = valueOf("10:old");
     record.storeData(1, &value);
     for (std::int32_t row = 0; row < rows; ++row) storeLong(record, 7, row, row, 1);
 }
@@ -77,7 +77,7 @@ TEST(RecordFilesTest, ASavedRecordLoadsEqualWithItsGaps) {
     EXPECT_EQ(record.loadData(name.c_str(), loadReplace), 1);
     EXPECT_EQ(record.isEmpty(), 1);
     fillRecord(record, 4);
-    const Owned list = listOf();
+    const Owned list = valueOf("20:[]");
     record.removeMultiData(7, 1);
     record.storeMultiData(1, 3, nullptr, 0);
     record.storeMultiData(8, 0, &list, 0);
@@ -117,7 +117,7 @@ TEST(RecordFilesTest, AnIdThatStandsTwiceIsSavedOnce) {
     const TemporaryFolder folder;
     const std::string name = folder.file("a.dat");
     tarnEngineData record, loaded;
-    for (const char* value : {"first", "last"}) record.fields->add(5, text(value).release());
+    for (const char* value : {"10:first", "10:last"}) record.fields->add(5, valueOf(value).release());
     record.fields->add(6, nullptr);
     storeLong(record, 5, 1, 2);
     EXPECT_EQ(record.saveData(name.c_str()) + loaded.loadData(name.c_str(), loadReplace), 2);

@@ -5,19 +5,20 @@
 
 namespace {
 
-using tarn::printBullet, tarn::printMultiData, tarntest::blob, tarntest::describe, tarntest::number,
-    tarntest::Owned, tarntest::text;
+using tarn::printBullet, tarn::printMultiData;
+using namespace tarntest;
 
 TEST(PrintData, TextsArriveAsTag10WithTheirBulletAndBlobsAreCopied) {
-    const std::tuple<Owned, std::int32_t, std::string> rows[] = {
-        {text("abc"), 1, "10:abc|10:abc"},
-        {text("abc", tagString), printBullet, "10:\x95 abc|10:\x95 abc"},
-        {text(""), 0, "10:|10:"},
-        {text(nullptr, tagString), 0, "10:|10: "},
-        {text(nullptr), printBullet, "10:\x95 |10:\x95 "},
-        {blob("abc"), printBullet, "15:abc|15:abc"}};
+    const std::tuple<const char*, std::int32_t, std::string> rows[] = {
+        {"10:abc", 1, "10:abc|10:abc"},
+        {"17:abc", printBullet, "10:\x95 abc|10:\x95 abc"},
+        {"10:", 0, "10:|10:"},
+        {"17:NULL", 0, "10:|10: "},
+        {"10:NULL", printBullet, "10:\x95 |10:\x95 "},
+        {"15:abc", printBullet, "15:abc|15:abc"}};
     const Owned marker = number(tagPlain9, 0);
-    for (const auto& [value, flags, texts] : rows) {
+    for (const auto& [notation, flags, texts] : rows) {
+        const Owned value = valueOf(notation);
         tarnPrintData data;
         data.storeData(1, &marker, printMultiData, 0);
         data.storeData(2, &value, flags, 77);
@@ -32,7 +33,7 @@ TEST(PrintData, TextsArriveAsTag10WithTheirBulletAndBlobsAreCopied) {
 
 TEST(PrintData, OnlyTheFirstItemOfAnIdHoldsRows) {
     const Owned marker = number(tagPlain9, 0), value = number(tagLong, 0);
-    const tarntest::HeldClock clock(1999, 11, 18, 9, 5, 7);
+    const HeldClock clock(1999, 11, 18, 9, 5, 7);
     tarnPrintData data;
     data.storeDateTime(printMultiData);
     EXPECT_TRUE(!clock.possible || describe(&data.getPrintData(0)->value) == "10:11/18/1999  9:05:07");

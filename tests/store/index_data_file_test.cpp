@@ -75,7 +75,7 @@ TEST_F(IndexDataFileTest, ValuesAreCopiedInAndTextsOut) {
         EXPECT_TRUE(file.getDataRecord(1, 0, 2, &out) == 1 && out == nullptr);
         file.addDataRecord(1, 0, 0, static_cast<const char*>(nullptr));
     }
-    const Owned list = listOf(text("inner"));
+    const Owned list = valueOf("20:[10:inner]");
     MOLTVARIANT marker, *stored = nullptr;
     file.addDataRecord(1, 0, 0, &list);
     file.getDataRecord(1, 0, 0, &stored);
@@ -88,11 +88,11 @@ TEST_F(IndexDataFileTest, ValuesAreCopiedInAndTextsOut) {
 // Offsets leave out the prefixes of a vector's elements.
 TEST_F(IndexDataFileTest, ABytesPlaceOrAnOffsetIsWrong) {
     EXPECT_EQ(saved(), bytesOf("'@ 12 1 0"));
-    const Owned vector = vectorOf(number(tagDouble, 1), text("ab"));
-    const Owned values[] = {text("abc"), Owned(), Owned(&vector), blob("12345"), number(tagLong, 42)};
+    constexpr const char* values[] = {"10:abc", "0:", "13:[5:1,10:ab]", "15:12345", "3:42"};
     for (std::int32_t i = 0; i < 7; ++i) {
+        const Owned value = valueOf(values[i % 5]);
         file.addIndexRecord(i, 1, i < 5 ? 1 : 0);
-        file.addDataRecord(i, 1, 0, &values[i % 5]);
+        file.addDataRecord(i, 1, 0, &value);
     }
     EXPECT_EQ(saved(),
               bytesOf("'@ 12 1 7  0 1 1 0  1 1 1 12  2 1 1 28  3 1 1 51  4 1 1 68  5 1 0 80  6 1 0 80"
@@ -102,24 +102,20 @@ TEST_F(IndexDataFileTest, ABytesPlaceOrAnOffsetIsWrong) {
 
 // One record of each form, read back as the format says, and then every truncation and flipped byte of it.
 TEST_F(IndexDataFileTest, AFormReadsBackOtherwiseOrDamageIsNotSafe) {
-    Owned noVector, pointer;
-    noVector.tag = tagVector;
-    pointer.payload.block = new unsigned char[16];
-    pointer.tag = tagBlock;
-    const Owned values[] = {number(tagShort, -2), number(tagFloat, 1.5), number(tagDouble, -1e300),
-                            number(tagUShort, 65535), number(tagByte, 200), number(tagNumber, 7),
-                            number(tagPlain9, 9), text(""), text(nullptr), text("abc", tagString),
-                            wideText(u"wide"), vectorOf(text("a"), vectorOf(), number(tagLong, 1)),
-                            blob(std::string_view("a\0b", 3)),
-                            // Those that come back in another form.
-                            text(nullptr, tagString), std::move(noVector), std::move(pointer), listOf()};
-    const std::string changed[] = {"17:", "13:.", "0:0", "0:0"};
+    // Those that come back in another form are at the end.
+    const auto values = split(
+        "2:-2|4:1.5|5:-1e+300|7:65535|1:200|14:7|9:9|10:|10:NULL|17:abc|11:wide|15:a_b|"
+        "13:[10:a,13:[],3:1]|17:NULL|13:NULL|16:0123456789abcdef|20:[]",
+        '|');
+    const std::string changed[] = {"17:", "13:[]", "0:0", "0:0"};
     std::string expected;
-    for (std::int32_t i = 0; i < 17; ++i) {
-        file.addIndexRecord(i, i % 2, 2);
-        file.addDataRecord(i, i % 2, 1, &values[i]);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const auto id = static_cast<std::int32_t>(i);
+        const Owned value = valueOf(values[i]);
+        file.addIndexRecord(id, id % 2, 2);
+        file.addDataRecord(id, id % 2, 1, &value);
         expected += std::to_string(i) + "." + std::to_string(i % 2) + "(2) 0:0 " +
-                    (i < 13 ? describe(&values[i]) : changed[i - 13]) + " ";
+                    (i < 13 ? values[i] : changed[i - 13]) + " ";
     }
     const std::string good = saved();
     for (int round = 0; round < 2; ++round) {
@@ -146,15 +142,15 @@ file:'@ 12 1 0xFFFFFFFF 7 0 1 0|;'@ 12 77 1 7 0 1 0 3 4 4|7.0(1)_3:4_
 file:'@ 12 1 3 1 0 1 0 2 0 1 0 1 0 5 0 3 4 1 3 4 2|1.0(1)_3:1_2.0(1)_3:2_
 # A million values more than the file can hold, in all, vectors included.
 file:'@ 12 1 2 1 0 0x7FFFFFFF 0 2 1 5 0 3 4 4|1.0(1000001)_3:4_0:0_0:0_2.1(0)_
-file:'@ 12 1 1 1 0 1000003 0 13 0 1 3 4 4 3 4 4|1.0(1000003)_13:3:4,._3:4_0:0_
+file:'@ 12 1 1 1 0 1000003 0 13 0 1 3 4 4 3 4 4|1.0(1000003)_13:[3:4]_3:4_0:0_
 file:'@ 12 1 1 1 0 1000004 0 13 0 1 3 4 4 3 4 4|1.0(1000004)_0:0_0:0_0:0_
 data:10 100 'abc|0:0 0:0;10 0xFFFFFFFF 3 4 4|0:0 0:0
 # An unterminated text, in the memory of the longer one.
 data:10 40 'xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx%|10:xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx 0:0
 data:10 32 'yyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyy 3 4 4|10:yyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyy 3:4
-data:17 2 'ab 3 4 4|17:ab 3:4;11 3 'a%b 3 4 4|11:97, 3:4;15 4 3 'abc 3 4 4|15:abc 3:4;15 4 4 'abc|0:0 0:0
-data:15 4 0xFFFFFFFF 3 4 4|0:0 0:0;5 12 1 2 3 3 4 4|5:8589934593 3:4;20 8 1 2 3 4 4|0:0 3:4;77 4 1 3 4 4|77:1 3:4
-data:13 0 2 3 4 4|0:0 0:0;13 0 2 3 4 4 3 4 5|13:3:4,3:5,. 0:0;3 4|0:0 0:0;3 4 4 3 4|3:4 0:0;3 4 4 3 4 5|3:4 3:5
+data:17 2 'ab 3 4 4|17:ab 3:4;11 3 'a%b 3 4 4|11:a 3:4;15 4 3 'abc 3 4 4|15:abc 3:4;15 4 4 'abc|0:0 0:0
+data:15 4 0xFFFFFFFF 3 4 4|0:0 0:0;9 12 1 2 3 3 4 4|9:8589934593 3:4;20 8 1 2 3 4 4|0:0 3:4;77 4 1 3 4 4|77:1 3:4
+data:13 0 2 3 4 4|0:0 0:0;13 0 2 3 4 4 3 4 5|13:[3:4,3:5] 0:0;3 4|0:0 0:0;3 4 4 3 4|3:4 0:0;3 4 4 3 4 5|3:4 3:5
 )";
 
 TEST_F(IndexDataFileTest, WhatAFilePromisesAndDoesntHoldReadsAsEmpty) {
@@ -171,7 +167,7 @@ TEST_F(IndexDataFileTest, WhatAFilePromisesAndDoesntHoldReadsAsEmpty) {
     for (const int depth : {64, 65, 100'000}) {
         std::string deep, open, close;
         for (int i = 0; i < depth; ++i) deep += bytesOf("13 0 1");
-        for (int i = 0; i < 64; ++i) open += "13:", close += ",.";
+        for (int i = 0; i < 64; ++i) open += "13:[", close += "]";
         for (const auto& [value, shown] :
              {std::pair("3 4 5", "3:5"), {"15 4 3 'abc", "15:abc"}, {"13 0 2 15 4 3 'abc 3 4 5", "0:0"}})
             EXPECT_EQ(valuesOf(deep + bytesOf(value) + bytesOf("3 4 4")),
