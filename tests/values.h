@@ -37,10 +37,10 @@ inline Owned number(std::int32_t tag, double value) {
     switch (tag) {
         case tagFloat: made.payload.floatValue = static_cast<float>(value); break;
         case tagDouble: made.payload.doubleValue = value; break;
-        case tagShort: made.payload.shortValue = static_cast<std::int16_t>(whole); break;
+        case tagShort:
         case tagUShort: made.payload.ushortValue = static_cast<std::uint16_t>(whole); break;
-        case tagByte: made.payload.byteValue = static_cast<std::uint8_t>(whole); break;
-        case tagChar: made.payload.charValue = static_cast<signed char>(whole); break;
+        case tagByte:
+        case tagChar: made.payload.byteValue = static_cast<std::uint8_t>(whole); break;
         default: made.payload.longValue = whole; break;
     }
     return made;
@@ -66,46 +66,41 @@ inline Owned valueOf(const std::string& notation) {
     if (colon == std::string::npos) return {};
     const std::string content = notation.substr(colon + 1);
     Owned made = number(std::atoi(notation.c_str()), std::atof(content.c_str()));
-    const auto elements = elementsOf(content);
-    const auto element = [](const std::string& text) {
-        const std::string value = text.substr(text.find('=') < text.find(':') ? text.find('=') + 1 : 0);
-        return value == "none" ? nullptr : valueOf(value).release();
-    };
     auto& payload = made.payload;
-    std::size_t i = 0;
-    if (content == "NULL") payload = {};
-    if (content == "NULL") return made;
-    switch (made.tag) {
-        case tagText: payload.text = newstr(content.c_str()); break;
-        case tagString: payload.string = new tarnString(content.c_str()); break;
-        case tagBlock: std::copy_n(content.begin(), 16, payload.block = new unsigned char[16]); break;
-        case tagBlob:
-            payload.blob = {new unsigned char[content.size()], static_cast<std::int32_t>(content.size())};
-            std::copy(content.begin(), content.end(), payload.blob.data);
-            break;
-        case tagWideText:
-            payload.wideText = new char16_t[content.size() + 1]();
-            std::copy(content.begin(), content.end(), payload.wideText);
-            break;
-        case tagVector:
-            payload.vector = new MOLTVARIANT*[elements.size() + 1]();
-            for (const std::string& each : elements) payload.vector[i++] = element(each);
-            break;
-        case tagList:
-            payload.list = new tarnTList<MOLTVARIANT*>;
-            for (const std::string& each : elements) payload.list->add(element(each));
-            break;
-        case tagMulti:
-            payload.multi = new multiColumn{new nodeList};
-            for (const std::string& each : elements)
-                payload.multi->nodes->add(element(each), std::atoi(each.c_str()));
-            break;
-        case tagRecord:
-            payload.record = new tarnFieldList;
-            for (const std::string& each : elements)
-                payload.record->add(std::atoi(each.c_str()), element(each));
-            break;
-        default: break;
+    std::vector<std::pair<std::int32_t, MOLTVARIANT*>> elements;  // with the row or id in front
+    if (made.tag == tagVector || made.tag >= tagList) {
+        for (const std::string& each : elementsOf(content)) {
+            const std::string element = each.substr(each.find('=') < each.find(':') ? each.find('=') + 1 : 0);
+            elements.emplace_back(std::atoi(each.c_str()),
+                                  element == "none" ? nullptr : valueOf(element).release());
+        }
+    }
+    if (content == "NULL") {
+        payload = {};
+    } else if (made.tag == tagText) {
+        payload.text = newstr(content.c_str());
+    } else if (made.tag == tagString) {
+        payload.string = new tarnString(content.c_str());
+    } else if (made.tag == tagBlock) {
+        std::copy_n(content.begin(), 16, payload.block = new unsigned char[16]);
+    } else if (made.tag == tagBlob) {
+        payload.blob = {new unsigned char[content.size()], static_cast<std::int32_t>(content.size())};
+        std::copy(content.begin(), content.end(), payload.blob.data);
+    } else if (made.tag == tagWideText) {
+        payload.wideText = new char16_t[content.size() + 1]();
+        std::copy(content.begin(), content.end(), payload.wideText);
+    } else if (made.tag == tagVector) {
+        MOLTVARIANT** next = payload.vector = new MOLTVARIANT*[elements.size() + 1]();
+        for (const auto& [key, element] : elements) *next++ = element;
+    } else if (made.tag == tagList) {
+        payload.list = new tarnTList<MOLTVARIANT*>;
+        for (const auto& [key, element] : elements) payload.list->add(element);
+    } else if (made.tag == tagMulti) {
+        payload.multi = new multiColumn{new nodeList};
+        for (const auto& [key, element] : elements) payload.multi->nodes->add(element, key);
+    } else if (made.tag == tagRecord) {
+        payload.record = new tarnFieldList;
+        for (const auto& [key, element] : elements) payload.record->add(key, element);
     }
     return made;
 }

@@ -132,26 +132,9 @@ TEST_F(IndexDataFileTest, AFormReadsBackOtherwiseOrDamageIsNotSafe) {
     }
 }
 
-// Files and the records that they give; data of two records of one value and these values.
-constexpr char hostile[] = R"(
-file:|;'@|;'#1|;'x 12 1 1 7 0 1 0 3 4 4|;'@ 12 1 1 7 0 1 '%%%|;'@ 12 1 1 7 0 1 0|7.0(1)_0:0_
-# Headers: a count that they leave out, a word more, ends behind the file, another version.
-file:'@ 8 1 1 7 0 1 0 3 4 4|;'@ 16 1 1 99 7 0 1 0 3 4 4|7.0(1)_3:4_;'@ 0xFFFFFFFF 1 1 7 0 1 0|
-file:'@ 12 1 0xFFFFFFFF 7 0 1 0|;'@ 12 77 1 7 0 1 0 3 4 4|7.0(1)_3:4_
-# The pair of keys that stands twice counts once.
-file:'@ 12 1 3 1 0 1 0 2 0 1 0 1 0 5 0 3 4 1 3 4 2|1.0(1)_3:1_2.0(1)_3:2_
-# A million values more than the file can hold, in all, vectors included.
-file:'@ 12 1 2 1 0 0x7FFFFFFF 0 2 1 5 0 3 4 4|1.0(1000001)_3:4_0:0_0:0_2.1(0)_
-file:'@ 12 1 1 1 0 1000003 0 13 0 1 3 4 4 3 4 4|1.0(1000003)_13:[3:4]_3:4_0:0_
-file:'@ 12 1 1 1 0 1000004 0 13 0 1 3 4 4 3 4 4|1.0(1000004)_0:0_0:0_0:0_
-data:10 100 'abc|0:0 0:0;10 0xFFFFFFFF 3 4 4|0:0 0:0
-# An unterminated text, in the memory of the longer one.
-data:10 40 'xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx%|10:xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx 0:0
-data:10 32 'yyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyy 3 4 4|10:yyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyy 3:4
-data:17 2 'ab 3 4 4|17:ab 3:4;11 3 'a%b 3 4 4|11:a 3:4;15 4 3 'abc 3 4 4|15:abc 3:4;15 4 4 'abc|0:0 0:0
-data:15 4 0xFFFFFFFF 3 4 4|0:0 0:0;9 12 1 2 3 3 4 4|9:8589934593 3:4;20 8 1 2 3 4 4|0:0 3:4;77 4 1 3 4 4|77:1 3:4
-data:13 0 2 3 4 4|0:0 0:0;13 0 2 3 4 4 3 4 5|13:[3:4,3:5] 0:0;3 4|0:0 0:0;3 4 4 3 4|3:4 0:0;3 4 4 3 4 5|3:4 3:5
-)";
+constexpr char hostileFiles[] =
+#include "tests/store/hostile_files.txt"
+    ;
 
 TEST_F(IndexDataFileTest, WhatAFilePromisesAndDoesntHoldReadsAsEmpty) {
     const auto valuesOf = [&](const std::string& data) {
@@ -159,7 +142,7 @@ TEST_F(IndexDataFileTest, WhatAFilePromisesAndDoesntHoldReadsAsEmpty) {
         const std::size_t second = values.find(" 2.0(1) ");
         return values.substr(7, second - 7) + values.substr(second + 7, values.size() - second - 8);
     };
-    expectAnswers(hostile, [&](const std::string& kind, const std::vector<std::string>& cells) {
+    expectAnswers(hostileFiles, [&](const std::string& kind, const std::vector<std::string>& cells) {
         loaded.addIndexRecord(1, 0, 1);  // gone with the next load
         return kind == "file" ? shownOf(bytesOf(cells[0])) : valuesOf(bytesOf(cells[0]));
     });
