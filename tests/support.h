@@ -99,7 +99,8 @@ inline std::string shown(double answer) {
     return text;
 }
 
-// setEnvironment sets a variable of the environment, the zone of local time included; NULL takes it away.
+// setEnvironment sets a variable of the environment, of which TZ also counts as the zone of local time (UTC0
+// and EST5EDT are names that POSIX and Windows share); NULL takes it away.
 #if defined(_WIN32)
 constexpr bool onWindows = true;
 inline void setEnvironment(const char* name, const char* value) {
@@ -115,11 +116,6 @@ inline void holdClock(const SYSTEMTIME* now) {
     tarn::setClock(now, now);
 }
 #endif
-
-// Sets the zone of local time, in a form that POSIX and Windows share: UTC0, EST5EDT.
-inline void setTimeZone(const char* zone) {
-    setEnvironment("TZ", zone);
-}
 
 // Holds the clock, for universal and local time alike, at a moment until the end of the test.
 struct HeldClock {

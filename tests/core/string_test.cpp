@@ -79,8 +79,12 @@ TEST(BufferTest, RandomWorkMatchesThePlainForm) {
                 plain.block.replace(0, bytes.size(), bytes);
                 plain.length = bytes.size();
             } else if (work == 2) {
-                buffer.replace(bytes.data(), static_cast<std::int32_t>(at), count);
-                if (at + bytes.size() <= plain.length) plain.block.replace(at, bytes.size(), bytes);
+                const auto offset = static_cast<std::int32_t>(at) + (step % 4 == 0 ? step % 3 * 2 - 2 : 0);
+                buffer.replace(step % 10 == 0 ? nullptr : bytes.data(), offset,
+                               step % 9 == 0 ? -count : count);
+                if (step % 10 != 0 && step % 9 != 0 && offset >= 0 &&
+                    static_cast<std::size_t>(offset) + bytes.size() <= plain.length)
+                    plain.block.replace(static_cast<std::size_t>(offset), bytes.size(), bytes);
             } else if (work == 3) {
                 buffer.prepend(bytes.data(), count);
                 plain.grow(all);

@@ -52,6 +52,7 @@ TEST(VariantTest, ContainersAreMeasuredAndCompareAsNothing) {
     const Owned doubles = valueOf("13:[5:1,5:2]"), list = valueOf("20:[13:[5:1,5:2]]");
     EXPECT_TRUE(doubles.sizeOfData() == 16 && list.sizeOfData() == 20);
     EXPECT_TRUE(valueOf("21:[]").sizeOfData() == 4 && valueOf("21:[1=3:1,2=3:2]").sizeOfData() == 12);
+    EXPECT_EQ(valueOf("22:[1=3:1,2=5:1]").sizeOfData(), 16);
     EXPECT_EQ(varcmp(list, doubles) + isVarEqual(list, list) + isVarLike(list, list), 0);
     EXPECT_EQ(varcmp(valueOf("10:a"), list), 1);  // a container has no text form
 }

@@ -8,17 +8,6 @@ namespace {
 
 using namespace tarntest;
 
-// A record value with one column whose rows are given, and a single field of the same id.
-MOLTVARIANT* recordValue(std::initializer_list<std::int32_t> rows) {
-    tarnEngineData record;
-    const Owned one = number(tagLong, 1);
-    record.storeData(7, &one);
-    storeLong(record, 7, 0, 1);
-    record.removeMultiData(7, 0);
-    for (const std::int32_t row : rows) storeLong(record, 7, row, 1, 1);
-    return Owned(record.getRootData()).release();
-}
-
 // Random work on fields and columns of few ids against ordered containers.
 TEST(EngineDataTest, RandomWorkOnFieldsMatchesAModel) {
     struct Field {
@@ -85,9 +74,9 @@ TEST(EngineDataTest, AWholeValueIsTakenOverWithItsRows) {
          {static_cast<MOLTVARIANT*>(&notTaken), static_cast<MOLTVARIANT*>(nullptr)})
         record.setRootData(value);
     EXPECT_EQ(shown(record), "0");
-    record.setRootData(recordValue({}));  // a column without cells counts nothing
+    record.setRootData(valueOf("22:[7=3:1,7=21:[]]").release());  // a column without cells counts nothing
     EXPECT_EQ(shown(record), "7=1 7[] 0");
-    record.setRootData(recordValue({4, 0}));
+    record.setRootData(valueOf("22:[7=3:1,7=21:[4=3:1,0=3:1]]").release());
     record.setRootData(record.getRootData());  // its own content stays
     EXPECT_EQ(shown(record), "7=1 7[0:1,4:1,] 185=5 5");
     EXPECT_EQ(describe(record.fields->values->getAt(2)) + std::to_string(record.dataType), "2:53");
@@ -99,7 +88,7 @@ TEST(EngineDataTest, AWholeValueIsTakenOverWithItsRows) {
 
 TEST(EngineDataTest, ACopyIsDeepAndStartsWithoutMemory) {
     tarnEngineData record;
-    record.setRootData(recordValue({2, 0}));
+    record.setRootData(valueOf("22:[7=3:1,7=21:[2=3:1,0=3:1]]").release());
     record.setDataType(eOperation{5});
     MOLTVARIANT out;
     record.getData(185, &out);

@@ -88,62 +88,58 @@ TEST(MultiDataTest, PositionsAreNotRowsWhileASortIsPending) {
     EXPECT_EQ(record.findMultiData(7, &sameNumber), -1);
 }
 
-TEST(MultiDataTest, ARowThatStandsTwiceReadsAsTheOneStoredFirst) {
-    tarnEngineData record;
-    for (const std::int32_t value : {1, 2}) storeLong(record, 7, 4, value, 1);
-    for (const char* left : {"7[4:1,4:2,] 5", "7[4:2,] 5"}) {
-        MOLTVARIANT out;
-        record.getMultiData(7, 4, &out);
-        EXPECT_EQ(out.payload.longValue, left[4] - '0');
-        EXPECT_EQ(shown(record), left);
-        record.removeMultiData(7, 4);
+// A record after a list of steps: what is done, a field and a row or two rows, a value.
+void work(tarnEngineData& record, const std::string& steps) {
+    for (const std::string& step : split(steps, ',')) {
+        std::istringstream words(step);
+        std::string done, notation;
+        std::int32_t a = 0, b = 0;
+        words >> done >> a >> b >> notation;
+        const Owned value = valueOf(notation);
+        const MOLTVARIANT* const given = notation.empty() ? nullptr : &value;
+        if (done == "store" || done == "add") record.storeMultiData(a, b, given, done == "add" ? 1 : 0);
+        if (done == "field") record.storeData(a, given);
+        if (done == "insert") record.insertMultiData(a, b, given);
+        if (done == "remove") record.removeMultiData(a, b);
+        if (done == "cut") record.removeMultiData(a);
+        if (done == "rows") record.setNumMulti(a);
+        if (done == "append") record.appendMultiData(&record);
     }
 }
 
-TEST(MultiDataTest, ACellTakesAViewOfItselfAndNullIsAnEmptyCell) {
+TEST(MultiDataTest, StepsEndOtherwise) {
+    expectAnswers(R"(
+# A row that stands twice reads as the one stored first; a cell without a value is an empty one.
+rows:add 7 4 3:1,add 7 4 3:2|7[4:1,4:2,] 5;add 7 4 3:1,add 7 4 3:2,remove 7 4|7[4:2,] 5;store 7 2|7[2:,] 3
+rows:add 7 4 3:1,add 7 4 3:2,store 7 4 3:3|7[4:3,4:2,] 5;store 7 1 3:1,insert 7 1 3:2,insert 7 3|7[1:2,2:1,3:,] 4
+# Row numbers that don't exist change only the count; the count and a row above the highest wrap.
+rows:cut|-1;rows 7,remove 3 3|7;store 1 2147483647 3:1|1[2147483647:1,] -2147483648
+rows:store 1 2147483647 3:1,insert 1 5 3:2|1[-2147483648:1,5:2,] 6
+# Appended rows keep their distance.  An empty cell doesn't travel, nor do fields but -26, which is
+# overwritten by an empty value; of a column no more cells count than there are rows.
+append:store 1 0 3:0,store 1 1 3:1|store 2 2 3:7,store 1 0 3:8,store 1 1,field -26 0 10:x,field 5 0 10:x|1[0:0,1:1,2:8,] 2[4:7,] -26=x 5
+append:store 1 0 3:0,field -26 0 10:x|add 1 0 3:8,add 1 2 3:9,rows 1|1[0:0,1:8,] -26= 2
+rows:store 1 0 3:1,store 2 1 3:2,append,append|1[0:1,2:1,4:1,6:1,] 2[1:2,3:2,5:2,7:2,] -26= 8
+)",
+                  [](const std::string& kind, const std::vector<std::string>& cells) {
+                      tarnEngineData record, other;
+                      work(record, cells[0]);
+                      work(other, kind == "append" ? cells[1] : "");
+                      if (kind == "append") record.appendMultiData(&other);
+                      return shown(record);
+                  });
+}
+
+TEST(MultiDataTest, ACellTakesAViewOfItself) {
     tarnEngineData record;
     MOLTVARIANT out;
-    storeLong(record, 7, 0, 5);
-    const Owned value = valueOf("10:abc");
-    record.storeMultiData(7, 0, &value, 0);
+    work(record, "store 7 0 3:5,store 7 0 10:abc,store 7 1");
+    EXPECT_TRUE(record.getMultiData(7, 1, &out) == 0 && out.tag == tagEmpty);
     record.getMultiData(7, 0, &out);
     record.storeMultiData(7, 0, &out, 0);
     record.getMultiData(7, 0, &out);
     record.insertMultiData(7, 0, &out);
-    record.storeMultiData(7, 2, nullptr, 0);
     EXPECT_EQ(shown(record), "7[0:abc,1:abc,2:,] 3");
-    EXPECT_TRUE(record.getMultiData(7, 2, &out) == 0 && out.tag == tagEmpty);
-}
-
-TEST(MultiDataTest, RowsNumberOnesThatDontExistChangeOnlyTheCount) {
-    tarnEngineData record;
-    record.removeMultiData(0);
-    EXPECT_EQ(record.getNumMulti(), -1);
-    record.setNumMulti(7);
-    record.removeMultiData(3, 3);
-    EXPECT_EQ(shown(record), "7");
-    storeLong(record, 1, INT32_MAX, 1);  // the number of rows wraps, and then the row does
-    EXPECT_EQ(shown(record), "1[2147483647:1,] -2147483648");
-    const Owned value = number(tagLong, 2);
-    record.insertMultiData(1, 5, &value);
-    EXPECT_EQ(shown(record), "1[-2147483648:1,5:2,] 6");
-}
-
-TEST(MultiDataTest, AppendedRowsKeepTheirDistanceAndBringFieldMinus26) {
-    tarnEngineData record, other;
-    for (const std::int32_t row : {0, 1}) storeLong(record, 1, row, row);
-    storeLong(other, 2, 2, 7), storeLong(other, 1, 0, 8);
-    other.storeMultiData(1, 1, nullptr, 0);  // an empty cell doesn't travel
-    const Owned value = valueOf("10:x");
-    for (const std::int32_t id : {-26, 5}) other.storeData(id, &value);
-    record.appendMultiData(&other);
-    EXPECT_EQ(shown(record), "1[0:0,1:1,2:8,] 2[4:7,] -26=x 5");
-    other.removeData(-26);
-    storeLong(other, 1, 2, 9), other.setNumMulti(1);  // as many cells of each column as there are rows
-    record.appendMultiData(&other);
-    EXPECT_EQ(shown(record), "1[0:0,1:1,2:8,5:8,] 2[4:7,7:7,] -26= 8");
-    record.appendMultiData(&record);
-    EXPECT_EQ(shown(record), "1[0:0,1:1,2:8,5:8,8:0,9:1,10:8,13:8,] 2[4:7,7:7,12:7,15:7,] -26= 16");
 }
 
 }  // namespace

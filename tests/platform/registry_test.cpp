@@ -111,8 +111,8 @@ TEST_F(Registry, ValuesKeepTheirBytesAndType) {
     for (const DWORD type : {DWORD{REG_NONE}, DWORD{REG_DWORD}, DWORD{77}}) {
         for (const std::string& bytes : {""s, "ab"s, large}) {
             DWORD told = 99, size = 0;
-            EXPECT_TRUE(set("Value", bytes, type) == 0 && get("vALUE") == bytes);
-            RegQueryValueExA(key, "Value", nullptr, &told, nullptr, &size);
+            EXPECT_TRUE(set("Azimuth", bytes, type) == 0 && get("aZIMUTH") == bytes);
+            RegQueryValueExA(key, "Azimuth", nullptr, &told, nullptr, &size);
             EXPECT_TRUE(told == type && size == bytes.size());
         }
     }

@@ -43,16 +43,17 @@ TEST(PrintData, OnlyTheFirstItemOfAnIdHoldsRows) {
     data.storeData(0, &marker, printMultiData, 0);                // hidden behind the date
     data.storeData(7, &marker, printMultiData | printBullet, 0);  // the one that holds rows
     data.storeData(7, &marker, printMultiData, 0);
-    constexpr std::int32_t ids[] = {0, 5, 6, 7, 99};
-    for (int i = 0; i < 250; ++i) {
-        const std::int32_t id = ids[i % 5];
+    data.storeData(8, &marker, 0, 0);  // without the flag
+    constexpr std::int32_t ids[] = {0, 5, 6, 7, 8, 99};
+    for (int i = 0; i < 300; ++i) {
+        const std::int32_t id = ids[i % 6];
         const _MultiPrintStruct row{id, 0, {}, {}};
         data.storeMultiData(&row, &value);
-        EXPECT_EQ(data.getNumMultiData(id), id == 7 ? i / 5 + 1 : -1) << id;
-        EXPECT_EQ(data.getMultiPrintData(id, i / 5) != nullptr, id == 7) << id;
-        EXPECT_EQ(data.getMultiPrintData(id, i / 5 + 1), nullptr);
+        EXPECT_EQ(data.getNumMultiData(id), id == 7 ? i / 6 + 1 : -1) << id;
+        EXPECT_EQ(data.getMultiPrintData(id, i / 6) != nullptr, id == 7) << id;
+        EXPECT_EQ(data.getMultiPrintData(id, i / 6 + 1), nullptr);
     }
-    EXPECT_TRUE(data.getPrintData(6)->multiData->count == 0 && data.getPrintData(7) == nullptr);
+    EXPECT_TRUE(data.getPrintData(6)->multiData->count == 0 && data.getPrintData(8) == nullptr);
 }
 
 }  // namespace
