@@ -28,7 +28,6 @@ void insertCell(nodeList& column, std::int32_t row, OwnedValue value) {
     column.reserve(1);
     column.shiftKeys(column.findInsertPosition(row), column.count, 1);
     addCell(column, row, std::move(value));
-    column.sort();
 }
 
 OwnedValue takeRow(nodeList& column, std::int32_t row, std::int32_t& position) {

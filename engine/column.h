@@ -19,7 +19,7 @@ void addCell(nodeList& column, std::int32_t row, OwnedValue value);
 // Puts a cell in place of the row's, or adds it.
 void putCell(nodeList& column, std::int32_t row, OwnedValue value);
 
-// Moves the cells from `row` on up by one row and puts a cell there.  The column is sorted afterwards.
+// Moves the cells from `row` on up by one row and puts a cell there, at the end of the cells.
 void insertCell(nodeList& column, std::int32_t row, OwnedValue value);
 
 // Takes the cell of a row out.  Answers its value, NULL if the column lacks the row, and the position at

@@ -1,16 +1,22 @@
 #pragma once
 
-// What tests need of the system, once: a temporary folder, whole files, the environment.  Everything stands
-// on std::filesystem, so that the same tests also run on Windows.
+// What tests need, once: the headers that most of them use, and of the system a temporary folder, whole files
+// and the environment.  Everything stands on std::filesystem, so that the same tests also run on Windows.
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
+#include <cmath>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <random>
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "platform/win32.h"
@@ -93,7 +99,8 @@ inline std::string shown(double answer) {
     return text;
 }
 
-// setEnvironment sets a variable of the environment, the zone of local time included; NULL takes it away.
+// setEnvironment sets a variable of the environment, of which TZ also counts as the zone of local time (UTC0
+// and EST5EDT are names that POSIX and Windows share); NULL takes it away.
 #if defined(_WIN32)
 constexpr bool onWindows = true;
 inline void setEnvironment(const char* name, const char* value) {
@@ -109,11 +116,6 @@ inline void holdClock(const SYSTEMTIME* now) {
     tarn::setClock(now, now);
 }
 #endif
-
-// Sets the zone of local time, in a form that POSIX and Windows share: UTC0, EST5EDT.
-inline void setTimeZone(const char* zone) {
-    setEnvironment("TZ", zone);
-}
 
 // Holds the clock, for universal and local time alike, at a moment until the end of the test.
 struct HeldClock {

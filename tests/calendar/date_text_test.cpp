@@ -1,11 +1,6 @@
 // Date text and packed dates: calendar/date_text.cpp, calendar/packed_dates.cpp.  The calls and answers of
 // tests/calendar/examples.txt, for all sources of calendar/.
 
-#include <algorithm>
-#include <cstring>
-#include <memory>
-#include <tuple>
-
 #include "calendar/market_calendar.h"
 #include "tests/support.h"
 
@@ -53,7 +48,7 @@ std::string answerOf(const std::string& function, const std::vector<std::string>
 
 TEST(CalendarText, ExampleAnswersOtherwise) {
     const tarntest::HeldClock clock(1999, 11, 30);
-    tarntest::setTimeZone("UTC0");
+    tarntest::setEnvironment("TZ", "UTC0");
     tarntest::expectAnswers(examples, answerOf);
 }
 
@@ -89,7 +84,7 @@ TEST(DateText, ScanAndComparisonAgreeWithSscanfAndDoubleMktime) {
     std::string winter = "01/01/1999", text = winter;
     for (int round = 0; round < 60000; ++round) {
         const char* const zones[] = {"UTC0", "EST5EDT,M4.1.0,M10.5.0", "America/New_York"};
-        if (round % 20000 == 0) tarntest::setTimeZone(zones[round / 20000]);
+        if (round % 20000 == 0) tarntest::setEnvironment("TZ", zones[round / 20000]);
         std::string previous = text;
         text = bases[random() % std::size(bases)];
         for (auto left = random() % 4; left > 0; --left)

@@ -1,9 +1,7 @@
 // Trading days and settlement: calendar/trading_days.cpp, calendar/settlement.cpp;
 // the count of days in calendar/date_text.h.  The weekdays come from std::chrono.
 
-#include <algorithm>
 #include <chrono>
-#include <memory>
 #include <span>
 
 #include "calendar/date_text.h"

@@ -1,9 +1,5 @@
 // Arrays, lists and keyed cells: core/containers.h and core/containers.cpp.
 
-#include <algorithm>
-#include <random>
-#include <vector>
-
 #include "core/containers.h"
 #include "tests/support.h"
 
@@ -17,87 +13,65 @@ Cells keysOf(const nodeList& list) {
     return keys;
 }
 
-// The array as it is told: one block of `capacity` slots that grows by 16.
-struct PlainArray {
-    std::vector<std::int32_t> slots = std::vector<std::int32_t>(32);
-
-    void insertAt(std::int32_t item, std::size_t index) {
-        if (index >= slots.size() || slots.back() != 0) slots.resize(slots.size() + 16);
-        slots.pop_back();
-        slots.insert(slots.begin() + static_cast<std::ptrdiff_t>(index), item);
-    }
-    std::int32_t removeAt(std::size_t index) {
-        if (index >= slots.size()) return 0;
-        const std::int32_t removed = slots[index];
-        slots.erase(slots.begin() + static_cast<std::ptrdiff_t>(index));
-        slots.push_back(0);
-        return removed;
-    }
-    void setAt(std::size_t index, std::int32_t item) {
-        if (index >= slots.size()) slots.resize(index < slots.size() + 16 ? slots.size() + 16 : index + 16);
-        slots[index] = item;
-    }
-};
-
-TEST(ArrayTest, ReadsAndCapacitiesAreThoseOfThePlainForm) {
+TEST(ArrayTest, ReadsAndCapacitiesAreThoseOfOneBlockThatGrowsBySixteen) {
     std::mt19937 random(1);
     tarnTArray<std::int32_t> array;
-    PlainArray plain;
+    Cells plain(32);
+    array.grow(INT32_MAX);
     for (int step = 0; step < 20'000; ++step) {
         const auto item = static_cast<std::int32_t>(random() % 3);  // zeros are free slots
-        const auto index =
-            static_cast<std::int32_t>(random() % (plain.slots.size() + (step % 7 == 0 ? 16 : 0)));
-        const auto place = static_cast<std::size_t>(index);
-        const auto work = plain.slots.size() > 600 ? 9 : random() % 4;
+        const auto size = static_cast<std::int32_t>(plain.size());
+        const std::int32_t index =
+            static_cast<std::int32_t>(random() % (plain.size() + (step % 7 == 0 ? 18 : 0))) - 1;
+        const auto place = plain.begin() + std::clamp(index, 0, size - 1);
+        const bool inside = index >= 0 && index < size;
+        const auto work = size > 600 ? 9 : random() % 5;
+        ASSERT_EQ(array.getAt(index), inside ? *place : 0);
         if (work == 0) {
             array.insertAt(item, index);
-            plain.insertAt(item, place);
+            if (index < 0 || index >= size + 16) continue;
+            const std::int32_t grown = !inside || plain.back() != 0 ? size + 16 : size;
+            plain.resize(static_cast<std::size_t>(grown));
+            plain.pop_back();
+            plain.insert(plain.begin() + index, item);
         } else if (work == 1) {
             array.setAt(index, item);
-            plain.setAt(place, item);
+            if (index >= size)
+                plain.resize(static_cast<std::size_t>(index < size + 16 ? size + 16 : index + 16));
+            if (index >= 0) plain[static_cast<std::size_t>(index)] = item;
+        } else if (work == 2 && step % 8 == 0) {
+            array.grow(index % 4);
+            plain.resize(plain.size() + static_cast<std::size_t>(std::max(index % 4, 0)));
         } else {
-            ASSERT_EQ(array.removeAt(index), plain.removeAt(place));
+            ASSERT_EQ(array.removeAt(index), inside ? *place : 0);
+            if (inside) plain.erase(place), plain.push_back(0);
         }
-        ASSERT_EQ(Cells(array.data, array.data + array.capacity), plain.slots);
+        ASSERT_EQ(Cells(array.data, array.data + array.capacity), plain);
     }
-}
-
-TEST(ArrayTest, IndicesOutOfRangeChangeNothing) {
-    tarnTArray<std::int32_t> array;
-    array.insertAt(1, -1);
-    array.insertAt(1, 48);
-    array.setAt(-1, 1);
-    array.grow(0);
-    array.grow(INT32_MAX);
-    EXPECT_EQ(array.capacity, 32);
-    EXPECT_EQ(array.getAt(-1) + array.getAt(32) + array.removeAt(32) + array.removeAt(-1), 0);
-    EXPECT_EQ(Cells(array.data, array.data + 32), Cells(32));
     EXPECT_EQ(tarnTArray<std::int32_t>(-5).capacity, 0);
 }
 
 TEST(ListTest, GrowthKeepsEveryItemAndShowsTheToldCapacity) {
     tarnTList<std::int32_t> list;
-    for (std::int32_t i = 1; i <= 49; ++i) {
-        list.add(i);
+    tarnFieldList fields;
+    nodeList nodes;
+    for (std::int32_t i = 1; i <= 64; ++i) {
+        list.add(i), fields.add(-i, nullptr), nodes.add(nullptr, i);
         EXPECT_EQ(list.array->capacity, i <= 32 ? 32 : i <= 48 ? 48 : 64) << i;
+        EXPECT_EQ(nodes.capacity, i < 32 ? 32 : i < 64 ? 64 : 96) << i << ": one slot is left free";
     }
-    for (std::int32_t i = 0; i < 49; ++i) EXPECT_EQ(list.getAt(i), i + 1);
-    EXPECT_EQ(list.getAt(49), 0);
-    delete list.array;
-}
-
-TEST(FieldListTest, AnIndexBeyondTheCountIsNoField) {
-    tarnFieldList list;
-    list.add(0, nullptr);
-    std::int32_t id = 5;
-    MOLTVARIANT* value = reinterpret_cast<MOLTVARIANT*>(&list);
-    list.getAt(1, id, value);
-    EXPECT_EQ(id, -1);
-    EXPECT_EQ(value, nullptr);
-    list.getAt(0, id, value);
-    EXPECT_EQ(id, 0);
-    delete list.values;
-    delete list.ids;
+    for (std::int32_t i = -1; i <= 64; ++i) {
+        std::int32_t id = 5;
+        MOLTVARIANT* value = reinterpret_cast<MOLTVARIANT*>(&list);
+        fields.getAt(i, id, value);
+        const bool inside = i >= 0 && i < 64;
+        EXPECT_TRUE(list.getAt(i) == (inside ? i + 1 : 0) && id == (inside ? -i - 1 : -1) && value == nullptr)
+            << i;
+    }
+    nodes.release();
+    EXPECT_EQ(nodes.add(nullptr, 1), 0);  // it can be used again
+    nodes.release();
+    delete list.array, delete fields.values, delete fields.ids;
 }
 
 TEST(NodeListTest, RandomWorkMatchesAModelOfKeysInOrderOfArrival) {
@@ -131,17 +105,6 @@ TEST(NodeListTest, RandomWorkMatchesAModelOfKeysInOrderOfArrival) {
     list.release();
 }
 
-TEST(NodeListTest, CapacityLeavesOneSlotFreeAndGrowsByThirtyTwo) {
-    nodeList list;
-    for (std::int32_t i = 1; i <= 64; ++i) {
-        list.add(nullptr, i);
-        EXPECT_EQ(list.capacity, i < 32 ? 32 : i < 64 ? 64 : 96) << i;
-    }
-    list.release();
-    EXPECT_EQ(list.add(nullptr, 1), 0);  // it can be used again
-    list.release();
-}
-
 TEST(NodeListTest, KeysThatWrapAreSortedAnew) {
     nodeList list;
     for (const std::int32_t key : {1, INT32_MAX}) list.add(nullptr, key);
@@ -152,22 +115,18 @@ TEST(NodeListTest, KeysThatWrapAreSortedAnew) {
 }
 
 TEST(NodeListTest, ComparisonFollowsTheKeyTypeOfTheFirstCell) {
-    const auto compare = [](nodeCell a, nodeCell b) {
-        const nodeCell *first = &a, *second = &b;
-        return binarySearchCompare(&first, &second);
-    };
-    const auto compareTexts = [&](const char* a, const char* b, std::int32_t type) {
-        nodeCell first{nullptr, {}, type}, second{nullptr, {}, type};
-        first.key.text = a;
-        second.key.text = b;
-        return compare(first, second);
-    };
-    EXPECT_EQ(compareTexts("AB", "AC", 2), -1);
-    EXPECT_EQ(compareTexts("\xFF", "A", 2), 1);
-    EXPECT_EQ(compareTexts("AB", std::string("AB").c_str(), 2), 0);
-    EXPECT_EQ(compareTexts("AB", "AC", 0), 0);
-    EXPECT_EQ(compare({nullptr, {3}, 1}, {nullptr, {10}, 1}), -7);
-    EXPECT_EQ(compare({nullptr, {INT32_MIN}, 1}, {nullptr, {1}, 1}), INT32_MAX);  // the difference wraps
+    const std::string again = "AB";
+    const std::pair<std::array<nodeCell, 2>, int> rows[] = {
+        {{{{nullptr, {.text = "AB"}, 2}, {nullptr, {.text = "AC"}, 2}}}, -1},
+        {{{{nullptr, {.text = "\xFF"}, 2}, {nullptr, {.text = "A"}, 2}}}, 1},
+        {{{{nullptr, {.text = "AB"}, 2}, {nullptr, {.text = again.c_str()}, 2}}}, 0},
+        {{{{nullptr, {.text = "AB"}, 0}, {nullptr, {.text = "AC"}, 0}}}, 0},
+        {{{{nullptr, {.number = 3}, 1}, {nullptr, {.number = 10}, 2}}}, -7},
+        {{{{nullptr, {.number = INT32_MIN}, 1}, {nullptr, {.number = 1}, 1}}}, INT32_MAX}};  // it wraps
+    for (const auto& [cells, order] : rows) {
+        const nodeCell *first = &cells[0], *second = &cells[1];
+        EXPECT_EQ(binarySearchCompare(&first, &second), order);
+    }
 }
 
 }  // namespace

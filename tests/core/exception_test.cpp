@@ -36,24 +36,26 @@ TEST(Exception, OnlyTheFirstKindAsksAndOnlySixIsYes) {
 TEST(Exception, AModuleThatFailsShowsABoxUnlessQuiet) {
     static std::string shownBox;
     tarn::setMessageBox([](const char* text, const char* caption, std::uint32_t style) -> int {
-        shownBox = std::string(caption) + (text == nullptr ? "|-|" : "|text|") + std::to_string(style);
+        shownBox =
+            std::string(" ") + caption + (text == nullptr ? ", -, " : ", text, ") + std::to_string(style);
         return IDOK;
     });
     SetLastError(0xFFFFFFFF), showGetLastError("x.dll");  // a code without a text
-    EXPECT_EQ(std::exchange(shownBox, ""), "GetLastError( -1 ) : x.dll|-|65536");
-    const std::tuple<const char*, const char*, int, int, std::string> rows[] = {
-        {"libc.so.6", "getpid", 0, 1, ""},
-        {"libc.so.6", "tarnNoSuchFunction", 0, 0, ""},
-        {"tarn-no-such", "any", 1, 0, ""},
-        {"tarn-no-such", "any", 0, 0, "GetLastError( 126 ) : tarn-no-such|text|65536"},
-        {nullptr, "any", 0, 0, "GetLastError( 126 ) : |text|65536"}};
-    for (const auto& [file, name, quiet, result, box] : rows) {
-        auto* module = reinterpret_cast<HINSTANCE>(&shownBox);
-        auto* function = reinterpret_cast<int (*)()>(&shownBox);
-        EXPECT_EQ(loadDllFunc(module, &function, file, name, quiet), result) << name;
-        EXPECT_TRUE((function != nullptr) == (result == 1) && std::exchange(shownBox, "") == box) << name;
-        if (module != nullptr) FreeLibrary(module);
-    }
+    EXPECT_EQ(std::exchange(shownBox, ""), " GetLastError( -1 ) : x.dll, -, 65536");
+    tarntest::expectAnswers(
+        "load:libc.so.6|getpid||1;libc.so.6|tarnNoSuchFunction||0;tarn-no-such|any|quiet|0;"
+        "tarn-no-such|any||0 GetLastError( 126 ) : tarn-no-such, text, 65536;NULL|any||0 GetLastError( 126 ) "
+        ": , text, 65536",
+        [](auto&, auto& cells) {
+            auto* module = reinterpret_cast<HINSTANCE>(&shownBox);
+            auto* function = reinterpret_cast<int (*)()>(&shownBox);
+            const char* const file = cells[0] == "NULL" ? nullptr : cells[0].c_str();
+            const int result =
+                loadDllFunc(module, &function, file, cells[1].c_str(), cells[2].empty() ? 0 : 1);
+            EXPECT_EQ(function != nullptr, result == 1);
+            if (module != nullptr) FreeLibrary(module);
+            return std::to_string(result) + std::exchange(shownBox, "");
+        });
 }
 
 #endif

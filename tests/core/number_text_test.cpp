@@ -2,12 +2,7 @@
 
 #include "core/number_text.h"
 
-#include <clocale>
-#include <cmath>
-#include <cstdio>
-#include <cstring>
-#include <limits>
-#include <random>
+#include <bit>
 
 #include "core/variant.h"
 #include "tests/support.h"
@@ -15,35 +10,30 @@
 namespace {
 
 std::uint64_t bitsOf(double number) {
-    std::uint64_t bits = 0;
-    std::memcpy(&bits, &number, sizeof bits);
-    return bits;
+    return std::bit_cast<std::uint64_t>(number);
 }
 
 #if !defined(_WIN32)  // its older C library reads and writes some of these in a way of its own
 TEST(NumberTextTest, ReadingAgreesWithTheCLibrary) {
-    std::mt19937 random(4);
-    for (int i = 0; i < 300'000; ++i) {
-        const std::string text =
-            tarntest::randomText(random, i % 2 == 0 ? "0123456789.e-+ " : "019.eExXpP-+ \tinfaINFNA,/", 13);
-        const double expected = std::strtod(text.c_str(), nullptr);
-        const double number = tarn::readDouble(text.c_str());
+    const auto expectAgreement = [](const std::string& text) {
+        const double expected = std::strtod(text.c_str(), nullptr), number = tarn::readDouble(text.c_str());
         ASSERT_TRUE(bitsOf(number) == bitsOf(expected) || (std::isnan(number) && std::isnan(expected)))
             << text;
         const long long whole = std::strtoll(text.c_str(), nullptr, 10);
         ASSERT_EQ(tarn::readLong(text.c_str()), std::clamp<long long>(whole, INT32_MIN, INT32_MAX)) << text;
+    };
+    std::mt19937 random(4);
+    for (int i = 0; i < 300'000 && !HasFailure(); ++i) {
+        expectAgreement(
+            tarntest::randomText(random, i % 2 == 0 ? "0123456789.e-+ " : "019.eExXpP-+ \tinfaINFNA,/", 13));
     }
-    for (const char* text :
-         {"1e999", "-1e999", "1e-999", "-1e-999", "1e308", "4.9e-324", "2e-324", "0x1p-2000", "0x1p2000",
-          "99999999999999999999", "-99999999999999999999", "infinity", "nan(12)", "0x", "1e", "+-1"}) {
-        EXPECT_TRUE(bitsOf(tarn::readDouble(text)) == bitsOf(std::strtod(text, nullptr)) ||
-                    std::isnan(std::strtod(text, nullptr)))
-            << text;
-    }
-    const std::string tiny = "0." + std::string(400, '0') + "1";
-    const std::string huge = "1" + std::string(400, '0') + ".5";
-    EXPECT_EQ(tarn::readDouble(tiny.c_str()), 0.0);
-    EXPECT_EQ(tarn::readDouble(huge.c_str()), std::numeric_limits<double>::infinity());
+    const std::string zeros(400, '0');
+    for (const std::string& text : tarntest::split(
+             "1e999|-1e999|1e-999|-1e-999|1e308|4.9e-324|2e-324|0x1p-2000|0x1p2000|99999999999999999999|"
+             "-99999999999999999999|infinity|nan(12)|0x|1e|+-1|0." +
+                 zeros + "1|1" + zeros + ".5",
+             '|'))
+        expectAgreement(text);
 }
 
 TEST(NumberTextTest, WritingAgreesWithTheCLibrary) {
@@ -52,8 +42,7 @@ TEST(NumberTextTest, WritingAgreesWithTheCLibrary) {
     char written[1100];
     for (int i = 0; i < 200'000; ++i) {
         const std::uint64_t bits = random();
-        double number = 0;
-        std::memcpy(&number, &bits, sizeof number);
+        auto number = std::bit_cast<double>(bits);
         if (i % 2 == 0)
             number =
                 std::ldexp(static_cast<double>(bits >> 40), static_cast<int>(bits % 30) - 24);  // many ties
@@ -73,10 +62,9 @@ TEST(NumberTextTest, WritingAgreesWithTheCLibrary) {
 #endif
 
 TEST(NumberTextTest, CutsStayWithinThirtyTwoBits) {
-    EXPECT_EQ(tarn::cutToLong(-1.9), -1);
-    EXPECT_EQ(tarn::cutToLong(1e300), INT32_MAX);
-    EXPECT_EQ(tarn::cutToLong(-1e300), INT32_MIN);
-    EXPECT_EQ(tarn::cutToLong(std::nan("")), 0);
+    for (const auto& [number, cut] :
+         {std::pair(-1.9, -1), {1e300, INT32_MAX}, {-1e300, INT32_MIN}, {std::nan(""), 0}})
+        EXPECT_EQ(tarn::cutToLong(number), cut);
 }
 
 // The told steps of a price, plainly.
@@ -118,22 +106,15 @@ int plainPrice(const std::string& text, double& number) {
 TEST(PriceTest, FastAndPlainReadingAgree) {
     std::mt19937 random(6);
     constexpr const char* alphabets[] = {"0123456789.", "0123 ./,-+", "12 /-.a"};
+    double number = 77;
     for (int i = 0; i < 400'000; ++i) {
-        const std::string text = tarntest::randomText(random, alphabets[i % 3], 13);
-        double number = 77;
-        double expected = 77;
+        const std::string blanks(i % 500 == 0 ? 300 : 0, ' '),
+            text = blanks + tarntest::randomText(random, alphabets[i % 3], 13) + blanks;
+        double expected = number = 77;
         ASSERT_EQ(convertToDouble(text.c_str(), number), plainPrice(text, expected)) << text;
         ASSERT_EQ(bitsOf(number), bitsOf(expected)) << text;
     }
-}
-
-TEST(PriceTest, ALongPriceIsReadAsWell) {
-    double number = 77;
-    const std::string blanks(300, ' ');
-    EXPECT_EQ(convertToDouble((blanks + "12 1/2" + blanks).c_str(), number), 1);
-    EXPECT_EQ(number, 12.5);
-    EXPECT_EQ(convertToDouble(nullptr, number), 1);
-    EXPECT_EQ(number, 0);
+    EXPECT_TRUE(convertToDouble(nullptr, number) == 1 && number == 0);
 }
 
 }  // namespace

@@ -1,112 +1,65 @@
 // Life of tagged values: core/variant.cpp.
 
-#include "tests/support.h"
 #include "tests/values.h"
 
 namespace {
 
-using tarntest::blob;
-using tarntest::describe;
-using tarntest::listOf;
-using tarntest::number;
-using tarntest::Owned;
-using tarntest::text;
-using tarntest::vectorOf;
-using tarntest::wideText;
-
-Owned column(std::initializer_list<std::int32_t> rows) {
-    Owned made;
-    made.payload.multi = new multiColumn{new nodeList};
-    made.tag = tagMulti;
-    for (const std::int32_t row : rows) {
-        made.payload.multi->nodes->add(row == 9 ? nullptr : number(tagLong, row).release(), row);
-    }
-    return made;
-}
-
-Owned record() {
-    Owned made;
-    made.payload.record = new tarnFieldList;
-    made.tag = tagRecord;
-    made.payload.record->add(
-        5, listOf(text("deep"), vectorOf(number(tagDouble, 1), wideText(u"odd"))).release());
-    made.payload.record->add(-26, column({5, 1, 9, 3}).release());
-    made.payload.record->add(5, text("s", tagString).release());
-    return made;
-}
-
-// A missing element is copied as an empty value.
-std::string describeCopy(const MOLTVARIANT& value) {
-    const MOLTVARIANT empty;
-    std::string expected = describe(&value);
-    for (std::size_t at = expected.find("NULL"); at != std::string::npos; at = expected.find("NULL")) {
-        expected.replace(at, 4, describe(&empty));
-    }
-    return expected;
-}
+using namespace tarntest;
 
 TEST(VariantTest, DeepCopiesAreEqualAndIndependent) {
-    Owned values[16] = {number(tagShort, -5),
-                        text("abc"),
-                        text(nullptr),
-                        text("abc", tagString),
-                        text(nullptr, tagString),
-                        wideText(u"abc"),
-                        vectorOf(),
-                        vectorOf(text("a"), vectorOf(text("b"))),
-                        blob("ab"),
-                        blob(""),
-                        column({5, 1, 9, 3}),
-                        record(),
-                        listOf(record(), record())};
-    values[13].payload.block = new unsigned char[16]{1, 2, 3};
-    values[13].tag = tagBlock;
-    values[14].tag = tagVector;
-    Owned longList = listOf();
-    for (int i = 0; i < 40; ++i) longList.payload.list->add(i == 7 ? nullptr : number(tagLong, i).release());
-    values[15].assignContent(&longList);
-    longList.initContent(nullptr);
-    for (const Owned& value : values) {
+    const std::string record = "22:[5=20:[10:deep,13:[5:1,11:odd]],-26=21:[5=3:5,1=3:1,9=none,3=3:3],5=17:s]";
+    std::string longList = "20:[none";
+    for (int i = 0; i < 40; ++i) longList += ",3:" + std::to_string(i);
+    auto notations = split(
+        "2:-5|10:abc|10:NULL|17:abc|17:NULL|11:abc|13:[]|13:NULL|13:[10:a,13:[10:b]]|15:ab|"
+        "15:|21:[5=3:5,1=3:1,9=none,3=3:3]|16:0123456789abcdef",
+        '|');
+    for (const std::string& more : {record, longList + "]", "20:[" + record + "," + record + "]"})
+        notations.push_back(more);
+    for (const std::string& notation : notations) {
+        const Owned value = valueOf(notation);
+        EXPECT_EQ(describe(&value), notation);
+        // A missing element is copied as an empty value.
+        std::string expected = notation;
+        for (std::size_t at = 0; (at = expected.find("none")) != std::string::npos;)
+            expected.replace(at, 4, "0:0");
         Owned copy(&value);
         MOLTVARIANT view;
         view.assignContent(&copy);
         const Owned second(&view);
-        EXPECT_EQ(describe(&copy), describeCopy(value));
+        EXPECT_EQ(describe(&copy), expected);
         copy.destroyContent();
         copy.destroyContent();
-        EXPECT_EQ(describe(&second), describeCopy(value));
+        EXPECT_EQ(describe(&second), expected);
     }
-    EXPECT_EQ(Owned(&values[10]).payload.multi->nodes->needsSort, 1);  // sorting is still to come
+    const Owned column = valueOf("21:[5=3:5,1=3:1]");
+    EXPECT_EQ(Owned(&column).payload.multi->nodes->needsSort, 1);  // sorting is still to come
 }
 
 TEST(VariantTest, RawMemoryBecomesAnEmptyValueAndAValueCopiesItself) {
     MOLTVARIANT raw;
     std::memset(static_cast<void*>(&raw), 0xAA, sizeof raw);
     raw.initContent(nullptr);
-    const MOLTVARIANT empty;
-    EXPECT_EQ(describe(&raw), describe(&empty));
-    Owned value = text("self");
-    const Owned old(std::move(value));
+    EXPECT_EQ(describe(&raw), "0:0");
+    const Owned old = valueOf("10:self");
+    Owned value;
     value.assignContent(&old);
     value.copyContent(&value);
-    EXPECT_NE(value.payload.text, old.payload.text);
-    EXPECT_STREQ(value.payload.text, "self");
+    EXPECT_TRUE(value.payload.text != old.payload.text && describe(&value) == "10:self");
 }
 
 TEST(VariantTest, ContainersAreMeasuredAndCompareAsNothing) {
-    const Owned doubles = vectorOf(number(tagDouble, 1), number(tagDouble, 2)),
-                list = listOf(Owned(&doubles));
-    EXPECT_EQ(doubles.sizeOfData(), 16);
-    EXPECT_EQ(list.sizeOfData(), 20);
-    EXPECT_EQ(column({}).sizeOfData(), 4);
-    EXPECT_EQ(column({1, 2}).sizeOfData(), 12);
+    const Owned doubles = valueOf("13:[5:1,5:2]"), list = valueOf("20:[13:[5:1,5:2]]");
     multiColumn withoutCells{nullptr};
     MOLTVARIANT bare;
     bare.tag = tagMulti;
     bare.payload.multi = &withoutCells;
-    EXPECT_EQ(bare.sizeOfData(), 4);
+    EXPECT_EQ(std::vector({doubles.sizeOfData(), list.sizeOfData(), valueOf("21:[]").sizeOfData(),
+                           valueOf("21:[1=3:1,2=3:2]").sizeOfData(),
+                           valueOf("22:[1=3:1,2=5:1]").sizeOfData(), bare.sizeOfData()}),
+              std::vector({16, 20, 4, 12, 16, 4}));
     EXPECT_EQ(varcmp(list, doubles) + isVarEqual(list, list) + isVarLike(list, list), 0);
-    EXPECT_EQ(varcmp(text("a"), list), 1);  // a container has no text form
+    EXPECT_EQ(varcmp(valueOf("10:a"), list), 1);  // a container has no text form
 }
 
 }  // namespace

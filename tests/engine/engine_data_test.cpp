@@ -2,43 +2,11 @@
 
 #include "engine/engine_data.h"
 
-#include <algorithm>
-#include <random>
-#include <vector>
-
-#include "tests/support.h"
-#include "tests/values.h"
+#include "tests/engine/shown.h"
 
 namespace {
 
-using tarntest::describe;
-using tarntest::number;
-using tarntest::Owned;
-using tarntest::text;
-
-std::string described(tarnEngineData& record) {
-    return describe(record.getRootData());
-}
-
-// A record value with one column whose rows are given, and a single field of the same id.
-MOLTVARIANT* recordValue(std::initializer_list<std::int32_t> rows) {
-    tarnEngineData record;
-    const Owned one = number(tagLong, 1);
-    record.storeData(7, &one);
-    record.storeMultiData(7, 0, nullptr, 1);
-    record.removeMultiData(7, 0);
-    for (const std::int32_t row : rows) record.storeMultiData(7, row, &one, 1);
-    return Owned(record.getRootData()).release();
-}
-
-TEST(EngineDataTest, ANewRecordHasNothing) {
-    tarnEngineData record;
-    Owned out = number(tagLong, 1);
-    EXPECT_EQ(record.getData(0, &out), -1);  // the memory of the last search holds id 0
-    EXPECT_EQ(out.tag, tagEmpty);
-    EXPECT_EQ(record.getNumMulti() + record.isMulti(0) + record.isMulti(-1), 0);
-    EXPECT_EQ(record.getRootData()->payload.record, record.fields);
-}
+using namespace tarntest;
 
 // Random work on fields and columns of few ids against ordered containers.
 TEST(EngineDataTest, RandomWorkOnFieldsMatchesAModel) {
@@ -54,6 +22,16 @@ TEST(EngineDataTest, RandomWorkOnFieldsMatchesAModel) {
     };
     for (std::int32_t step = 0; step < 20'000; ++step) {
         const auto id = static_cast<std::int32_t>(random() % 60) - 30;
+        const auto probe = step == 0 ? 0 : static_cast<std::int32_t>(random() % 60) - 30;
+        for (const int kind : {0, 1}) {
+            Owned out = number(tagLong, 1);  // at first the memory of the last search holds the id 0
+            const auto field = find(probe, kind);
+            const auto index = field == model.end() ? -1 : static_cast<std::int32_t>(field - model.begin());
+            ASSERT_EQ(kind != 0 ? record.getMultiData(probe, 0, &out) : record.getData(probe, &out), index);
+            ASSERT_EQ(describe(&out), index < 0 ? "0:0" : "3:" + std::to_string(field->value));
+            ASSERT_EQ(record.isMulti(index), index >= 0 ? kind : 0);
+            ASSERT_EQ(record.getId(index), index < 0 ? -1 : probe);
+        }
         const Owned value = number(tagLong, step);
         const int column = step % 3 == 0;
         const auto known = find(id, column);
@@ -68,23 +46,13 @@ TEST(EngineDataTest, RandomWorkOnFieldsMatchesAModel) {
             if (known != model.end()) known->value = step;
             if (known == model.end()) model.push_back({id, column, step});
         }
-        const auto probe = static_cast<std::int32_t>(random() % 60) - 30;
-        for (const int kind : {0, 1}) {
-            MOLTVARIANT out;
-            const auto field = find(probe, kind);
-            const auto index = field == model.end() ? -1 : static_cast<std::int32_t>(field - model.begin());
-            ASSERT_EQ(kind != 0 ? record.getMultiData(probe, 0, &out) : record.getData(probe, &out), index);
-            ASSERT_EQ(out.payload.longValue, index < 0 ? 0 : field->value);
-            ASSERT_EQ(record.isMulti(index), index >= 0 ? kind : 0);
-            ASSERT_EQ(record.getId(index), index < 0 ? -1 : probe);
-        }
         ASSERT_EQ(record.fields->count, static_cast<std::int32_t>(model.size()));
     }
 }
 
 TEST(EngineDataTest, AFieldTakesAViewOfItselfAndOfItsPart) {
     tarnEngineData record;
-    const Owned list = tarntest::listOf(text("inner"), text("other"));
+    const Owned list = valueOf("20:[10:inner,10:other]");
     MOLTVARIANT view;
     const auto stored = [&](const MOLTVARIANT* value) {
         record.storeData(1, value);
@@ -94,48 +62,41 @@ TEST(EngineDataTest, AFieldTakesAViewOfItselfAndOfItsPart) {
     EXPECT_EQ(stored(&list), describe(&list));
     EXPECT_EQ(stored(&view), describe(&list));
     EXPECT_EQ(stored(view.payload.list->getAt(0)), "10:inner");
-    EXPECT_EQ(stored(record.getRootData()), "22:1=10:inner;.");  // the record in a field of its own
-    stored(nullptr);
-    EXPECT_EQ(view.tag, tagEmpty);
+    EXPECT_EQ(stored(record.getRootData()), "22:[1=10:inner]");  // the record in a field of its own
+    EXPECT_EQ(stored(nullptr), "0:0");
 }
 
 TEST(EngineDataTest, AWholeValueIsTakenOverWithItsRows) {
     tarnEngineData record;
     record.dataType = eOperation{3};
-    Owned notTaken = text("mine");
-    record.setRootData(&notTaken);
-    record.setRootData(nullptr);
-    EXPECT_EQ(record.isEmpty(), 1);
-    MOLTVARIANT out;
-    record.setRootData(recordValue({}));  // a column without cells counts nothing
-    EXPECT_EQ(record.getNumMulti(), 0);
-    EXPECT_EQ(record.getData(185, &out), -1);
-    record.setRootData(recordValue({4, 0}));
-    EXPECT_EQ(record.getNumMulti(), 5);
-    EXPECT_EQ(record.dataType, 3);
+    Owned notTaken = valueOf("10:mine");
+    for (MOLTVARIANT* const value :
+         {static_cast<MOLTVARIANT*>(&notTaken), static_cast<MOLTVARIANT*>(nullptr)})
+        record.setRootData(value);
+    EXPECT_EQ(shown(record), "0");
+    record.setRootData(valueOf("22:[7=3:1,7=21:[]]").release());  // a column without cells counts nothing
+    EXPECT_EQ(shown(record), "7=1 7[] 0");
+    record.setRootData(valueOf("22:[7=3:1,7=21:[4=3:1,0=3:1]]").release());
     record.setRootData(record.getRootData());  // its own content stays
-    EXPECT_EQ(record.getData(185, &out), 2);
-    const Owned five = number(tagShort, 5);
-    EXPECT_EQ(describe(&out), describe(&five));
+    EXPECT_EQ(shown(record), "7=1 7[0:1,4:1,] 185=5 5");
+    EXPECT_EQ(describe(record.fields->values->getAt(2)) + std::to_string(record.dataType), "2:53");
     const Owned inner(record.getRootData());
     record.storeData(9, &inner);
     record.setRootData(record.fields->values->getAt(3));  // one of its fields becomes the record
-    EXPECT_EQ(described(record), describe(&inner));
+    EXPECT_EQ(shown(record), "7=1 7[0:1,4:1,] 185=5 5");
 }
 
 TEST(EngineDataTest, ACopyIsDeepAndStartsWithoutMemory) {
     tarnEngineData record;
-    record.setRootData(recordValue({2, 0}));
+    record.setRootData(valueOf("22:[7=3:1,7=21:[2=3:1,0=3:1]]").release());
     record.setDataType(eOperation{5});
     MOLTVARIANT out;
     record.getData(185, &out);
-    const std::string before = described(record);
     const tarnEngineData copy(&record);
-    EXPECT_EQ(std::vector({copy.numMulti, std::int32_t{copy.dataType}, copy.lastId, copy.lastIndex}),
-              std::vector({3, 5, 0, -1}));
+    EXPECT_TRUE(copy.dataType == 5 && copy.lastId == 0 && copy.lastIndex == -1);
     record.removeMultiData();
     record.removeData(7);
-    EXPECT_EQ(describe(copy.root), before);
+    EXPECT_EQ(shown(copy) + " " + shown(record), "7=1 7[0:1,2:1,] 185=3 3 185=3 0");
     EXPECT_EQ(tarnEngineData(nullptr).isEmpty(), 1);
     tarnEngineParam parameters;
     parameters.words[12] = 4;

@@ -1,18 +1,12 @@
 // Columns of rows: engine/multi_data.cpp and engine/column.cpp.
 
-#include <algorithm>
 #include <map>
-#include <random>
-#include <vector>
 
-#include "engine/engine_data.h"
-#include "tests/support.h"
-#include "tests/values.h"
+#include "tests/engine/shown.h"
 
 namespace {
 
-using tarntest::number;
-using tarntest::Owned;
+using namespace tarntest;
 
 constexpr std::int32_t noValue = -1;
 
@@ -83,9 +77,8 @@ TEST(MultiDataTest, RandomWorkMatchesAModel) {
 
 TEST(MultiDataTest, PositionsAreNotRowsWhileASortIsPending) {
     tarnEngineData record;
-    const Owned ten = number(tagLong, 10), sameNumber = number(tagNumber, 10), five = number(tagLong, 5);
-    record.storeMultiData(7, 5, &five, 1);
-    record.storeMultiData(7, 1, &ten, 1);
+    const Owned ten = number(tagLong, 10), sameNumber = number(tagNumber, 10);
+    storeLong(record, 7, 5, 5, 1), storeLong(record, 7, 1, 10, 1);
     EXPECT_EQ(record.findMultiData(7, &ten), 1);
     MOLTVARIANT out;
     EXPECT_EQ(record.getMultiData(7, 5, &out), 0);  // the column's index, not the row
@@ -95,74 +88,58 @@ TEST(MultiDataTest, PositionsAreNotRowsWhileASortIsPending) {
     EXPECT_EQ(record.findMultiData(7, &sameNumber), -1);
 }
 
-TEST(MultiDataTest, ARowThatStandsTwiceReadsAsTheOneStoredFirst) {
-    tarnEngineData record;
-    for (const std::int32_t i : {1, 2}) {
-        const Owned value = number(tagLong, i);
-        record.storeMultiData(7, 4, &value, 1);
-    }
-    for (const std::int32_t i : {1, 2}) {
-        MOLTVARIANT out;
-        record.getMultiData(7, 4, &out);
-        EXPECT_EQ(out.payload.longValue, i);
-        record.removeMultiData(7, 4);
+// A record after a list of steps: what is done, a field and a row or two rows, a value.
+void work(tarnEngineData& record, const std::string& steps) {
+    for (const std::string& step : split(steps, ',')) {
+        std::istringstream words(step);
+        std::string done, notation;
+        std::int32_t a = 0, b = 0;
+        words >> done >> a >> b >> notation;
+        const Owned value = valueOf(notation);
+        const MOLTVARIANT* const given = notation.empty() ? nullptr : &value;
+        if (done == "store" || done == "add") record.storeMultiData(a, b, given, done == "add" ? 1 : 0);
+        if (done == "field") record.storeData(a, given);
+        if (done == "insert") record.insertMultiData(a, b, given);
+        if (done == "remove") record.removeMultiData(a, b);
+        if (done == "cut") record.removeMultiData(a);
+        if (done == "rows") record.setNumMulti(a);
+        if (done == "append") record.appendMultiData(&record);
     }
 }
 
-TEST(MultiDataTest, ACellTakesAViewOfItselfAndNullIsAnEmptyCell) {
+TEST(MultiDataTest, StepsEndOtherwise) {
+    expectAnswers(R"(
+# A row that stands twice reads as the one stored first; a cell without a value is an empty one.
+rows:add 7 4 3:1,add 7 4 3:2|7[4:1,4:2,] 5;add 7 4 3:1,add 7 4 3:2,remove 7 4|7[4:2,] 5;store 7 2|7[2:,] 3
+rows:add 7 4 3:1,add 7 4 3:2,store 7 4 3:3|7[4:3,4:2,] 5;store 7 1 3:1,insert 7 1 3:2,insert 7 3|7[1:2,2:1,3:,] 4
+# Row numbers that don't exist change only the count; the count and a row above the highest wrap.
+rows:cut|-1;rows 7,remove 3 3|7;store 1 2147483647 3:1|1[2147483647:1,] -2147483648
+rows:store 1 2147483647 3:1,insert 1 5 3:2|1[-2147483648:1,5:2,] 6
+# Appended rows keep their distance.  An empty cell doesn't travel, nor do fields but -26, which is
+# overwritten by an empty value; of a column no more cells count than there are rows.
+append:store 1 0 3:0,store 1 1 3:1|store 2 2 3:7,store 1 0 3:8,store 1 1,field -26 0 10:x,field 5 0 10:x|1[0:0,1:1,2:8,] 2[4:7,] -26=x 5
+append:store 1 0 3:0,field -26 0 10:x|add 1 0 3:8,add 1 2 3:9,rows 1|1[0:0,1:8,] -26= 2
+rows:store 1 0 3:1,store 2 1 3:2,append,append|1[0:1,2:1,4:1,6:1,] 2[1:2,3:2,5:2,7:2,] -26= 8
+)",
+                  [](const std::string& kind, const std::vector<std::string>& cells) {
+                      tarnEngineData record, other;
+                      work(record, cells[0]);
+                      work(other, kind == "append" ? cells[1] : "");
+                      if (kind == "append") record.appendMultiData(&other);
+                      return shown(record);
+                  });
+}
+
+TEST(MultiDataTest, ACellTakesAViewOfItself) {
     tarnEngineData record;
-    const Owned value = tarntest::text("abc");
-    record.storeMultiData(7, 0, &value, 0);
     MOLTVARIANT out;
+    work(record, "store 7 0 3:5,store 7 0 10:abc,store 7 1");
+    EXPECT_TRUE(record.getMultiData(7, 1, &out) == 0 && out.tag == tagEmpty);
     record.getMultiData(7, 0, &out);
     record.storeMultiData(7, 0, &out, 0);
     record.getMultiData(7, 0, &out);
     record.insertMultiData(7, 0, &out);
-    record.getMultiData(7, 1, &out);
-    EXPECT_STREQ(out.payload.text, "abc");
-    record.storeMultiData(7, 1, nullptr, 0);
-    EXPECT_EQ(record.getMultiData(7, 1, &out), 0);
-    EXPECT_EQ(out.tag, tagEmpty);
-}
-
-TEST(MultiDataTest, RowsNumberOnesThatDontExistChangeOnlyTheCount) {
-    tarnEngineData record;
-    record.removeMultiData(0);
-    EXPECT_EQ(record.getNumMulti(), -1);
-    record.setNumMulti(7);
-    record.removeMultiData(3, 3);
-    EXPECT_EQ(record.getNumMulti(), 7);
-    const Owned value = number(tagLong, 1);
-    record.storeMultiData(1, INT32_MAX, &value, 0);
-    EXPECT_EQ(record.getNumMulti(), INT32_MIN);  // it wraps
-    record.insertMultiData(1, 5, &value);
-    MOLTVARIANT out;
-    EXPECT_EQ(record.getMultiData(1, INT32_MIN, &out), 0);
-}
-
-TEST(MultiDataTest, AppendedRowsKeepTheirDistanceAndBringFieldMinus26) {
-    tarnEngineData record, other;
-    const Owned value = number(tagLong, 1);
-    for (const std::int32_t row : {0, 1}) record.storeMultiData(1, row, &value, 0);
-    other.storeMultiData(2, 2, &value, 0);
-    other.storeMultiData(1, 0, &value, 0);
-    other.storeMultiData(1, 1, nullptr, 0);  // an empty cell doesn't travel
-    for (const std::int32_t id : {-26, 5}) other.storeData(id, &value);
-    record.appendMultiData(&other);
-    MOLTVARIANT out;
-    EXPECT_EQ(record.getNumMulti(), 5);
-    EXPECT_EQ(record.getMultiData(2, 4, &out), 1);
-    EXPECT_EQ(record.getMultiData(1, 2, &out), 0);
-    EXPECT_EQ(record.getMultiData(1, 3, &out), -1);
-    EXPECT_EQ(record.getData(5, &out), -1);
-    EXPECT_EQ(record.getData(-26, &out), 2);
-    EXPECT_EQ(out.tag, tagLong);
-    other.removeData(-26);
-    record.appendMultiData(&other);
-    EXPECT_EQ(record.getData(-26, &out), 2);  // overwritten by an empty value
-    EXPECT_EQ(out.tag, tagEmpty);
-    record.appendMultiData(&record);
-    EXPECT_EQ(record.getMultiData(2, 12, &out), 1);
+    EXPECT_EQ(shown(record), "7[0:abc,1:abc,2:,] 3");
 }
 
 }  // namespace

@@ -1,14 +1,12 @@
 // engine/operations.cpp.
 
-#include <tuple>
-
 #include "core/exception.h"
 #include "engine/engine_data.h"
 #include "tests/values.h"
 
 namespace {
 
-using tarntest::describe, tarntest::number, tarntest::Owned, tarntest::text;
+using namespace tarntest;
 
 struct Host : tarnGlobalInterfaces, tarnFieldDictionary, tarnFieldDescriptions {
     std::vector<std::int32_t> codes;  // by id; any other id throws
@@ -21,31 +19,33 @@ struct Host : tarnGlobalInterfaces, tarnFieldDictionary, tarnFieldDescriptions {
 };
 
 TEST(Operations, TheDictionaryDecidesWhatATextBecomes) {
-    const std::tuple<std::int32_t, const char*, Owned> rows[] = {
-        {1, "70000", number(tagShort, 4464)},
-        {3, "no number", number(tagLong, 0)},
-        {2, "-12 or so", number(tagLong, -12)},
-        {4, "abc", number(tagChar, 'a')},
-        {4, "", number(tagChar, 0)},
-        {5, "text", text("text")},
-        {6, "1.5", number(tagFloat, 1.5)},
-        {0x10007, "-2.25e1", number(tagDouble, -22.5)},
-        {0x70000, "0", text("0")},
-        {-8, "8", text("8")}};
-    for (const std::int32_t tag : {tagText, tagString}) {
+    const std::tuple<std::int32_t, std::string, const char*> rows[] = {{1, "70000", "2:4464"},
+                                                                       {3, "no number", "3:0"},
+                                                                       {2, "-12 or so", "3:-12"},
+                                                                       {4, "abc", "6:97"},
+                                                                       {4, "", "6:0"},
+                                                                       {5, "text", "10:text"},
+                                                                       {6, "1.5", "4:1.5"},
+                                                                       {0x10007, "-2.25e1", "5:-22.5"},
+                                                                       {0x70000, "0", "10:0"},
+                                                                       {-8, "8", "10:8"}};
+    for (const char* tag : {"10:", "17:"}) {
         tarnEngineData record;
         Host host;
+        std::string expected = "22:[";
         for (const auto& [code, given, result] : rows) {
-            const Owned field = text(given, tag);
+            const Owned field = valueOf(tag + given);
+            expected += std::to_string(record.fields->count) + "=" + result + ",";
             record.storeData(record.fields->count, &field);
             host.codes.push_back(code);
         }
-        const Owned unasked[] = {number(tagLong, 5), text(nullptr), text(nullptr, tagString)};
-        for (const Owned& field : unasked) record.storeData(record.fields->count, &field);
+        for (const char* unasked : {"3:5", "10:NULL", "17:NULL"}) {
+            const Owned field = valueOf(unasked);
+            record.storeData(record.fields->count, &field);
+        }
         record.convertOperation(nullptr);
         record.convertOperation(&host);
-        for (std::int32_t i = 0; const auto& row : rows)
-            EXPECT_EQ(describe(record.fields->values->getAt(i++)), describe(&std::get<2>(row))) << i;
+        EXPECT_EQ(describe(record.getRootData()), expected + "10=3:5,11=10:NULL,12=17:NULL]");
         record.descriptions = &host;
         EXPECT_EQ(tarnEngineData(&record).getDataDescription(5), host.entry + 71);
     }

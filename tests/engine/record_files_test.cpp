@@ -1,60 +1,18 @@
 // Files of the record: engine/text_file.cpp, engine/indexed_file.cpp, engine/record_loader.cpp.
 
-#include <random>
-
-#include "engine/engine_data.h"
-#include "tests/support.h"
-#include "tests/values.h"
+#include "tests/engine/shown.h"
 
 namespace {
 
-using tarntest::describe;
-using tarntest::fill;
-using tarntest::number;
-using tarntest::Owned;
-using tarntest::TemporaryFolder;
-using tarntest::text;
+using namespace tarntest;
 
 constexpr const char* example = "#2^101|15|ABC^102|3|25^#0|2^7|5|1.5^8|15|X^7|5|2.5^8|15|Y^";
 
-std::string described(tarnEngineData& record) {
-    for (std::int32_t i = 0; i < record.fields->count; ++i) {
-        if (record.isMulti(i) != 0) record.fields->values->getAt(i)->payload.multi->nodes->sort();
-    }
-    return describe(record.getRootData()) + " " + std::to_string(record.getNumMulti());
-}
-
 // A record with a field 1 and `rows` rows in column 7.
 void fillRecord(tarnEngineData& record, std::int32_t rows) {
-    const Owned value = text("old");
+    const Owned value = valueOf("10:old");
     record.storeData(1, &value);
-    for (std::int32_t row = 0; row < rows; ++row) {
-        const Owned cell = number(tagLong, row);
-        record.storeMultiData(7, row, &cell, 1);
-    }
-}
-
-std::string textOf(const MOLTVARIANT* value) {
-    tarnString string;
-    string.assign(value);
-    return string.text;
-}
-
-// What a record holds: "field=value column[row:value,...] rows".
-std::string shown(tarnEngineData& record) {
-    std::string out;
-    for (std::int32_t i = 0; i < record.fields->count; ++i) {
-        const std::int32_t id = record.getId(i);
-        const bool column = record.isMulti(i) != 0;
-        out += std::to_string(id) + (column ? "[" : "=" + textOf(record.fields->values->getAt(i)));
-        for (std::int32_t row = 0; column && row < record.getNumMulti(); ++row) {
-            MOLTVARIANT cell;
-            if (record.getMultiData(id, row, &cell) < 0) continue;
-            out += std::to_string(row) + ":" + textOf(&cell) + ",";
-        }
-        out += column ? "] " : " ";
-    }
-    return out + std::to_string(record.getNumMulti());
+    for (std::int32_t row = 0; row < rows; ++row) storeLong(record, 7, row, row, 1);
 }
 
 constexpr char textFiles[] =
@@ -62,30 +20,23 @@ constexpr char textFiles[] =
     ;
 
 TEST(RecordFilesTest, TextFilesMeetWhatTheRecordHolds) {
-    const TemporaryFolder folder;
+    const TemporaryFolder folder(inMemory);
     std::istringstream lines(textFiles);
     for (std::string line; std::getline(lines, line);) {
         const std::size_t first = line.find(" -> "), second = line.find(" -> ", first + 1);
         if (line.empty() || line[0] == '#') continue;
         std::string content;
         for (const char c : line.substr(first + 4, second - first - 4)) {
-            content += c == '@' ? example
-                                : std::string(1, c == '~'   ? '\r'
-                                                 : c == '!' ? '\n'
-                                                 : c == '%' ? '\0'
-                                                            : c);
+            const std::size_t sign = std::string_view("~!%").find(c);
+            content += c == '@' ? example : std::string(1, sign < 3 ? "\r\n"[sign] : c);
         }
         fill(folder.file("a.txt"), content);
-        const std::vector<std::string> head = tarntest::split(line.substr(0, first), ' ');
-        const eLoadType mode = head[0] == "append"   ? loadAppend
-                               : head[0] == "insert" ? loadInsert
-                                                     : loadReplace;
+        const auto head = split(line.substr(0, first), ' ');
+        const auto mode = static_cast<eLoadType>(std::string_view("air").find(head[0][0]));
         tarnEngineData record;
         if (head[1] != "-") fillRecord(record, std::stoi(head[1]));
         EXPECT_EQ(std::to_string(record.loadData(folder.file("a.txt").c_str(), mode)), head[2]) << line;
-        std::string outcome = shown(record);
-        std::replace(outcome.begin(), outcome.end(), '\n', '!');
-        EXPECT_EQ(outcome, line.substr(second + 4));
+        EXPECT_EQ(split(shown(record), '\n'), split(line.substr(second + 4), '!'));
     }
 }
 
@@ -97,9 +48,8 @@ TEST(RecordFilesTest, InsertedRowsEndWhereInsertingOneByOneEnds) {
     for (int round = 0; round < 300; ++round) {
         tarnEngineData record;
         for (int i = 0; i < 6; ++i) {
-            const Owned cell = number(tagLong, i);
-            record.storeMultiData(static_cast<std::int32_t>(random() % 3),
-                                  static_cast<std::int32_t>(random() % 8), &cell, 1);
+            const auto id = static_cast<std::int32_t>(random() % 3);
+            storeLong(record, id, static_cast<std::int32_t>(random() % 8), i, 1);
         }
         tarnEngineData expected(&record);
         const auto rows = static_cast<std::int32_t>(random() % 5);
@@ -115,7 +65,7 @@ TEST(RecordFilesTest, InsertedRowsEndWhereInsertingOneByOneEnds) {
         }
         fill(folder.file("a.txt"), content);
         ASSERT_EQ(record.loadData(folder.file("a.txt").c_str(), loadInsert), 1);
-        ASSERT_EQ(described(record), described(expected)) << content;
+        ASSERT_EQ(shown(record), shown(expected)) << content;
     }
 }
 
@@ -127,7 +77,7 @@ TEST(RecordFilesTest, ASavedRecordLoadsEqualWithItsGaps) {
     EXPECT_EQ(record.loadData(name.c_str(), loadReplace), 1);
     EXPECT_EQ(record.isEmpty(), 1);
     fillRecord(record, 4);
-    const Owned list = tarntest::listOf();
+    const Owned list = valueOf("20:[]");
     record.removeMultiData(7, 1);
     record.storeMultiData(1, 3, nullptr, 0);
     record.storeMultiData(8, 0, &list, 0);
@@ -143,9 +93,7 @@ TEST(RecordFilesTest, ASavedRecordLoadsEqualWithItsGaps) {
         ASSERT_EQ(loaded.loadData(name.c_str(), mode), 1);
         EXPECT_EQ(shown(loaded), outcome);
     }
-    MOLTVARIANT out;
-    EXPECT_EQ(loaded.getData(-5, &out), 1);
-    EXPECT_EQ(out.tag, tagEmpty);
+    EXPECT_EQ(loaded.fields->values->getAt(1)->tag, tagEmpty);
 }
 
 TEST(RecordFilesTest, WhatCantBeReadOrWrittenAnswersZero) {
@@ -158,23 +106,22 @@ TEST(RecordFilesTest, WhatCantBeReadOrWrittenAnswersZero) {
         EXPECT_EQ(record.loadData(name, loadReplace), 0);
     EXPECT_EQ(record.saveData(here.c_str()) + record.saveData(nullptr), 0);
     fill(mark, "@");
-    EXPECT_EQ(record.loadData(mark.c_str(), loadAppend), 1);
-    EXPECT_EQ(record.getNumMulti(), 1);  // nothing was emptied
-    EXPECT_EQ(record.loadData(mark.c_str(), loadReplace), 1);
-    EXPECT_EQ(record.isEmpty(), 1);
+    for (const auto& [mode, left] : {std::pair(loadAppend, "1=old 7[0:0,] 1"), {loadReplace, "0"}}) {
+        EXPECT_EQ(record.loadData(mark.c_str(), mode), 1);
+        EXPECT_EQ(shown(record), left);
+    }
 }
 
 // A record that a client built by hand with one id twice: the last value stands at the first one's place.
 TEST(RecordFilesTest, AnIdThatStandsTwiceIsSavedOnce) {
     const TemporaryFolder folder;
     const std::string name = folder.file("a.dat");
-    tarnEngineData record;
-    for (const char* value : {"first", "last"}) record.fields->add(5, text(value).release());
+    tarnEngineData record, loaded;
+    for (const char* value : {"10:first", "10:last"}) record.fields->add(5, valueOf(value).release());
     record.fields->add(6, nullptr);
-    ASSERT_EQ(record.saveData(name.c_str()), 1);
-    tarnEngineData loaded;
-    loaded.loadData(name.c_str(), loadReplace);
-    EXPECT_EQ(described(loaded), "22:5=10:last;. 0");
+    storeLong(record, 5, 1, 2);
+    EXPECT_EQ(record.saveData(name.c_str()) + loaded.loadData(name.c_str(), loadReplace), 2);
+    EXPECT_EQ(shown(loaded), "5=last 5[1:2,] 2");
 }
 
 }  // namespace

@@ -3,9 +3,6 @@
 
 #include "fintext/financial_text.h"
 
-#include <cstring>
-#include <memory>
-
 #include "core/string.h"
 #include "tests/support.h"
 
@@ -65,6 +62,36 @@ std::string answerOf(const std::string& function, const std::vector<std::string>
 
 TEST(FinancialText, ExampleAnswersOtherwise) {
     tarntest::expectAnswers(examples, answerOf);
+}
+
+// NULL for what is read, then for what is written.
+TEST(FinancialText, NullIsReadOrWritten) {
+    char kept[] = "kept and with room", price[] = "123456789";
+    for (char* const source : {static_cast<char*>(nullptr), price}) {
+        char* const target = source == nullptr ? kept : nullptr;
+        EXPECT_EQ(fmtToTaxId(source, target) + fmtToPhoneNumber(source, target), 0);
+        formatStringToDate(source, target), formatDateToString(source, target);
+        formatStringToFloat(source, target, 2), formatStringToFloatWithRounding(source, target, 2);
+        EXPECT_EQ(asReducedFraction(target, source), target);
+        EXPECT_EQ(asUniformFraction(target, source, 8), target);
+        EXPECT_EQ(asPercentChange(target, source, price, price), target);
+        EXPECT_TRUE(concatstr(source, target) == nullptr && concatstr(target, source) == nullptr);
+        EXPECT_EQ(getDollarsOrShares(nullptr, target), eFundUnitsNone);
+    }
+    formatStringWithPattern(price, nullptr, kept, eNegParens),
+        formatStringWithPattern(price, "#", nullptr, eNegParens);
+    getLocalTimeStr(nullptr, 1);
+    EXPECT_TRUE(asFraction(nullptr, 1.5) == nullptr && percentChange(nullptr, 2, "5", "1") == nullptr);
+    for (const auto change : {stripLeadZeros, flipSign, removeDoubleSpaces, removeSpace}) change(nullptr);
+    for (const auto change : {stripTrailDecimal, stripTrailDecimalZeros}) change(nullptr, 2);
+    EXPECT_EQ(strToDouble(nullptr) + fmtToDouble(nullptr) + fmtToLong(nullptr) + isAlphaNum(nullptr), 0);
+    EXPECT_EQ(signPriceChange(nullptr) + validateFloatFormat(nullptr, 1, 1) + removeNewline(nullptr), 0);
+    EXPECT_EQ(convertNewline(nullptr), nullptr);
+    EXPECT_EQ(std::string(kept) + price, "kept and with room123456789");
+    formatStringWithPattern(nullptr, "#", kept, eNegParens);
+    tarnString money;
+    formatToMoneyFormat(nullptr, money, 0);
+    EXPECT_EQ(std::string(kept) + money.text, "$0.0$0.00");
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
 // Fractions: fintext/fractions.cpp, over a whole grid.  The table of examples is tests/fintext/examples.txt.
 
-#include <cmath>
 #include <numeric>
 
 #include "fintext/financial_text.h"

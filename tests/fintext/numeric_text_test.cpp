@@ -2,9 +2,6 @@
 // of examples is tests/fintext/examples.txt.
 
 #include <clocale>
-#include <cmath>
-#include <cstdio>
-#include <cstring>
 
 #include "core/string.h"
 #include "core/variant.h"
@@ -73,8 +70,7 @@ TEST(NumericText, LocaleChangesANumber) {
                 setCommaLocale("de_DE.UTF-8");
     }
     if (!isSet) GTEST_SKIP() << "no locale with a decimal comma here, and none could be made";
-    EXPECT_EQ(strToDouble("12345678901.125"), 12345678901.125);
-    EXPECT_EQ(fmtToDouble("1.5k"), 1500.0);
+    EXPECT_TRUE(strToDouble("12345678901.125") == 12345678901.125 && fmtToDouble("1.5k") == 1500.0);
     EXPECT_EQ(rounded("1.005", 2) + rounded("1.5", 12), "1.011.500000000000");
     std::setlocale(LC_ALL, "C");
     tarntest::setEnvironment("LOCPATH", nullptr);

@@ -1,12 +1,9 @@
 // Patterned text: fintext/patterned_text.cpp, fintext/clock_text.cpp and fintext/fund_amount.cpp.  The table
 // of examples is tests/fintext/examples.txt.
 
-#include <algorithm>
-
 #include "engine/engine_data.h"
 #include "fintext/clock_text.h"
 #include "fintext/financial_text.h"
-#include "tests/support.h"
 #include "tests/values.h"
 
 namespace {
@@ -74,7 +71,7 @@ TEST(PatternedText, FundsAmountComesFromAnotherField) {
     std::string found;
     for (const auto& [field, text] :
          {std::pair(1750, "0.00"), {1750, "7"}, {595, "-5"}, {595, "100"}, {1664, "abc"}, {1664, "2.5 x"}}) {
-        const auto value = tarntest::text(text);
+        const auto value = tarntest::valueOf(std::string("10:") + text);
         record.storeData(field, &value);
         found += std::to_string(getDollarsOrShares(&record, target)) + " " + target + ", ";
     }

@@ -3,7 +3,6 @@
 
 #include "engine/engine_data.h"
 #include "options/option_value.h"
-#include "tests/support.h"
 #include "tests/values.h"
 
 namespace {
@@ -14,11 +13,11 @@ constexpr char histories[] =
 
 std::string volatility(const std::string& firstDate, const std::string& prices) {
     tarnEngineData record;
-    const auto date = tarntest::text(firstDate.c_str(), tagString);
+    const auto date = tarntest::valueOf("17:" + firstDate);
     if (!firstDate.empty()) record.storeMultiData(737, 0, &date, 0);
     std::int32_t row = 0;
     for (const std::string& cell : tarntest::split(prices, ',')) {
-        const auto price = cell == "?" ? tarntest::number(tagDouble, 5) : tarntest::text(cell.c_str());
+        const auto price = tarntest::valueOf(cell == "?" ? "5:5" : "10:" + cell);
         if (!cell.empty()) record.storeMultiData(336, row, &price, 0);
         ++row;
     }

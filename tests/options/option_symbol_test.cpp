@@ -2,8 +2,6 @@
 
 #include "options/option_symbol.h"
 
-#include <algorithm>
-
 #include "tests/support.h"
 
 namespace {

@@ -1,9 +1,6 @@
 // Files, handles and sharing modes: platform/files.cpp, and the system's own on Windows.
 
-#include <algorithm>
 #include <atomic>
-#include <memory>
-#include <sstream>
 #include <thread>
 
 #if !defined(_WIN32)
@@ -20,7 +17,7 @@
 
 namespace {
 
-using tarntest::contentOf;
+using namespace tarntest;
 
 constexpr DWORD R = GENERIC_READ, W = GENERIC_WRITE;
 
@@ -36,13 +33,12 @@ Opened open(const std::string& name, DWORD access = R, DWORD share = 0, DWORD cr
         CreateFileA(name.c_str(), access, share, nullptr, creation, FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
 }
 
-class Files : public testing::Test {
-  protected:
-    tarntest::TemporaryFolder folder;
+struct Files : testing::Test {
+    TemporaryFolder folder;
     std::string present = folder.file("present");
     DWORD count = 77;
-    void SetUp() override {
-        tarntest::fill(present, "content");
+    Files() {
+        fill(present, "content");
         std::filesystem::create_directory(folder.file("folder"));
     }
 
@@ -71,7 +67,7 @@ TEST_F(Files, EveryPairOfOpensIsShared) {
             expectTheRuleBeside(first);
             static_cast<void>(openAs(first | 12).release());
         };
-        EXPECT_EQ(tarntest::waitFor(tarntest::startChild(inChild)), 0);
+        EXPECT_EQ(waitFor(startChild(inChild)), 0);
 #endif
     }
     EXPECT_TRUE(isOpen(openAs(3))) << "a refused or ended open left a mark";
@@ -115,7 +111,7 @@ TEST_F(Files, OpeningAnswersByNameAndRule) {
 
 TEST_F(Files, AHeldFileIsNotCutToNothing) {
     const Opened reader = open(present, R, FILE_SHARE_READ);
-    for (const DWORD access : {W, tarntest::onWindows ? W : R}) {  // the layer shares cutting like writing
+    for (const DWORD access : {W, onWindows ? W : R}) {  // the layer shares cutting like writing
         EXPECT_FALSE(isOpen(open(present, access, FILE_SHARE_READ | FILE_SHARE_WRITE, CREATE_ALWAYS)));
         EXPECT_EQ(GetLastError(), ERROR_SHARING_VIOLATION);
         EXPECT_EQ(GetFileSize(reader.get(), nullptr), 7U);
@@ -123,66 +119,47 @@ TEST_F(Files, AHeldFileIsNotCutToNothing) {
 }
 
 TEST_F(Files, BytesAndPointerGoWhereTheyShould) {
-    Opened file = open(present, R | W);
-    for (const std::string expected : {"", "content", ""}) {  // no bytes asked for, all, at the end
+    const Opened file = open(present, R | W);
+    const auto read = [&](DWORD size) {
         char bytes[16];
-        EXPECT_EQ(ReadFile(file.get(), bytes, count == 77 ? 0 : sizeof bytes, &count, nullptr), 1);
-        EXPECT_EQ(std::string(bytes, count), expected);
-    }
-    const struct {
-        LONG distance;
-        DWORD method, answer, error;
-    } rows[] = {{3, FILE_BEGIN, 3, 77},       {2, FILE_CURRENT, 5, 77}, {-1, FILE_BEGIN, ~0U, 131},
-                {-6, FILE_CURRENT, ~0U, 131}, {0, 9, ~0U, 87},          {0, FILE_CURRENT, 5, 77},
-                {2, FILE_END, 9, 77}};
-    for (const auto& row : rows) {
-        SetLastError(77);
-        EXPECT_EQ(SetFilePointer(file.get(), row.distance, nullptr, row.method), row.answer);
-        EXPECT_EQ(GetLastError(), row.error) << row.distance << ' ' << row.method;
-    }
+        EXPECT_EQ(ReadFile(file.get(), bytes, size, &count, nullptr), 1);
+        return std::string(bytes, count);
+    };
+    EXPECT_EQ(read(0) + read(16) + read(16), "content");
     EXPECT_EQ(GetFileSize(file.get(), nullptr), 7U);
-    EXPECT_TRUE(WriteFile(file.get(), "xy", 2, &count, nullptr) && count == 2);
-    file.reset();
-    EXPECT_EQ(contentOf(present), std::string("content\0\0xy", 11));
-}
-
-TEST_F(Files, SizesAndPositionsHaveTwoWords) {
-    const Opened file = open(present, R | W, 0, CREATE_ALWAYS);
-    DWORD sizeHigh = 0;
-    const struct {
-        LONG distance, high;
-        DWORD method, answer, error;
-    } rows[] = {{7, 1, FILE_BEGIN, 7, 0}, {-9, -1, FILE_END, ~0U, 0}, {-2, -1, FILE_BEGIN, ~0U, 131}};
-    for (auto row : rows) {
-        SetLastError(0);
-        EXPECT_EQ(SetFilePointer(file.get(), row.distance, &row.high, row.method), row.answer);
-        EXPECT_EQ(GetLastError(), row.error) << row.distance;
-        EXPECT_TRUE(row.method == FILE_BEGIN || row.high == 0) << "a position, no failure";
-        EXPECT_TRUE(row.answer != 7 || WriteFile(file.get(), "x", 1, &count, nullptr));
+    // Distance, its second word (9 for none), method, answer, error.  The last answer of -1 but one is a
+    // position and no failure.
+    std::istringstream rows(
+        R"(3 9 0 3 77  2 9 1 5 77  -1 9 0 -1 131  -6 9 1 -1 131  0 9 9 -1 87  0 9 1 5 77  2 9 2 9 77
+        7 1 0 7 0  -10 -1 2 -1 0  -2 -1 0 -1 131)");
+    DWORD method = 0, error = 0;
+    for (LONG distance = 0, high = 0, answer = 0; rows >> distance >> high >> method >> answer >> error;) {
+        LONG* const second = high == 9 ? nullptr : &high;
+        SetLastError(second == nullptr ? 77 : 0);
+        EXPECT_EQ(SetFilePointer(file.get(), distance, second, method), static_cast<DWORD>(answer));
+        EXPECT_EQ(GetLastError(), error) << distance << ' ' << method;
+        EXPECT_TRUE(distance != -10 || high == 0);
+        EXPECT_TRUE((answer != 7 && answer != 9) || WriteFile(file.get(), "xy", 2, &count, nullptr));
     }
-    EXPECT_TRUE(GetFileSize(file.get(), &sizeHigh) == 8 && sizeHigh == 1);
+    DWORD sizeHigh = 0;
+    EXPECT_TRUE(GetFileSize(file.get(), &sizeHigh) == 9 && sizeHigh == 1 && count == 2);
+    SetFilePointer(file.get(), 6, nullptr, FILE_BEGIN);
+    EXPECT_EQ(read(6), std::string("t\0\0xy\0", 6));
 }
 
 TEST_F(Files, HandlesAllowWhatTheyWereOpenedForUntilTheyAreClosed) {
-    char byte = 'x';
     for (const DWORD access : {R, W}) {
         Opened file = open(present, access);
         const HANDLE handle = file.get();
-        const auto misuse = [&](bool reads) {
-            count = 77;
-            SetLastError(77);
-            const BOOL done = reads ? ReadFile(handle, &byte, 1, &count, nullptr)
-                                    : WriteFile(handle, &byte, 1, &count, nullptr);
-            return done || count != 0 ? 0 : GetLastError();
-        };
-        EXPECT_EQ(misuse(access == W), ERROR_ACCESS_DENIED);
+        char byte = 'x';
+        const auto reads = [&] { return ReadFile(handle, &byte, 1, &count, nullptr); };
+        const auto writes = [&] { return WriteFile(handle, &byte, 1, &count, nullptr); };
+        EXPECT_TRUE(!(access == W ? reads() : writes()) && GetLastError() == ERROR_ACCESS_DENIED);
         file.reset();
-        EXPECT_TRUE(misuse(true) == ERROR_INVALID_HANDLE && misuse(false) == ERROR_INVALID_HANDLE);
+        EXPECT_FALSE(reads() || writes() || count != 0 || CloseHandle(handle) || CloseHandle(nullptr));
+        EXPECT_TRUE(GetLastError() == ERROR_INVALID_HANDLE && CloseHandle(INVALID_HANDLE_VALUE));
         EXPECT_EQ(GetFileSize(handle, nullptr), INVALID_FILE_SIZE);
         EXPECT_EQ(SetFilePointer(handle, 0, nullptr, FILE_END), INVALID_SET_FILE_POINTER);
-        EXPECT_FALSE(CloseHandle(handle) || CloseHandle(nullptr));
-        EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
-        EXPECT_TRUE(CloseHandle(INVALID_HANDLE_VALUE));
     }
     EXPECT_EQ(contentOf(present), "content");
 }

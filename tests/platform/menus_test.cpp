@@ -1,8 +1,5 @@
 // Menus read back: platform/menus.cpp, and the system's own on Windows.
 
-#include <cstddef>
-#include <utility>
-
 #include "tests/support.h"
 
 namespace {
@@ -54,43 +51,38 @@ TEST(Menus, EntriesReadBackAsTheyWereAppended) {
     EXPECT_EQ(GetMenuState(tree.root, 1, MF_BYPOSITION), MF_POPUP | 3U << 8);
     EXPECT_EQ(GetMenuState(tree.root, 77, MF_BYCOMMAND), none);
     MENUITEMINFOA info{};
+    const auto told = [&](std::size_t size, UINT mask, UINT item, BOOL byPosition) {
+        info.cbSize = static_cast<UINT>(size), info.fMask = mask;
+        return GetMenuItemInfoA(tree.root, item, byPosition, &info) ? 0 : GetLastError();
+    };
     for (const std::size_t size : {sizeof info, offsetof(MENUITEMINFOA, hbmpItem)}) {
-        info.cbSize = static_cast<UINT>(size);
-        info.fMask = MIIM_ID;
-        EXPECT_TRUE(GetMenuItemInfoA(tree.root, 1, TRUE, &info));
-        info.fMask = MIIM_DATA;
-        EXPECT_TRUE(GetMenuItemInfoA(tree.root, 4, FALSE, &info));
+        EXPECT_EQ(told(size, MIIM_ID, 1, TRUE) + told(size, MIIM_DATA, 4, FALSE), 0U);
         EXPECT_EQ(info.dwItemData, 1004U);
         EXPECT_EQ(info.wID, handleId(tree.middle)) << "what isn't asked for stays";
     }
-    EXPECT_TRUE(!GetMenuItemInfoA(tree.root, 4, TRUE, &info) && GetLastError() == ERROR_MENU_ITEM_NOT_FOUND);
-    info.cbSize = 12;
-    EXPECT_TRUE(!GetMenuItemInfoA(tree.root, 0, TRUE, &info) && GetLastError() == ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(told(sizeof info, MIIM_ID, 4, TRUE), ERROR_MENU_ITEM_NOT_FOUND);
+    EXPECT_EQ(told(12, MIIM_ID, 0, TRUE), ERROR_INVALID_PARAMETER);
 }
 
 TEST(Menus, DeletionByCommandTakesTheFirstDepthFirst) {
-    for (const auto& [id, left] : {std::pair{3U, "1 [2 [4]] 3 0"},
-                                   {4U, "1 [2 3 []] 3 0"},
-                                   {1U, "[2 3 [4]] 3 0"},
-                                   {0U, "1 [2 3 [4]] 3"},
-                                   {none, "1 [2 3 [4]] 3 0"}}) {
-        Tree tree;
-        EXPECT_EQ(DeleteMenu(tree.root, id, MF_BYCOMMAND) != 0, id != none) << id;
-        EXPECT_EQ(shape(tree.root), left) << id;
-    }
+    tarntest::expectAnswers(
+        "delete:3|1 [2 [4]] 3 0;4|1 [2 3 []] 3 0;1|[2 3 [4]] 3 0;0|1 [2 3 [4]] 3;-1|no 1 [2 3 [4]] 3 0",
+        [](auto&, auto& cells) {
+            const Tree tree;
+            const BOOL gone = DeleteMenu(tree.root, static_cast<UINT>(std::stoi(cells[0])), MF_BYCOMMAND);
+            return (gone ? "" : "no ") + shape(tree.root);
+        });
     Tree tree;
     EXPECT_TRUE(DeleteMenu(tree.root, handleId(tree.deep), MF_BYCOMMAND));
     EXPECT_EQ(GetMenuItemCount(tree.deep), -1) << "a popup's menu goes with its entry";
     EXPECT_TRUE(DeleteMenu(tree.root, 1, MF_BYPOSITION) && !DeleteMenu(tree.root, 3, MF_BYPOSITION));
-    EXPECT_EQ(shape(tree.root), "1 3 0");
-    EXPECT_EQ(GetMenuItemCount(tree.middle), -1);
+    EXPECT_TRUE(shape(tree.root) == "1 3 0" && GetMenuItemCount(tree.middle) == -1);
 }
 
 TEST(Menus, AMenuThatIsGoneIsNowhere) {
     Tree tree;
     EXPECT_TRUE(DestroyMenu(tree.middle)) << "the parent's entry stays";
-    EXPECT_EQ(GetMenuItemCount(tree.deep), -1);
-    EXPECT_EQ(shape(tree.root), "1 [] 3 0");
+    EXPECT_TRUE(GetMenuItemCount(tree.deep) == -1 && shape(tree.root) == "1 [] 3 0");
     EXPECT_TRUE(DeleteMenu(tree.root, 3, MF_BYCOMMAND)) << "the search goes past it";
     EXPECT_FALSE(DestroyMenu(tree.middle) || DestroyMenu(nullptr));
     EXPECT_FALSE(AppendMenuA(tree.middle, MF_OWNERDRAW, 1, nullptr));

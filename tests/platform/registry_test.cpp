@@ -2,32 +2,31 @@
 
 #include <numeric>
 #include <set>
-#include <sstream>
 
 #include "tests/process.h"
 #include "tests/support.h"
 
 using namespace std::string_literals;
-using tarntest::onWindows;
+using namespace tarntest;
 
 namespace {
 
 // A key of its own for each test, below the current user's root, in a data folder of its own.
 struct Registry : testing::Test {
     static constexpr const char* home = "Software\\tarnutil-test";
-    tarntest::TemporaryFolder data{tarntest::inMemory};
+    TemporaryFolder data{inMemory};
     std::filesystem::path folder =
         data.path() / "tarnutil/registry/HKEY_CURRENT_USER/k-software/k-tarnutil-test";
     HKEY key = nullptr;
 
     Registry() {
-        tarntest::setEnvironment("XDG_DATA_HOME", data.path().string().c_str());
+        setEnvironment("XDG_DATA_HOME", data.path().string().c_str());
         create(HKEY_CURRENT_USER, home, &key);
     }
     ~Registry() override {
         RegCloseKey(key);
         RegDeleteKeyA(HKEY_CURRENT_USER, home);
-        tarntest::setEnvironment("XDG_DATA_HOME", nullptr);
+        setEnvironment("XDG_DATA_HOME", nullptr);
     }
 
     // Creates a key, and closes it unless somebody takes it.
@@ -74,11 +73,10 @@ TEST_F(Registry, KeysKeepTheirFirstSpellingAndClass) {
     EXPECT_EQ(keysOf(key), std::vector<std::string>{"Sub"});
     for (const DWORD room : {5U, 6U}) {
         char text[8] = {};
-        DWORD length = room;
-        const LSTATUS status = RegQueryInfoKeyA(again, text, &length, nullptr, nullptr, nullptr, nullptr,
+        DWORD size = room;
+        const LSTATUS status = RegQueryInfoKeyA(again, text, &size, nullptr, nullptr, nullptr, nullptr,
                                                 nullptr, nullptr, nullptr, nullptr, nullptr);
-        EXPECT_EQ(status, room == 6 ? 0 : 234);
-        EXPECT_STREQ(text, room == 6 ? "Class" : onWindows ? "Clas" : "");
+        EXPECT_EQ(text + std::to_string(status), room == 6 ? "Class0" : onWindows ? "Clas234" : "234");
     }
     RegCloseKey(again);
     EXPECT_EQ(RegDeleteKeyA(key, "SUB"), 0);
@@ -89,25 +87,21 @@ TEST_F(Registry, OddPathsAndHandlesAnswerTheirCodes) {
     create(key, "A\\B\\C");
     create(key, "A", &closed);
     for (const LSTATUS expected : {0, 6}) EXPECT_EQ(RegCloseKey(closed), expected);
-    std::istringstream rows(
-        R"(open A\B\C 0  open a\\b\c\\ 0  open None 2  open None\C 2  open A/B 2  open .. 2
-        open \A 161  create \A 161  delete A\B 5  delete A\B\C 0  delete A\B\C 2  delete \A 161  delete A\B\ 0
-        delete A 0)");
-    LSTATUS code = 0;
-    for (std::string call, name; rows >> call >> name >> code;) {
-        const LSTATUS deleted = call == "delete" ? RegDeleteKeyA(key, name.c_str()) : 0;
-        EXPECT_EQ(call == "open"     ? open(key, name)
-                  : call == "create" ? create(key, name)
-                                     : deleted,
-                  code)
-            << name;
-    }
-    EXPECT_TRUE(open(key, "") == 0 && RegDeleteKeyA(key, nullptr) == 87);
+    const auto answer = [&](const std::string& call, const auto& cells) {
+        return std::to_string(call == "open"     ? open(key, cells[0])
+                              : call == "create" ? create(key, cells[0])
+                                                 : RegDeleteKeyA(key, cells[0].c_str()));
+    };
+    expectAnswers(R"(
+open:A\B\C|0;a\\b\c\\|0;None|2;None\C|2;A/B|2;..|2;\A|161;|0
+create:\A|161
+delete:A\B|5;A\B\C|0;A\B\C|2;\A|161;A\B\|0;A|0)",
+                  answer);
+    EXPECT_EQ(RegDeleteKeyA(key, nullptr), 87);
     for (const HKEY wrong : {closed, reinterpret_cast<HKEY>(std::uintptr_t{0x1234}), HKEY{}})
         EXPECT_TRUE(open(wrong, "B") == 6 && RegCloseKey(wrong) == 6);
     RegOpenKeyExA(key, "None", 0, KEY_ALL_ACCESS, &result);
-    EXPECT_EQ(result, nullptr);
-    EXPECT_EQ(RegDeleteKeyA(HKEY_CURRENT_USER, ""), 5);
+    EXPECT_TRUE(result == nullptr && RegDeleteKeyA(HKEY_CURRENT_USER, "") == 5);
     EXPECT_TRUE(RegCloseKey(HKEY_CURRENT_USER) == 0 && RegFlushKey(key) == 0);
 }
 
@@ -117,9 +111,8 @@ TEST_F(Registry, ValuesKeepTheirBytesAndType) {
     for (const DWORD type : {DWORD{REG_NONE}, DWORD{REG_DWORD}, DWORD{77}}) {
         for (const std::string& bytes : {""s, "ab"s, large}) {
             DWORD told = 99, size = 0;
-            EXPECT_EQ(set("Value", bytes, type), 0);
-            EXPECT_TRUE(get("vALUE") == bytes);
-            EXPECT_EQ(RegQueryValueExA(key, "Value", nullptr, &told, nullptr, &size), 0);
+            EXPECT_TRUE(set("Azimuth", bytes, type) == 0 && get("aZIMUTH") == bytes);
+            RegQueryValueExA(key, "Azimuth", nullptr, &told, nullptr, &size);
             EXPECT_TRUE(told == type && size == bytes.size());
         }
     }
@@ -130,19 +123,18 @@ TEST_F(Registry, ValuesKeepTheirBytesAndType) {
     EXPECT_TRUE(onWindows || set("Large", large + 'x') == 87);
 }
 
+// A name and the room for its value; what is answered: code, type, size and buffer.
 TEST_F(Registry, BuffersThatAreTooSmallStayAndTellTheSize) {
-    RegSetValueExA(key, "t", 0, REG_SZ, reinterpret_cast<const BYTE*>("abcX"), 3);
-    std::istringstream rows("t 2 234 1 3 ####  t 3 0 1 3 abc#  t 4 0 1 3 abc  none 4 2 0 4 ####");
-    DWORD room = 0, type = 0, size = 0;
-    LSTATUS code = 0;
-    for (std::string name, kept; rows >> name >> room >> code >> type >> size >> kept;) {
-        BYTE buffer[] = "####";
-        DWORD told = 99;
-        EXPECT_EQ(RegQueryValueExA(key, name.c_str(), nullptr, &told, buffer, &room), code) << name;
-        EXPECT_TRUE(told == type && room == size) << name << told << ' ' << room;
-        EXPECT_STREQ(reinterpret_cast<const char*>(buffer), kept.c_str()) << "a NUL where there is room";
-        EXPECT_EQ(RegQueryValueExA(key, "t", nullptr, nullptr, buffer, nullptr), 87);
-    }
+    set("t", "abc", REG_SZ);
+    expectAnswers("value:t|2|234 1 3 ####;t|3|0 1 3 abc#;t|4|0 1 3 abc;none|4|2 0 4 ####", [&](auto&,
+                                                                                               auto& cells) {
+        char buffer[] = "####";
+        DWORD type = 99, room = static_cast<DWORD>(std::stoi(cells[1]));
+        auto* const bytes = reinterpret_cast<BYTE*>(buffer);
+        const LSTATUS code = RegQueryValueExA(key, cells[0].c_str(), nullptr, &type, bytes, &room);
+        EXPECT_EQ(RegQueryValueExA(key, "t", nullptr, nullptr, bytes, nullptr), 87);
+        return std::to_string(code) + " " + std::to_string(type) + " " + std::to_string(room) + " " + buffer;
+    });
 }
 
 TEST_F(Registry, KeysAreCountedAndListedInTheOrderOfTheirFoldedNames) {
@@ -167,7 +159,7 @@ TEST_F(Registry, KeysAreCountedAndListedInTheOrderOfTheirFoldedNames) {
 TEST_F(Registry, AHandleOfADeletedKeyStaysDeletedWhenItsNameIsUsedAgain) {
     HKEY handle = nullptr;
     create(key, "Gone", &handle);
-    EXPECT_EQ(RegDeleteKeyA(key, "Gone"), 0);
+    RegDeleteKeyA(key, "Gone");
     for (int round = 0; round < 2; ++round) {
         char name[9];
         for (const LSTATUS code :
@@ -181,8 +173,7 @@ TEST_F(Registry, AHandleOfADeletedKeyStaysDeletedWhenItsNameIsUsedAgain) {
     }
     EXPECT_EQ(RegCloseKey(handle), 0);
     create(key, "Gone", &handle);
-    EXPECT_EQ(RegDeleteKeyA(handle, ""), 0);
-    RegCloseKey(handle);
+    EXPECT_EQ(RegDeleteKeyA(handle, "") + RegCloseKey(handle), 0);
     EXPECT_EQ(open(key, "Gone"), 2);
 }
 
@@ -190,9 +181,8 @@ TEST_F(Registry, AHandleOfADeletedKeyStaysDeletedWhenItsNameIsUsedAgain) {
 
 TEST_F(Registry, NoNameLeavesTheFolderOrMeetsAnother) {
     std::set<std::string> names = {"..", "a/../../b", "%41", "k-a", ".new", "key", " a ", "A~", "a%"};
-    for (int i = 1; i < 256; ++i) {
+    for (int i = 1; i < 256; ++i)
         if (i != '\\' && (i < 'a' || i > 'z')) names.emplace(1, static_cast<char>(i));
-    }
     for (const char end : {'a', 'b', '\xE9', '\xC9', '/'})
         for (const char front : {'x', '/'}) names.insert(std::string(254, front) + end);
     for (const std::string& name : names) EXPECT_EQ(set(name, name) + create(key, name), 0);
@@ -215,14 +205,14 @@ TEST_F(Registry, DamagedAndForeignFilesMakeACallFail) {
     create(key, "sub");
     for (const bool isKey : {false, true}) {
         const std::string file = folder / (isKey ? "k-sub/key" : "v-v");
-        const std::string good = tarntest::contentOf(file);
+        const std::string good = contentOf(file);
         const auto refused = [&] { return isKey ? open(key, "sub") == 1015 : get("v") == "error 1015"; };
         for (std::size_t i = 0; i < good.size(); ++i) {
             std::string flipped = good;
             flipped[i] ^= 0x10;
             for (const std::string& bytes :
                  {good.substr(0, i), flipped, good + std::string(i << 17 | 1, 'x')}) {
-                tarntest::fill(file, bytes);
+                fill(file, bytes);
                 EXPECT_TRUE(refused()) << i << ' ' << bytes.size();
             }
         }
@@ -230,7 +220,7 @@ TEST_F(Registry, DamagedAndForeignFilesMakeACallFail) {
         ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
         EXPECT_TRUE(refused());
         std::filesystem::remove(file);
-        tarntest::fill(data.file("elsewhere"), good);
+        fill(data.file("elsewhere"), good);
         std::filesystem::create_symlink(data.file("elsewhere"), file);
         EXPECT_TRUE(refused());
     }
@@ -241,7 +231,7 @@ TEST_F(Registry, DamagedAndForeignFilesMakeACallFail) {
     EXPECT_EQ(RegEnumKeyA(key, 0, name, 9), 1015);
     std::filesystem::create_directory(folder / "k-empty");
     EXPECT_EQ(open(key, "empty"), 2) << "a folder without a record is no key";
-    tarntest::fill(folder / "notes.txt", "someone's own");
+    fill(folder / "notes.txt", "someone's own");
     EXPECT_TRUE(RegDeleteKeyA(HKEY_CURRENT_USER, home) == 5 && get("v") == "healed");
 }
 
@@ -251,7 +241,7 @@ TEST_F(Registry, AProcessKilledAtAnySystemCallLeavesWholeValuesAndKeys) {
     for (bool killed = true; killed; ++stops) {
         create(key, "sub");
         set("v", "old");
-        killed = tarntest::killedAtStop(stops, [&] {
+        killed = killedAtStop(stops, [&] {
             set("v", large);
             RegDeleteKeyA(key, "sub");
             create(key, "new");
@@ -271,7 +261,7 @@ TEST_F(Registry, AProcessKilledAtAnySystemCallLeavesWholeValuesAndKeys) {
 TEST_F(Registry, AReaderNeverSeesHalfOfWhatAnotherProcessWrites) {
     const std::string values[] = {std::string(200000, 'a'), std::string(200000, 'b')};
     set("v", values[0]);
-    const pid_t child = tarntest::startChild([&] {
+    const pid_t child = startChild([&] {
         for (int i = 0; i < 60; ++i) set("v", values[i % 2]);
     });
     for (int i = 0; i < 60; ++i) {
@@ -279,26 +269,23 @@ TEST_F(Registry, AReaderNeverSeesHalfOfWhatAnotherProcessWrites) {
         const std::string value = get("v");
         EXPECT_TRUE(value == values[0] || value == values[1]);
     }
-    EXPECT_EQ(tarntest::waitFor(child), 0);
+    EXPECT_EQ(waitFor(child), 0);
 }
 
 TEST_F(Registry, RootsAreThereWithoutAFolder) {
-    tarntest::setEnvironment("XDG_DATA_HOME", data.file("none").c_str());
+    setEnvironment("XDG_DATA_HOME", data.file("none").c_str());
     HKEY root = nullptr;
     EXPECT_EQ(RegOpenKeyExA(HKEY_USERS, "", 0, KEY_ALL_ACCESS, &root), 0);
-    for (const HKEY each : {HKEY_USERS, root}) {
-        EXPECT_EQ(open(each, "x"), 2);
-        EXPECT_TRUE(keysOf(each).empty() && RegFlushKey(each) == 0);
-    }
+    for (const HKEY each : {HKEY_USERS, root})
+        EXPECT_TRUE(open(each, "x") == 2 && keysOf(each).empty() && RegFlushKey(each) == 0);
     EXPECT_FALSE(std::filesystem::exists(data.file("none")));
     create(root, "x");
-    EXPECT_EQ(open(HKEY_USERS, "X"), 0);
-    RegCloseKey(root);
-    tarntest::setEnvironment("XDG_DATA_HOME", "relative");  // doesn't count
-    tarntest::setEnvironment("HOME", data.file("home").c_str());
+    EXPECT_EQ(open(HKEY_USERS, "X") + RegCloseKey(root), 0);
+    setEnvironment("XDG_DATA_HOME", "relative");  // doesn't count
+    setEnvironment("HOME", data.file("home").c_str());
     create(HKEY_USERS, "x");
     EXPECT_TRUE(std::filesystem::exists(data.file("home/.local/share/tarnutil/registry/HKEY_USERS/k-x/key")));
-    tarntest::setEnvironment("HOME", nullptr);
+    setEnvironment("HOME", nullptr);
     EXPECT_EQ(open(HKEY_USERS, "x"), 3);
 }
 

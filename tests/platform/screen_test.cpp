@@ -1,9 +1,6 @@
 // Device contexts, bitmaps, palettes, memory and resources: platform/screen.cpp, device_contexts.cpp,
 // bitmaps.cpp, dib.cpp, resources.cpp, global_memory.cpp, and the system's own on Windows.
 
-#include <cstddef>
-#include <cstring>
-
 #include "tests/present/packed_bitmap.h"
 #include "tests/support.h"
 
@@ -29,6 +26,7 @@ struct Canvas {
 std::vector<LONG> measures(HGDIOBJ bitmap) {
     BITMAP description{};
     EXPECT_EQ(GetObjectA(bitmap, sizeof description - 1, &description), 0);
+    EXPECT_EQ(GetObjectA(bitmap, 0, nullptr), static_cast<int>(sizeof description));
     EXPECT_EQ(GetObjectA(bitmap, sizeof description, &description), static_cast<int>(sizeof description));
     return {description.bmWidth, description.bmWidthBytes, description.bmBitsPixel};
 }
@@ -115,6 +113,9 @@ TEST(Screen, GlobalMemoryCountsItsLocks) {
         EXPECT_TRUE(!GlobalUnlock(memory) && GetLastError() == error);
     }
     EXPECT_EQ(GlobalFree(memory), nullptr);
+    const HGLOBAL fixed = GlobalAlloc(0, 100);
+    EXPECT_TRUE(GlobalLock(fixed) == fixed && GlobalUnlock(fixed) && GlobalUnlock(fixed));
+    EXPECT_EQ(GlobalFree(fixed), nullptr);
 }
 
 #if !defined(_WIN32)

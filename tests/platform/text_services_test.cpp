@@ -1,9 +1,6 @@
 // Number to text and case-independent comparison: platform/text_services.cpp, and the system's own on
 // Windows.
 
-#include <cstdlib>
-#include <tuple>
-
 #include "tests/support.h"
 
 namespace {

@@ -53,13 +53,13 @@ TEST(Bitmap, PackedResourcesGiveTheirPixelsAndNoneIsReadOutside) {
     const std::int32_t before = tarn::openHandles();
     for (const int depth : {1, 4, 8, 16, 24, 32}) {
         Manager manager;
-        const tarntest::PackedBitmap packed(depth, 5, depth == 4 ? -6 : 6);
+        const tarntest::PackedBitmap packed(depth, 37, depth == 4 ? -6 : 6);
         const auto size = static_cast<std::uint32_t>(packed.bytes.size());
         tarn::addResource(module, 2, 300, packed.bytes.data(), size);
         std::vector<COLORREF> pixels;
         for (int y = 0; y < 6; ++y) pixels.push_back(packed.color(0, y));
         const tarnBitmap plain(module, 300, 0), bitmap(module, 300 + 0x10000, 1);
-        EXPECT_TRUE(plain.width == 0 && bitmap.width == 5 && bitmap.height == packed.height);
+        EXPECT_TRUE(plain.width == 0 && bitmap.width == 37 && bitmap.height == packed.height);
         EXPECT_EQ(manager.column(plain.bitmap, 6), pixels) << depth;
         EXPECT_EQ(manager.column(bitmap.bitmap, 6), pixels) << depth;
         PALETTEENTRY entries[300];
@@ -77,6 +77,22 @@ TEST(Bitmap, PackedResourcesGiveTheirPixelsAndNoneIsReadOutside) {
             bent[i / 8] ^= static_cast<unsigned char>(1 << i % 8);
             tarn::addResource(module, 2, 300, bent.data(), size);
             const tarnBitmap own(module, 300, 1), system(module, 300, 0);
+        }
+        // Packed by runs, its own size counts; a width below 0 is none.
+        const auto room = static_cast<DWORD>(size - packed.pixelOffset);
+        for (const auto& [width, compression, imageSize] : {std::tuple{37, DWORD{BI_RLE8}, room},
+                                                            {37, BI_RLE4, room},
+                                                            {37, BI_RLE8, room + 1},
+                                                            {37, BI_RLE4, room + 1},
+                                                            {-37, BI_RGB, 0}}) {
+            auto bent = packed.bytes;
+            BITMAPINFOHEADER header{};
+            std::memcpy(&header, bent.data(), sizeof header);
+            header.biWidth = width, header.biCompression = compression, header.biSizeImage = imageSize;
+            header.biHeight = compression == BI_RGB ? 6 : 1000;
+            std::memcpy(bent.data(), &header, sizeof header);
+            tarn::addResource(module, 2, 300, bent.data(), size);
+            EXPECT_EQ(tarnBitmap(module, 300, 1).width, width > 0 && imageSize == room ? 37 : 0);
         }
     }
     tarn::removeResources(module);

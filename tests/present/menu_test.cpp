@@ -65,6 +65,7 @@ TEST(MenuTree, EveryEntryIsOwnerDrawnAndLeadsToItsNode) {
     root.replaceChild(last, inner);
     EXPECT_TRUE(root.getChild(3) == inner && root.getChild(4) == nullptr && root.childCapacity == 16);
     root.replaceChild(inner, last);
+    EXPECT_EQ(root.find(nullptr), -1);
     delete root.children[--root.childCount];
     EXPECT_EQ(GetMenuItemCount(root.menu), 3) << "an item takes its entry away";
 }

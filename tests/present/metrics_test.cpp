@@ -1,7 +1,5 @@
 // The screen snapshot and the shared slot: present/metrics.cpp, present/startup.cpp.
 
-#include <cstring>
-
 #include "present/screen.h"
 #include "present/startup.h"
 #include "tests/support.h"

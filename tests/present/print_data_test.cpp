@@ -1,26 +1,24 @@
 // Print items: present/print_data.cpp.
 
-#include <tuple>
-
 #include "present/print_data.h"
-#include "tests/support.h"
 #include "tests/values.h"
 
 namespace {
 
-using tarn::printBullet, tarn::printMultiData, tarntest::blob, tarntest::describe, tarntest::number,
-    tarntest::Owned, tarntest::text;
+using tarn::printBullet, tarn::printMultiData;
+using namespace tarntest;
 
 TEST(PrintData, TextsArriveAsTag10WithTheirBulletAndBlobsAreCopied) {
-    const std::tuple<Owned, std::int32_t, std::string> rows[] = {
-        {text("abc"), 1, "10:abc|10:abc"},
-        {text("abc", tagString), printBullet, "10:\x95 abc|10:\x95 abc"},
-        {text(""), 0, "10:|10:"},
-        {text(nullptr, tagString), 0, "10:|10: "},
-        {text(nullptr), printBullet, "10:\x95 |10:\x95 "},
-        {blob("abc"), printBullet, "15:abc|15:abc"}};
+    const std::tuple<const char*, std::int32_t, std::string> rows[] = {
+        {"10:abc", 1, "10:abc|10:abc"},
+        {"17:abc", printBullet, "10:\x95 abc|10:\x95 abc"},
+        {"10:", 0, "10:|10:"},
+        {"17:NULL", 0, "10:|10: "},
+        {"10:NULL", printBullet, "10:\x95 |10:\x95 "},
+        {"15:abc", printBullet, "15:abc|15:abc"}};
     const Owned marker = number(tagPlain9, 0);
-    for (const auto& [value, flags, texts] : rows) {
+    for (const auto& [notation, flags, texts] : rows) {
+        const Owned value = valueOf(notation);
         tarnPrintData data;
         data.storeData(1, &marker, printMultiData, 0);
         data.storeData(2, &value, flags, 77);
@@ -35,7 +33,7 @@ TEST(PrintData, TextsArriveAsTag10WithTheirBulletAndBlobsAreCopied) {
 
 TEST(PrintData, OnlyTheFirstItemOfAnIdHoldsRows) {
     const Owned marker = number(tagPlain9, 0), value = number(tagLong, 0);
-    const tarntest::HeldClock clock(1999, 11, 18, 9, 5, 7);
+    const HeldClock clock(1999, 11, 18, 9, 5, 7);
     tarnPrintData data;
     data.storeDateTime(printMultiData);
     EXPECT_TRUE(!clock.possible || describe(&data.getPrintData(0)->value) == "10:11/18/1999  9:05:07");
@@ -45,16 +43,17 @@ TEST(PrintData, OnlyTheFirstItemOfAnIdHoldsRows) {
     data.storeData(0, &marker, printMultiData, 0);                // hidden behind the date
     data.storeData(7, &marker, printMultiData | printBullet, 0);  // the one that holds rows
     data.storeData(7, &marker, printMultiData, 0);
-    constexpr std::int32_t ids[] = {0, 5, 6, 7, 99};
-    for (int i = 0; i < 250; ++i) {
-        const std::int32_t id = ids[i % 5];
+    data.storeData(8, &marker, 0, 0);  // without the flag
+    constexpr std::int32_t ids[] = {0, 5, 6, 7, 8, 99};
+    for (int i = 0; i < 300; ++i) {
+        const std::int32_t id = ids[i % 6];
         const _MultiPrintStruct row{id, 0, {}, {}};
         data.storeMultiData(&row, &value);
-        EXPECT_EQ(data.getNumMultiData(id), id == 7 ? i / 5 + 1 : -1) << id;
-        EXPECT_EQ(data.getMultiPrintData(id, i / 5) != nullptr, id == 7) << id;
-        EXPECT_EQ(data.getMultiPrintData(id, i / 5 + 1), nullptr);
+        EXPECT_EQ(data.getNumMultiData(id), id == 7 ? i / 6 + 1 : -1) << id;
+        EXPECT_EQ(data.getMultiPrintData(id, i / 6) != nullptr, id == 7) << id;
+        EXPECT_EQ(data.getMultiPrintData(id, i / 6 + 1), nullptr);
     }
-    EXPECT_TRUE(data.getPrintData(6)->multiData->count == 0 && data.getPrintData(7) == nullptr);
+    EXPECT_TRUE(data.getPrintData(6)->multiData->count == 0 && data.getPrintData(8) == nullptr);
 }
 
 }  // namespace

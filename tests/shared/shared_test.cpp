@@ -3,53 +3,32 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
 #include "core/exception.h"
 #include "platform/host.h"
 #include "present/startup.h"
 
 namespace {
 
-// A loaded module, released with the object.
-class Module {
-  public:
-    explicit Module(const char* file) : file_(file) {}
-    ~Module() { FreeLibrary(module_); }
-    Module(const Module&) = delete;
-    Module& operator=(const Module&) = delete;
-
-    // Loads the module once more and gives the extra load back.
-    template <class Function>
-    Function* find(const char* name) {
-        int (*found)() = nullptr;
-        HINSTANCE module = nullptr;
-        EXPECT_EQ(loadDllFunc(module, &found, file_, name, 0), 1) << file_ << ' ' << name;
-        if (module_ != nullptr) FreeLibrary(module);
-        module_ = module;
-        // Every function pointer fits into any other; the caller knows the true type.
-        return reinterpret_cast<Function*>(reinterpret_cast<void (*)()>(found));
-    }
-
-  private:
-    const char* file_;
-    HINSTANCE module_ = nullptr;
-};
-
 TEST(SharedLibrary, ModulesFindOneSlotAndReadWhatAnotherWrote) {
-    int session = 0;
-    {
-        Module first(TARN_FIRST_MODULE);
-        Module second(TARN_SECOND_MODULE);
-        EXPECT_EQ(first.find<int()>("moduleNumber")(), 1);
-        EXPECT_EQ(second.find<int()>("moduleNumber")(), 2);
-
-        void** const slot = first.find<void**()>("sharedSlot")();
-        EXPECT_EQ(*slot, nullptr);
-        EXPECT_EQ(second.find<void**()>("sharedSlot")(), slot);
-        EXPECT_EQ(getGlobalPointer(), slot);
-
-        *slot = &session;
-    }
-    EXPECT_EQ(*getGlobalPointer(), &session);  // the slot outlives the module that wrote it
+    std::vector<HINSTANCE> loaded;
+    // Every function pointer fits into any other; the caller knows the true type.
+    const auto find = [&](const char* file, const char* name) {
+        int (*found)() = nullptr;
+        EXPECT_EQ(loadDllFunc(loaded.emplace_back(), &found, file, name, 0), 1) << file << ' ' << name;
+        return found;
+    };
+    const auto slotOf = [&](const char* file) {
+        return reinterpret_cast<void** (*)()>(reinterpret_cast<void (*)()>(find(file, "sharedSlot")))();
+    };
+    EXPECT_EQ(find(TARN_FIRST_MODULE, "moduleNumber")(), 1);
+    EXPECT_EQ(find(TARN_SECOND_MODULE, "moduleNumber")(), 2);
+    void** const slot = slotOf(TARN_FIRST_MODULE);
+    EXPECT_TRUE(*slot == nullptr && slotOf(TARN_SECOND_MODULE) == slot && getGlobalPointer() == slot);
+    *slot = &loaded;
+    for (const HINSTANCE module : loaded) FreeLibrary(module);
+    EXPECT_EQ(*getGlobalPointer(), &loaded);  // the slot outlives the module that wrote it
     EXPECT_EQ(tarn::openHandles(), 0);
 }
 

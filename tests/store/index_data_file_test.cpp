@@ -3,269 +3,163 @@
 
 #include "store/index_data_file.h"
 
-#include <array>
-#include <memory>
-#include <vector>
-
-#include "tests/support.h"
 #include "tests/values.h"
 
 namespace {
 
-using tarntest::contentOf;
-using tarntest::describe;
-using tarntest::fill;
-using tarntest::number;
-using tarntest::Owned;
-using tarntest::TemporaryFolder;
-using tarntest::text;
+using namespace tarntest;
 
-std::string words(std::initializer_list<std::uint32_t> numbers) {
+// The bytes of a file: a number is a word, ' begins characters, % is a NUL.
+std::string bytesOf(const std::string& parts) {
+    std::istringstream stream(parts);
     std::string bytes;
-    for (const std::uint32_t n : numbers) {
-        for (int shift = 0; shift < 32; shift += 8) bytes += static_cast<char>(n >> shift);
+    for (std::string part; stream >> part;) {
+        if (part[0] == '\'') std::replace(part.begin(), part.end(), '%', '\0');
+        if (part[0] == '\'') bytes += part.substr(1);
+        for (int shift = part[0] == '\'' ? 32 : 0; shift < 32; shift += 8)
+            bytes += static_cast<char>(std::stoul(part, nullptr, 0) >> shift);
     }
     return bytes;
 }
 
-// A file of these index records (keys and repeats, without offsets) and data.
-std::string fileOf(const std::vector<std::array<std::uint32_t, 3>>& index, const std::string& data) {
-    std::string bytes = "@" + words({12, 1, static_cast<std::uint32_t>(index.size())});
-    for (const auto& [id, type, repeats] : index) bytes += words({id, type, repeats, 0});
-    return bytes + data;
-}
-
-std::string describeValue(tarnIndexDataFile& file, std::int32_t id, std::int32_t type, std::int32_t repeat) {
-    MOLTVARIANT* value = nullptr;
-    file.getDataRecord(id, type, repeat, &value);
-    return describe(value);
-}
-
-const MOLTVARIANT empty;
-
-TEST(IndexDataFileTest, RecordsKeepTheirFirstRepeatsAndOnlyGrow) {
-    tarnIndexDataFile file;
-    for (const std::int32_t repeats : {3, 9}) file.addIndexRecord(1, 0, repeats);
-    file.addIndexRecord(1, 1, -4);
-    EXPECT_EQ(file.updateIndexRecord(1, 0, 2), 1);
-    EXPECT_EQ(file.updateIndexRecord(2, 0, 2), 0);
-    EXPECT_EQ(file.getNumberRepeats(1, 0), 3);
-    EXPECT_EQ(file.getNumberRepeats(1, 1), -4);
-    EXPECT_EQ(file.getNumberRepeats(2, 0), 0);
-    EXPECT_EQ(file.addDataRecord(1, 0, 3, "x"), 1);
-    EXPECT_EQ(describeValue(file, 1, 0, 3), "NULL");
-    EXPECT_EQ(describeValue(file, 1, 0, 2), describe(&empty));
-    EXPECT_EQ(file.updateIndexRecord(1, 0, 4), 1);
-    EXPECT_EQ(file.addDataRecord(1, 0, 3, "x"), 1);
-    EXPECT_EQ(describeValue(file, 1, 0, 3), "10:x");
-    EXPECT_EQ(file.addDataRecord(7, 0, 0, "x"), 0);
-    EXPECT_EQ(file.getNumberIndexRecords(0), 1);
-    EXPECT_EQ(file.checkIndexRecord(1, 1) - file.checkIndexRecord(1, 2), 1);
-}
-
-TEST(IndexDataFileTest, ValuesAreCopiedInAndTextsOut) {
-    tarnIndexDataFile file;
-    file.addIndexRecord(1, 0, 2);
-    char* out = nullptr;
-    EXPECT_EQ(file.getDataRecord(1, 0, 0, &out), 1);
-    EXPECT_STREQ(std::unique_ptr<char[]>(out).get(), "0");  // never filled
-    EXPECT_EQ(file.getDataRecord(1, 0, 2, &out), 1);
-    EXPECT_EQ(out, nullptr);
-    file.addDataRecord(1, 0, 0, static_cast<const char*>(nullptr));
-    EXPECT_EQ(describeValue(file, 1, 0, 0), "10:");
-    const Owned list = tarntest::listOf(text("inner"));
-    file.addDataRecord(1, 0, 0, &list);
-    MOLTVARIANT* stored = nullptr;
-    file.getDataRecord(1, 0, 0, &stored);
-    file.addDataRecord(1, 0, 0, stored->payload.list->getAt(0));  // a part of the value that it replaces
-    EXPECT_EQ(describeValue(file, 1, 0, 0), "10:inner");
-    MOLTVARIANT marker;
-    stored = &marker;
-    EXPECT_EQ(file.getDataRecord(9, 0, 0, &stored), 0);
-    EXPECT_EQ(stored, &marker);
-}
-
-TEST(IndexDataFileTest, TheBytesAreThoseOfTheWorkedExample) {
-    const TemporaryFolder folder;
-    const std::string name = folder.file("a.dat");
-    tarnIndexDataFile file;
-    EXPECT_EQ(file.writeIndexDataFile(name.c_str()), 1);
-    EXPECT_EQ(contentOf(name), "@" + words({12, 1, 0}));
-    file.addIndexRecord(7, 0, 2);
-    const Owned fortyTwo = number(tagLong, 42);
-    file.addDataRecord(7, 0, 0, &fortyTwo);
-    file.addDataRecord(7, 0, 1, "abc");
-    EXPECT_EQ(file.writeIndexDataFile(name.c_str()), 1);
-    EXPECT_EQ(contentOf(name), fileOf({{7, 0, 2}}, words({3, 4, 42, 10, 4}) + std::string("abc\0", 4)));
-    EXPECT_EQ(file.writeIndexDataFile(folder.path().string().c_str()), 0);
-    EXPECT_EQ(file.writeIndexDataFile(nullptr), 0);
-}
-
-TEST(IndexDataFileTest, OffsetsCountAVectorsElementsWithoutTheirPrefixes) {
-    const TemporaryFolder folder;
-    const std::string name = folder.file("a.dat");
-    tarnIndexDataFile file;
-    const Owned vector = tarntest::vectorOf(number(tagDouble, 1), text("ab"));
-    const Owned values[] = {text("abc"), Owned(), Owned(&vector), tarntest::blob("12345")};
-    for (std::int32_t i = 0; i < 4; ++i) {
-        file.addIndexRecord(i, 0, 1);
-        file.addDataRecord(i, 0, 0, &values[i]);
-    }
-    file.addIndexRecord(4, 0, 0);
-    file.addIndexRecord(5, 0, 0);
-    EXPECT_EQ(file.writeIndexDataFile(name.c_str()), 1);
-    const std::string bytes = contentOf(name);
-    const std::uint32_t offsets[] = {0, 12, 28, 28 + 12 + 8 + 3, 51 + 8 + 4 + 5, 68};
-    for (std::size_t i = 0; i < 6; ++i)
-        EXPECT_EQ(bytes.substr(13 + 16 * i + 12, 4), words({offsets[i]})) << i;
-}
-
-// One record of each form, read back as the format says.
-TEST(IndexDataFileTest, EveryFormReadsBackAndSavesToTheSameBytes) {
-    const TemporaryFolder folder;
-    const std::string name = folder.file("a.dat");
-    Owned noVector;
-    noVector.tag = tagVector;
-    Owned pointer;
-    pointer.payload.block = new unsigned char[16];
-    pointer.tag = tagBlock;
-    const Owned values[] = {number(tagShort, -2),
-                            number(tagFloat, 1.5),
-                            number(tagDouble, -1e300),
-                            number(tagUShort, 65535),
-                            number(tagByte, 200),
-                            number(tagNumber, 7),
-                            number(tagPlain9, 9),
-                            text(""),
-                            text(nullptr),
-                            text("abc", tagString),
-                            tarntest::wideText(u"wide"),
-                            tarntest::vectorOf(text("a"), tarntest::vectorOf(), number(tagLong, 1)),
-                            tarntest::blob(std::string_view("a\0b", 3)),
-                            text(nullptr, tagString),
-                            std::move(noVector),
-                            std::move(pointer),
-                            tarntest::listOf()};
-    constexpr std::int32_t changed = 13;  // from here on a value comes back in another form
-    const std::string forms[] = {"17:", "13:.", describe(&empty), describe(&empty)};
-    tarnIndexDataFile file;
-    for (std::int32_t i = 0; i < 17; ++i) {
-        file.addIndexRecord(i, i % 2, 2);
-        file.addDataRecord(i, i % 2, 1, &values[i]);
-    }
-    ASSERT_EQ(file.writeIndexDataFile(name.c_str()), 1);
-    tarnIndexDataFile loaded;
-    ASSERT_EQ(loaded.readIndexDataFile(name.c_str()), 1);
-    for (std::int32_t i = 0; i < 17; ++i) {
-        EXPECT_EQ(describeValue(loaded, i, i % 2, 1), i < changed ? describe(&values[i]) : forms[i - changed])
-            << i;
-        EXPECT_EQ(describeValue(loaded, i, i % 2, 0), describe(&empty));
-    }
-    ASSERT_EQ(loaded.writeIndexDataFile(folder.file("b.dat").c_str()), 1);
-    tarnIndexDataFile again;
-    ASSERT_EQ(again.readIndexDataFile(folder.file("b.dat").c_str()), 1);
-    ASSERT_EQ(again.writeIndexDataFile(name.c_str()), 1);
-    EXPECT_EQ(contentOf(name), contentOf(folder.file("b.dat")));
-}
-
-TEST(IndexDataFileTest, FilesOfAnotherKindReadAsEmpty) {
-    const TemporaryFolder folder;
-    const std::string name = folder.file("a.dat");
-    const std::string one = fileOf({{7, 0, 1}}, words({3, 4, 42}));
-    const struct {
-        std::string bytes;
-        std::int32_t records;
-    } rows[] = {{"", 0},
-                {"@", 0},
-                {"#1^", 0},
-                {one, 1},
-                {"x" + one.substr(1), 0},
-                {one.substr(0, 28), 0},
-                {"@" + words({8, 1, 1}) + one.substr(13), 0},       // a count that the header leaves out
-                {"@" + words({16, 1, 1, 99}) + one.substr(13), 1},  // a larger header
-                {"@" + words({0xFFFFFFFF, 1, 1}) + one.substr(13), 0},
-                {"@" + words({12, 1, 0xFFFFFFFF}) + one.substr(13), 0},
-                {"@" + words({12, 77, 1}) + one.substr(13), 1}};  // no reader tests the version
-    tarnIndexDataFile file;
-    for (const auto& row : rows) {
-        file.addIndexRecord(1, 0, 1);  // gone with the next load
-        fill(name, row.bytes);
-        EXPECT_EQ(file.readIndexDataFile(name.c_str()), 1);
-        EXPECT_EQ(file.getNumberIndexRecords(0), row.records) << row.bytes.size();
-    }
-    EXPECT_EQ(file.readIndexDataFile(folder.file("missing").c_str()), 0);
-    EXPECT_EQ(file.getNumberIndexRecords(0), 0);
-    EXPECT_EQ(file.readIndexDataFile(nullptr), 0);
-}
-
-TEST(IndexDataFileTest, WhatAFilePromisesAndDoesntHoldReadsAsEmpty) {
-    const TemporaryFolder folder;
-    const std::string name = folder.file("a.dat");
-    const std::string four = words({3, 4, 4});
-    std::string deep;
-    for (int i = 0; i < 100'000; ++i) deep += words({13, 0, 1});
-    const auto nested = [&](std::size_t depth) { return deep.substr(0, depth * 12) + four; };
-    std::string counts;
-    for (int i = 0; i < 2000; ++i) counts += words({13, 0, 20'000});
-    const struct {
-        const char* fault;
-        std::string data;
-        bool firstIsEmpty, secondIsFour;
-    } rows[] = {{"text longer than the file", words({10, 100}) + "abc", true, false},
-                {"size of all ones", words({10, 0xFFFFFFFF}) + four, true, false},
-                {"text without a terminator", words({10, 3}) + "abc" + four, false, true},
-                {"odd wide text", words({11, 3}) + "a" + std::string("\0b", 2) + four, false, true},
-                {"blob of all ones", words({15, 4, 0xFFFFFFFF}) + four, true, false},
-                {"payload larger than a value", words({5, 12, 1, 2, 3}) + four, false, true},
-                {"pointer forms", words({20, 8, 1, 2}) + four, true, true},
-                {"unknown tag", words({77, 4, 1}) + four, false, true},
-                {"vector of more than the file holds", words({13, 0, 1000}) + four, true, false},
-                {"vectors within the limit", nested(64) + four, false, true},
-                {"one vector too deep", nested(65) + four, false, true},  // its content is passed over
-                {"vectors without end", deep, true, false},
-                {"vectors far too deep", nested(100'000) + four, false, true},
-                {"nested counts", counts, true, false}};
-    tarnIndexDataFile file;
-    for (const auto& row : rows) {
-        fill(name, fileOf({{1, 0, 1}, {2, 0, 1}, {1, 0, 5}}, row.data));
-        EXPECT_EQ(file.readIndexDataFile(name.c_str()), 1);
-        EXPECT_EQ(describeValue(file, 1, 0, 0) == describe(&empty), row.firstIsEmpty) << row.fault;
-        EXPECT_EQ(describeValue(file, 2, 0, 0) == "3:" + std::string("\4\0\0\0\0\0\0\0", 8), row.secondIsFour)
-            << row.fault;
-        EXPECT_EQ(file.getNumberIndexRecords(0), 2) << row.fault;  // the pair that stands twice counts once
-    }
-    std::vector<std::array<std::uint32_t, 3>> greedy;
-    for (std::uint32_t id = 0; id < 2000; ++id) greedy.push_back({id, 0, 0x7FFFFFFF});
-    fill(name, fileOf(greedy, four));
-    EXPECT_EQ(file.readIndexDataFile(name.c_str()), 1);
-    EXPECT_EQ(file.getNumberRepeats(0, 0), 1'000'001);  // a million more than the file can hold, in all
-    EXPECT_EQ(file.getNumberRepeats(1, 0), 0);
-}
-
-TEST(IndexDataFileTest, EveryTruncationAndEveryFlippedByteIsSafe) {
-    const TemporaryFolder folder;
-    const std::string name = folder.file("a.dat");
-    const Owned values[] = {text("abc"),
-                            tarntest::vectorOf(text("a"), tarntest::vectorOf(number(tagDouble, 2))),
-                            tarntest::blob("xyz"), tarntest::wideText(u"w"), text("s", tagString)};
-    tarnIndexDataFile file;
-    for (std::int32_t i = 0; i < 5; ++i) {
-        file.addIndexRecord(i, 0, 1);
-        file.addDataRecord(i, 0, 0, &values[i]);
-    }
-    ASSERT_EQ(file.writeIndexDataFile(name.c_str()), 1);
-    const std::string good = contentOf(name);
-    for (std::size_t i = 0; i < good.size(); ++i) {
-        fill(name, good.substr(0, i));
-        EXPECT_EQ(file.readIndexDataFile(name.c_str()), 1);
-        for (const unsigned flip : {0x01U, 0x80U, 0xFFU}) {
-            std::string damaged = good;
-            damaged[i] = static_cast<char>(static_cast<unsigned char>(damaged[i]) ^ flip);
-            fill(name, damaged);
-            EXPECT_EQ(file.readIndexDataFile(name.c_str()), 1);
-            file.writeIndexDataFile(name.c_str());
+// The records with an id below 20: "id.type(repeats) value value ", up to three values.
+std::string shown(tarnIndexDataFile& file) {
+    std::string text;
+    for (std::int32_t key = 0; key < 40; ++key) {
+        const std::int32_t id = key / 2, type = key % 2, repeats = file.getNumberRepeats(id, type);
+        if (file.checkIndexRecord(id, type) == 0) continue;
+        text += std::to_string(id) + "." + std::to_string(type) + "(" + std::to_string(repeats) + ") ";
+        for (std::int32_t repeat = 0; repeat < std::min(repeats, 3); ++repeat) {
+            MOLTVARIANT* value = nullptr;
+            file.getDataRecord(id, type, repeat, &value);
+            text += describe(value) + " ";
         }
     }
+    return text;
+}
+
+struct IndexDataFileTest : testing::Test {
+    TemporaryFolder folder{inMemory};
+    std::string name = folder.file("a.dat");
+    tarnIndexDataFile file, loaded;
+
+    std::string saved() {
+        EXPECT_EQ(file.writeIndexDataFile(name.c_str()), 1);
+        return contentOf(name);
+    }
+    std::string shownOf(const std::string& bytes) {
+        fill(name, bytes);
+        EXPECT_EQ(loaded.readIndexDataFile(name.c_str()), 1);
+        return shown(loaded);
+    }
+};
+
+TEST_F(IndexDataFileTest, RecordsKeepTheirFirstRepeatsAndOnlyGrow) {
+    for (const std::int32_t repeats : {2, 9}) file.addIndexRecord(1, 0, repeats);
+    file.addIndexRecord(1, 1, -4);
+    for (const std::int32_t repeat : {-1, 1, 2}) EXPECT_EQ(file.addDataRecord(1, 0, repeat, "x"), 1);
+    EXPECT_EQ(shown(file), "1.0(2) 0:0 10:x 1.1(-4) ");
+    for (const std::int32_t repeats : {1, 3}) EXPECT_EQ(file.updateIndexRecord(1, 0, repeats), 1);
+    EXPECT_EQ(file.updateIndexRecord(2, 0, 2) + file.addDataRecord(7, 0, 0, "x"), 0);
+    EXPECT_TRUE(file.addDataRecord(1, 0, 2, "y") == 1 && file.updateIndexRecord(1, 1, 1) == 1);
+    EXPECT_EQ(shown(file), "1.0(3) 0:0 10:x 10:y 1.1(1) 0:0 ");
+    EXPECT_EQ(file.getNumberIndexRecords(0), 1);
+}
+
+TEST_F(IndexDataFileTest, ValuesAreCopiedInAndTextsOut) {
+    file.addIndexRecord(1, 0, 2);
+    for (const char* expected : {"0", ""}) {  // never filled, then filled with NULL
+        char* out = nullptr;
+        EXPECT_EQ(file.getDataRecord(1, 0, 0, &out), 1);
+        EXPECT_STREQ(std::unique_ptr<char[]>(out).get(), expected);
+        EXPECT_TRUE(file.getDataRecord(1, 0, 2, &out) == 1 && out == nullptr);
+        file.addDataRecord(1, 0, 0, static_cast<const char*>(nullptr));
+    }
+    const Owned list = valueOf("20:[10:inner]");
+    MOLTVARIANT marker, *stored = nullptr;
+    file.addDataRecord(1, 0, 0, &list);
+    file.getDataRecord(1, 0, 0, &stored);
+    file.addDataRecord(1, 0, 0, stored->payload.list->getAt(0));  // a part of the value that it replaces
+    EXPECT_EQ(shown(file), "1.0(2) 10:inner 0:0 ");
+    stored = &marker;
+    EXPECT_TRUE(file.getDataRecord(9, 0, 0, &stored) == 0 && stored == &marker);
+}
+
+// Offsets leave out the prefixes of a vector's elements.
+TEST_F(IndexDataFileTest, ABytesPlaceOrAnOffsetIsWrong) {
+    EXPECT_EQ(saved(), bytesOf("'@ 12 1 0"));
+    constexpr const char* values[] = {"10:abc", "0:", "13:[5:1,10:ab]", "15:12345", "3:42"};
+    for (std::int32_t i = 0; i < 7; ++i) {
+        const Owned value = valueOf(values[i % 5]);
+        file.addIndexRecord(i, 1, i < 5 ? 1 : 0);
+        file.addDataRecord(i, 1, 0, &value);
+    }
+    EXPECT_EQ(saved(),
+              bytesOf("'@ 12 1 7  0 1 1 0  1 1 1 12  2 1 1 28  3 1 1 51  4 1 1 68  5 1 0 80  6 1 0 80"
+                      " 10 4 'abc%  0 8 0 0  13 11 2 5 8 0 0x3FF00000 10 3 'ab%  15 9 5 '12345  3 4 42"));
+    EXPECT_EQ(file.writeIndexDataFile(folder.path().string().c_str()) + file.writeIndexDataFile(nullptr), 0);
+}
+
+// One record of each form, read back as the format says, and then every truncation and flipped byte of it.
+TEST_F(IndexDataFileTest, AFormReadsBackOtherwiseOrDamageIsNotSafe) {
+    // Those that come back in another form are at the end.
+    const auto values = split(
+        "2:-2|4:1.5|5:-1e+300|7:65535|1:200|14:7|9:9|10:|10:NULL|17:abc|11:wide|15:a_b|"
+        "13:[10:a,13:[],3:1]|17:NULL|13:NULL|16:0123456789abcdef|20:[]",
+        '|');
+    const std::string changed[] = {"17:", "13:[]", "0:0", "0:0"};
+    std::string expected;
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const auto id = static_cast<std::int32_t>(i);
+        const Owned value = valueOf(values[i]);
+        file.addIndexRecord(id, id % 2, 2);
+        file.addDataRecord(id, id % 2, 1, &value);
+        expected += std::to_string(i) + "." + std::to_string(i % 2) + "(2) 0:0 " +
+                    (i < 13 ? values[i] : changed[i - 13]) + " ";
+    }
+    const std::string good = saved();
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_EQ(shownOf(contentOf(name)), expected);
+        ASSERT_EQ(loaded.writeIndexDataFile(name.c_str()), 1);
+    }
+    for (std::size_t i = 0; i < good.size(); ++i) {
+        shownOf(good.substr(0, i));
+        for (const unsigned flip : {0x01U, 0x80U}) {
+            std::string damaged = good;
+            damaged[i] = static_cast<char>(static_cast<unsigned char>(damaged[i]) ^ flip);
+            shownOf(damaged);
+        }
+    }
+}
+
+constexpr char hostileFiles[] =
+#include "tests/store/hostile_files.txt"
+    ;
+
+TEST_F(IndexDataFileTest, WhatAFilePromisesAndDoesntHoldReadsAsEmpty) {
+    const auto valuesOf = [&](const std::string& data) {
+        const std::string values = shownOf(bytesOf("'@ 12 1 2 1 0 1 0 2 0 1 0") + data);
+        const std::size_t second = values.find(" 2.0(1) ");
+        return values.substr(7, second - 7) + values.substr(second + 7, values.size() - second - 8);
+    };
+    expectAnswers(hostileFiles, [&](const std::string& kind, const std::vector<std::string>& cells) {
+        loaded.addIndexRecord(1, 0, 1);  // gone with the next load
+        return kind == "file" ? shownOf(bytesOf(cells[0])) : valuesOf(bytesOf(cells[0]));
+    });
+    // 64 vectors in each other hold a value; what lies deeper is passed over.
+    for (const int depth : {64, 65, 100'000}) {
+        std::string deep, open, close;
+        for (int i = 0; i < depth; ++i) deep += bytesOf("13 0 1");
+        for (int i = 0; i < 64; ++i) open += "13:[", close += "]";
+        for (const auto& [value, shown] :
+             {std::pair("3 4 5", "3:5"), {"15 4 3 'abc", "15:abc"}, {"13 0 2 15 4 3 'abc 3 4 5", "0:0"}})
+            EXPECT_EQ(valuesOf(deep + bytesOf(value) + bytesOf("3 4 4")),
+                      open + (depth > 64 ? "0:0" : shown) + close + " 3:4");
+        for (const char* cut : {"", "3 4", "3 4 '123", "15 4 4 'abc", "13 0"})
+            EXPECT_EQ(valuesOf(deep + bytesOf(cut)), "0:0 0:0");
+    }
+    EXPECT_TRUE(loaded.readIndexDataFile(folder.file("missing").c_str()) == 0 && shown(loaded).empty());
+    EXPECT_EQ(loaded.readIndexDataFile(nullptr), 0);
 }
 
 }  // namespace

@@ -2,12 +2,9 @@
 
 #include "store/scramble.h"
 
-#include <random>
-#include <string>
-#include <vector>
-
 #include "store/file_tools.h"
 #include "tests/support.h"
+#include "tests/vector_levels.h"
 
 namespace {
 
@@ -26,14 +23,6 @@ void scrambleByTheSteps(std::string& data, std::size_t size) {
     }
 }
 
-std::vector<tarn::VectorLevel> levels() {
-    std::vector<tarn::VectorLevel> all;
-    for (const auto level : {tarn::VectorLevel::none, tarn::VectorLevel::ssse3, tarn::VectorLevel::avx2}) {
-        if (level <= tarn::vectorLevel()) all.push_back(level);
-    }
-    return all;
-}
-
 TEST(Scramble, EveryPathTakesTheToldStepsAndBack) {
     std::mt19937 random(1);
     constexpr std::size_t longest = 1200;  // beyond the change to the wide path
@@ -42,7 +31,7 @@ TEST(Scramble, EveryPathTakesTheToldStepsAndBack) {
         for (char& character : plain) character = static_cast<char>(random());
         std::string expected = plain;
         scrambleByTheSteps(expected, size);
-        for (const auto level : levels()) {
+        for (const auto level : tarntest::vectorLevels()) {
             std::string data = plain;
             tarn::scrambleBytes(data.data(), size, level);
             ASSERT_EQ(data, expected) << size << " by level " << static_cast<int>(level);

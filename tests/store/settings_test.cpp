@@ -2,33 +2,30 @@
 
 #include "store/settings.h"
 
-#include <cstring>
-#include <tuple>
-
 #include "tests/support.h"
 
 using namespace std::string_literals;
+using namespace tarntest;
 
 namespace {
 
 // A temporary folder as the current one, for as long as the test runs.
 struct IniFile : testing::Test {
-    tarntest::TemporaryFolder folder{tarntest::inMemory};
+    TemporaryFolder folder{inMemory};
     std::filesystem::path before = std::filesystem::current_path();
+    tarnIniFile ini{(std::filesystem::current_path(folder.path()), "client")};
 
-    IniFile() { std::filesystem::current_path(folder.path()); }
     ~IniFile() override { std::filesystem::current_path(before); }
 };
 
 TEST_F(IniFile, StaysInItsDirectoryUntilItIsToldAnother) {
-    tarnIniFile ini("client");
     std::filesystem::create_directories("other");
     std::filesystem::current_path("other");
     EXPECT_EQ(ini.writeIniString("s", "k", "v"), 1);
-    EXPECT_EQ(tarntest::contentOf(folder.file("client.ini")), "[s]\r\nk=v\r\n");
+    EXPECT_EQ(contentOf(folder.file("client.ini")), "[s]\r\nk=v\r\n");
     ini.setIniFileDirectory(folder.file("other").c_str());
     EXPECT_EQ(ini.writeIniInt("s", "k", -5), 1);
-    EXPECT_EQ(tarntest::contentOf("client.ini"), "[s]\r\nk=-5\r\n");
+    EXPECT_EQ(contentOf("client.ini"), "[s]\r\nk=-5\r\n");
     ini.setIniFileDirectory(folder.file("none").c_str());
     EXPECT_EQ(ini.writeIniString("s", "k", "v"), 0);
     EXPECT_EQ(tarnIniFile("x.ini").writeIniString("s", "k", "v"), 1);
@@ -36,7 +33,7 @@ TEST_F(IniFile, StaysInItsDirectoryUntilItIsToldAnother) {
 }
 
 TEST_F(IniFile, ADirectoryTooLongToKeepIsFollowedByTheShortestPath) {
-    if (tarntest::onWindows) GTEST_SKIP() << "the system has no current directory of that length";
+    if (onWindows) GTEST_SKIP() << "the system has no current directory of that length";
     const std::string part(100, 'd');
     std::filesystem::create_directories(part + '/' + part + '/' + part);
     std::filesystem::current_path(part + '/' + part + '/' + part);
@@ -45,60 +42,54 @@ TEST_F(IniFile, ADirectoryTooLongToKeepIsFollowedByTheShortestPath) {
 }
 
 TEST_F(IniFile, DefaultsStandInForWhatIsMissingOrEmpty) {
-    tarnIniFile ini("client");
-    constexpr const char* none = nullptr;
-    for (const auto& [stored, fallback, size, answer] : {std::tuple{"v", "other", 5, "1v"},
-                                                         {"longer", "other", 5, "1long"},
-                                                         {"", "other", 5, "0other"},
-                                                         {none, "  kept \"", 5, "0  kept \""},
-                                                         {none, none, 5, "0"},
-                                                         {none, "other", -1, "0other"}}) {
+    const auto answer = [&](const std::string& function, const std::vector<std::string>& cells) {
+        const auto textOf = [](const std::string& cell) { return cell == "NULL" ? nullptr : cell.c_str(); };
         char buffer[20] = "before";
-        ini.writeIniString("s", "k", stored);
-        const int result = ini.readIniString("s", "k", fallback, buffer, size);
-        EXPECT_EQ(std::to_string(result) + buffer, answer);
-    }
+        std::int32_t value = -1;
+        ini.writeIniString("s", "k", textOf(cells[0]));
+        const int found = function == "int"
+                              ? ini.readIniInt("s", "k", 8, value)
+                              : ini.readIniString("s", "k", textOf(cells[1]), buffer, std::stoi(cells[2]));
+        return std::to_string(found) + (function == "int" ? " " + std::to_string(value) : buffer);
+    };
+    // A number that is stored as the default is found too.
+    expectAnswers(R"(
+string:v|other|5|1v;longer|other|5|1long;|other|5|0other;NULL|  kept "|5|0  kept ";NULL|NULL|5|0;NULL|other|-1|0other
+int:7|1 7;8|1 8;-286331154|0 8;4008636142|0 8;|0 8;NULL|0 8)",
+                  answer);
     char buffer[] = "default";
     EXPECT_EQ(ini.readIniString("s", "k", buffer + 2, buffer, 0), 0);
     EXPECT_STREQ(buffer, "fault");
-    for (const char* stored : {"7", "8", "-286331154", "4008636142", "", none}) {
-        const bool found = stored != nullptr && std::strlen(stored) == 1;  // a stored default is found too
-        std::int32_t value = -1;
-        ini.writeIniString("s", "k", stored);
-        EXPECT_EQ(ini.readIniInt("s", "k", 8, value), found ? 1 : 0);
-        EXPECT_EQ(value, found ? std::atoi(stored) : 8);
-    }
 }
 
 TEST_F(IniFile, BlocksComeBackWholeOrAsTheirDefault) {
-    tarnIniFile ini("client");
     const std::string block = "\0\x01\xFF=;\n"s;
     std::string buffer(7, '#');
     EXPECT_EQ(ini.writeIniStruct("s", "k", block.data(), 6), 1);
     EXPECT_EQ(ini.readIniStruct("s", "k", "default", buffer.data(), 6), 1);
     EXPECT_EQ(buffer, block + '#');
-    EXPECT_EQ(ini.readIniStruct("s", "k", "default", buffer.data(), 7), 0);
-    EXPECT_EQ(buffer, "default");
-    for (const int result : {ini.writeIniStruct("s", "k", block.data(), -1),
-                             ini.readIniStruct("s", "k", "default", buffer.data(), -1),
-                             ini.readIniStruct("s", "k", "default", nullptr, 7)})
+    for (const int result : {ini.readIniStruct("s", "k", "default", buffer.data(), 7),
+                             ini.writeIniStruct("s", "k", block.data(), -1),
+                             ini.readIniStruct("s", "k", "another", buffer.data(), -1),
+                             ini.readIniStruct("s", "k", "another", nullptr, 7)})
         EXPECT_EQ(result, 0);
+    EXPECT_EQ(buffer, "default");
 }
 
 struct RegistryObject : testing::Test {
-    tarntest::TemporaryFolder data{tarntest::inMemory};
+    TemporaryFolder data{inMemory};
     static constexpr const char* home = "Software\\tarnutil-store";
     tarnRegistry registry{HKEY_CURRENT_USER};
 
     RegistryObject() {
-        tarntest::setEnvironment("XDG_DATA_HOME", data.path().string().c_str());
+        setEnvironment("XDG_DATA_HOME", data.path().string().c_str());
         EXPECT_EQ(registry.openKey(home, 1), 1);
     }
     ~RegistryObject() override {
         registry.closeKey();
         registry.deleteSubKeyTree(home);
         RegDeleteKeyA(HKEY_CURRENT_USER, home);
-        tarntest::setEnvironment("XDG_DATA_HOME", nullptr);
+        setEnvironment("XDG_DATA_HOME", nullptr);
     }
 };
 
@@ -116,14 +107,13 @@ TEST_F(RegistryObject, StoresTextsNumbersAndBlocksUnderTheirTypes) {
     registry.set("text", "", 0);
     registry.set("list", "a\0b\0", 5);
     registry.setBinary("block", "\0\xFF", 2);
-    for (const auto& [name, type, bytes] : {std::tuple{"number", DWORD{REG_DWORD}, "\4\3\2\1"s},
-                                            {"text", REG_SZ, "\0"s},
-                                            {"list", REG_MULTI_SZ, "a\0b\0\0"s},
-                                            {"block", REG_BINARY, "\0\xFF"s}}) {
+    const DWORD types[] = {REG_DWORD, REG_SZ, REG_MULTI_SZ, REG_BINARY};
+    const std::string bytes[] = {"\4\3\2\1", "\0"s, "a\0b\0\0"s, "\0\xFF"s};
+    for (int i = 0; const char* name : {"number", "text", "list", "block"}) {
         DWORD told = 0;
         RegQueryValueExA(key, name, nullptr, &told, nullptr, &size);
-        EXPECT_TRUE(told == type && registry.get(name, buffer, size) == 1) << name;
-        EXPECT_EQ(std::string(buffer, size), bytes);
+        EXPECT_TRUE(told == types[i] && registry.get(name, buffer, size) == 1) << name;
+        EXPECT_EQ(std::string(buffer, size), bytes[i++]);
         EXPECT_EQ(registry.getBinary(name, buffer, size - 1), 0);
     }
     EXPECT_TRUE(registry.flushKey() == 1 && registry.deleteValue("list") == 1);
@@ -161,7 +151,7 @@ TEST_F(RegistryObject, ATreeOfManyKeysGoesAndItsTopStaysWithItsValues) {
 }
 
 TEST_F(RegistryObject, KeysGo512DeepAndTheWholeDepthGoes) {
-    if (tarntest::onWindows) GTEST_SKIP() << "the system's own limit on one path is lower";
+    if (onWindows) GTEST_SKIP() << "the system's own limit on one path is lower";
     std::string name = home;
     for (int depth = 2; depth < 512; ++depth) name += "\\d";
     tarnRegistry deep(HKEY_CURRENT_USER);

@@ -2,14 +2,11 @@
 
 #include "store/uu_codec.h"
 
-#include <algorithm>
-#include <cstring>
-#include <random>
-#include <string>
-#include <vector>
-
 #include "store/uu_codec_paths.h"
 #include "tests/support.h"
+#include "tests/vector_levels.h"
+
+using namespace std::string_literals;
 
 namespace {
 
@@ -33,14 +30,6 @@ std::string decoded(const std::string& text, int standard = 1) {
 
 std::string_view alphabetOf(bool standard) {
     return standard ? tarn::standardCharacters : tarn::variantCharacters;
-}
-
-std::vector<tarn::VectorLevel> levels() {
-    std::vector<tarn::VectorLevel> all{tarn::VectorLevel::none};
-    for (const auto level : {tarn::VectorLevel::avx2, tarn::VectorLevel::avx512}) {
-        if (level <= tarn::vectorLevel()) all.push_back(level);
-    }
-    return all;
 }
 
 // The told rules for one piece, character by character: the slow plain form.
@@ -71,58 +60,28 @@ std::string plainDecoded(const std::string& text, std::string_view alphabet) {
     return bytes;
 }
 
-TEST(UuCodec, PublishedVectorsHoldBothWays) {
-    const struct {
-        const char *bytes, *text;
-    } rows[] = {
+TEST(UuCodec, PublishedVectorsHoldBothWaysAndOddEndsFollowTheThirdCharacter) {
+    const std::pair<std::string, std::string> published[] = {
         {"", ""},  // RFC 4648, section 10
         {"f", "Zg=="}, {"fo", "Zm8="}, {"foo", "Zm9v"}, {"foobar", "Zm9vYmFy"}, {"\xFB\xFF\xBF", "+/+/"}};
-    for (const auto& row : rows) {
-        EXPECT_EQ(encoded(row.bytes), row.text);
-        EXPECT_EQ(decoded(row.text), row.bytes);
-        const std::string bare = std::string(row.text).substr(0, std::string(row.text).find('='));
-        EXPECT_EQ(decoded(" \t" + bare + "\r\nZg"), row.bytes)
-            << "without pads, between blanks and a line end";
+    for (const auto& [bytes, text] : published) {
+        EXPECT_EQ(encoded(bytes), text);
+        // Also without pads, between blanks and a line end.
+        for (const std::string& form : {text, " \t" + text.substr(0, text.find('=')) + "\r\nZg"})
+            EXPECT_EQ(decoded(form), bytes);
     }
-    EXPECT_EQ(encoded("\xFB\xFF\xBF", '=', 0), "?_?_");
-    EXPECT_EQ(decoded("?_?_", 0), "\xFB\xFF\xBF");
-    EXPECT_EQ(decoded("?_?_", 1), "");
+    const std::pair<const char*, std::string> odd[] = {
+        {"Z", "d"},           // Z << 2 | 64 >> 4, though nothing rests on it
+        {"A=CD", "\x04\0"s},  // the third is in the alphabet, though the second isn't
+        {"A==D", "\x04"},     {"AB=D", "\0"s},      {"ABC", "\0\x10"s},
+        {"Zm9v=Zm9v", "foo"}, {"Zm9v Zm9v", "foo"}, {"?_?_", ""}};
+    for (const auto& [text, bytes] : odd) EXPECT_EQ(decoded(text), bytes) << text;
+    EXPECT_EQ(encoded("\xFB\xFF\xBF", '=', 0) + decoded("?_?_", 0), "?_?_\xFB\xFF\xBF");
+    EXPECT_EQ(decoded(encoded("f", 'A')), "f\0\0"s) << "a pad of the alphabet is data";
 }
 
-TEST(UuCodec, OddEndsFollowTheThirdCharacter) {
-    const struct {
-        const char *text, *bytes;
-        std::size_t count;
-    } rows[] = {{"Z", "d", 1},          // Z << 2 | 64 >> 4, though nothing rests on it
-                {"A=CD", "\x04\0", 2},  // the third is in the alphabet, though the second isn't
-                {"A==D", "\x04", 1},     {"AB=D", "\0", 1},      {"ABC", "\0\x10", 2},
-                {"Zm9v=Zm9v", "foo", 3}, {"Zm9v Zm9v", "foo", 3}};
-    for (const auto& row : rows) EXPECT_EQ(decoded(row.text), std::string(row.bytes, row.count)) << row.text;
-    EXPECT_EQ(decoded(encoded("f", 'A')), std::string("f\0\0", 3)) << "a pad of the alphabet is data";
-}
-
-// The slow plain form reads back what every path wrote, within guarded buffers.
-TEST(UuCodec, EveryPathEncodesEveryLength) {
-    std::mt19937 random(1);
-    for (std::size_t size = 0; size < 300; ++size) {
-        std::vector<unsigned char> bytes(size);  // of exactly this size
-        for (auto& byte : bytes) byte = static_cast<unsigned char>(random());
-        for (const auto level : levels()) {
-            for (const bool standard : {true, false}) {
-                const std::size_t length = 4 * ((size + 2) / 3);
-                std::string text(length + 33, guard);
-                ASSERT_EQ(tarn::encodeText(bytes.data(), size, text.data(), '*', standard, level), length);
-                ASSERT_EQ(text.substr(length), '\0' + std::string(32, guard)) << size;
-                text.resize(length);
-                ASSERT_EQ(std::count(text.begin(), text.end(), '*'), (3 - size % 3) % 3);
-                ASSERT_EQ(plainDecoded(text, alphabetOf(standard)), std::string(bytes.begin(), bytes.end()))
-                    << size;
-            }
-        }
-    }
-}
-
-TEST(UuCodec, EveryPathDecodesAnyTextByTheToldPieces) {
+// Within guarded buffers; the slow plain form reads back what every path wrote.
+TEST(UuCodec, EveryPathDecodesAnyTextByTheToldPiecesAndEncodesWhatItGave) {
     std::mt19937 random(2);
     for (int round = 0; round < 20'000; ++round) {
         std::string text(random() % 330, 'A');
@@ -134,11 +93,19 @@ TEST(UuCodec, EveryPathDecodesAnyTextByTheToldPieces) {
         }
         std::fill_n(text.begin(), std::min<std::size_t>(random() % 4, text.size()), ' ');
         const std::string expected = plainDecoded(text, alphabetOf(standard));
-        for (const auto level : levels()) {
+        for (const auto level : tarntest::vectorLevels()) {
             std::vector<unsigned char> bytes((text.size() + 3) / 4 * 3 + 8, guard);
             const std::size_t count = tarn::decodeText(text, bytes.data(), standard, level);
             ASSERT_EQ(std::string(bytes.data(), bytes.data() + count), expected) << text;
             ASSERT_EQ(std::count(bytes.end() - 8, bytes.end(), guard), 8);
+            const std::vector<unsigned char> exact(bytes.data(), bytes.data() + count);
+            const std::size_t length = 4 * ((count + 2) / 3);
+            std::string back(length + 33, guard);
+            ASSERT_EQ(tarn::encodeText(exact.data(), count, back.data(), '*', standard, level), length);
+            ASSERT_EQ(back.substr(length), '\0' + std::string(32, guard)) << count;
+            back.resize(length);
+            ASSERT_EQ(std::count(back.begin(), back.end(), '*'), (3 - count % 3) % 3);
+            ASSERT_EQ(plainDecoded(back, alphabetOf(standard)), expected) << count;
         }
     }
     // The way from the outside, beyond one stretch of the search for the text's end.
@@ -147,16 +114,16 @@ TEST(UuCodec, EveryPathDecodesAnyTextByTheToldPieces) {
 }
 
 TEST(UuCodec, UnusableArgumentsGiveNothing) {
-    char text[] = "untouched";
     unsigned char bytes[4] = {1, 2, 3, 4};
     EXPECT_EQ(UUencode(bytes, 3, nullptr, '=', 1), 0);
-    EXPECT_EQ(UUencode(bytes, 1610612734, text, '=', 1), 0);
-    EXPECT_STREQ(text, "");
-    EXPECT_EQ(UUencode(nullptr, 3, text, '=', 1), 0);
-    EXPECT_STREQ(text, "");
-    EXPECT_EQ(UUdecode(nullptr, bytes, 4, 1), 0);
-    EXPECT_EQ(UUdecode("Zm9v", nullptr, 4, 1), 0);
-    EXPECT_EQ(UUdecode("", bytes, 4, 1), 0);
+    for (const unsigned char* source :
+         {static_cast<const unsigned char*>(bytes), static_cast<const unsigned char*>(nullptr)}) {
+        char text[] = "untouched";
+        EXPECT_EQ(UUencode(source, source == nullptr ? 3 : 1610612734, text, '=', 1), 0);
+        EXPECT_STREQ(text, "");
+    }
+    EXPECT_EQ(UUdecode(nullptr, bytes, 4, 1) + UUdecode("Zm9v", nullptr, 4, 1) + UUdecode("", bytes, 4, 1),
+              0);
     EXPECT_EQ(bytes[0], 1);
 }
 
