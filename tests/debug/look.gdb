@@ -1,0 +1,35 @@
+# Prints what tests/debug/printed_values.cpp has in its sight.
+set debuginfod enabled off
+set width 0
+set print pretty on
+set print elements 200
+
+define see
+  echo $arg0 =\040
+  output $arg0
+  echo \n
+end
+
+echo ---\n
+see tags
+see record
+see *record.fields
+see *tags[21].payload.multi
+see string
+see buffer
+see date
+see noDate
+
+see unknown
+see lost
+see circle
+see lessThanNone
+see tooMany
+see badString
+see badBuffer
+see noColumn
+see longText
+set print elements 3
+see many
+set print elements unlimited
+python print(gdb.parse_and_eval("many").format_string().count("tagLong 65"), "of many are shown")
