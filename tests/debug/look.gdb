@@ -11,10 +11,15 @@ define see
 end
 
 echo ---\n
-see tags
+see values
+see block
+see list
+see multi
+see *record.root
 see record
 see *record.fields
-see *tags[21].payload.multi
+see *multi.payload.multi
+see *multi.payload.multi->nodes
 see string
 see buffer
 see date
@@ -32,4 +37,4 @@ see longText
 set print elements 3
 see many
 set print elements unlimited
-python print(gdb.parse_and_eval("many").format_string().count("tagLong 65"), "of many are shown")
+python print(gdb.parse_and_eval("many").format_string().count("tagLong 100000"), "of many are shown")
