@@ -34,8 +34,13 @@
 union PKDATE {
     std::uint16_t value;
     struct {
-        // Lowest bits first; the month from 1, the year from 1970.
+        // The month from 1, the year from 1970.  `day` has the lowest bits of `value`, wherever the machine
+        // begins to lay fields out.
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
+        std::uint16_t year : 7, month : 4, day : 5;
+#else
         std::uint16_t day : 5, month : 4, year : 7;
+#endif
     } parts;
 };
 

@@ -107,11 +107,17 @@ void convertFromLong(MOLTVARIANT* value, std::int32_t type, std::int32_t size) {
     if (value == nullptr) return;
     const std::int32_t number = value->payload.longValue;
     switch (type) {
-        case 1: value->tag = tagShort; break;
+        case 1:
+            value->tag = tagShort;
+            value->payload.shortValue = static_cast<std::int16_t>(number);
+            break;
         case 4:
         case 5:
         case 8:
-        case 9: value->tag = size == 1 ? tagChar : tagText; break;
+        case 9:
+            value->tag = size == 1 ? tagChar : tagText;
+            if (size == 1) value->payload.charValue = static_cast<signed char>(number);
+            break;
         case 6:
             value->tag = tagFloat;
             value->payload.floatValue = static_cast<float>(number);

@@ -10,13 +10,12 @@
 #include <iterator>
 
 #include "platform/drawing.h"
+#include "platform/packed_bitmap.h"
 #include "platform/win32.h"
 
 namespace {
 
 using tarn::Bitmap;
-
-constexpr std::size_t maskBytes = 3 * sizeof(DWORD);
 
 struct ColorMasks {
     DWORD red, green, blue;
@@ -25,18 +24,18 @@ struct ColorMasks {
 constexpr ColorMasks masks16{0x7C00, 0x03E0, 0x001F};
 constexpr ColorMasks masks32{0xFF0000, 0x00FF00, 0x0000FF};
 
-// The published fields, taken out of a header that may stand at any address.
+// What the published fields come to.
 struct Layout {
     BITMAPINFOHEADER header;
+    ColorMasks masks;
     std::uint64_t rowBytes;
     std::uint64_t rows;
     std::uint64_t tableEntries;  // colours of the table behind the header
     std::uint64_t masksBehind;   // bytes of masks between a header of 40 bytes and the table
 };
 
-bool readLayout(const void* data, Layout& layout) {
-    BITMAPINFOHEADER& header = layout.header;
-    std::memcpy(&header, data, sizeof header);
+bool readLayout(const BITMAPINFOHEADER& header, Layout& layout) {
+    layout.header = header;
     constexpr WORD depths[] = {1, 4, 8, 16, 24, 32};
     const bool maskedDepth = header.biBitCount == 16 || header.biBitCount == 32;
     const bool readable =
@@ -51,7 +50,8 @@ bool readLayout(const void* data, Layout& layout) {
     const std::uint64_t used = header.biClrUsed;
     layout.tableEntries = used == 0 ? allEntries : allEntries == 0 ? used : std::min(used, allEntries);
     layout.masksBehind =
-        header.biCompression == BI_BITFIELDS && header.biSize == sizeof header ? maskBytes : 0;
+        header.biCompression == BI_BITFIELDS && header.biSize == sizeof header ? tarn::packedMasksSize : 0;
+    layout.masks = header.biBitCount == 16 ? masks16 : masks32;
     return true;
 }
 
@@ -69,17 +69,12 @@ BYTE primary(DWORD pixel, DWORD mask) {
 // Turns pixels of one bitmap into colours.
 class PixelReader {
   public:
-    PixelReader(const Layout& layout, const unsigned char* info) : depth_(layout.header.biBitCount) {
-        if (depth_ <= 8) {
-            const auto entries = static_cast<std::size_t>(layout.tableEntries);
-            const unsigned char* entry = info + layout.header.biSize;
-            for (std::size_t i = 0; i < entries; ++i, entry += 4)
-                table_[i] = RGB(entry[2], entry[1], entry[0]);
-        } else if (layout.header.biCompression == BI_BITFIELDS) {
-            std::memcpy(&masks_, info + sizeof(BITMAPINFOHEADER), sizeof masks_);
-        } else {
-            masks_ = depth_ == 16 ? masks16 : masks32;
-        }
+    PixelReader(const Layout& layout, const unsigned char* info)
+        : depth_(layout.header.biBitCount), masks_(layout.masks) {
+        if (depth_ > 8) return;
+        const auto entries = static_cast<std::size_t>(layout.tableEntries);
+        const unsigned char* entry = info + layout.header.biSize;
+        for (std::size_t i = 0; i < entries; ++i, entry += 4) table_[i] = RGB(entry[2], entry[1], entry[0]);
     }
 
     [[nodiscard]] COLORREF read(const unsigned char* row, std::size_t x) const {
@@ -96,7 +91,7 @@ class PixelReader {
 
   private:
     unsigned depth_;
-    ColorMasks masks_{};
+    ColorMasks masks_;
     COLORREF table_[256] = {};  // entries that the file leaves out are black
 };
 
@@ -136,17 +131,26 @@ HBITMAP CreateDIBitmap(HDC context, const BITMAPINFOHEADER* header, DWORD flags,
     const bool monochrome = tarn::drawsMonochrome(context);
     if ((flags & CBM_INIT) == 0) return tarn::makeBitmap(header->biWidth, header->biHeight, monochrome);
     Layout layout;
-    if (pixels == nullptr || info == nullptr || usage != DIB_RGB_COLORS || !readLayout(info, layout))
-        return refuse();
+    if (pixels == nullptr || info == nullptr || usage != DIB_RGB_COLORS) return refuse();
+    BITMAPINFOHEADER described;
+    const auto* const bytes = reinterpret_cast<const unsigned char*>(info);
+    std::memcpy(&described, bytes, sizeof described);
+    if (!readLayout(described, layout)) return refuse();
+    if (described.biCompression == BI_BITFIELDS)
+        std::memcpy(&layout.masks, bytes + sizeof described, sizeof layout.masks);
     if (layout.header.biWidth != header->biWidth || layout.header.biHeight != header->biHeight)
         return refuse();
-    return decodeNew(layout, reinterpret_cast<const unsigned char*>(info),
-                     static_cast<const unsigned char*>(pixels), monochrome);
+    return decodeNew(layout, bytes, static_cast<const unsigned char*>(pixels), monochrome);
 }
 
 HBITMAP tarn::loadPackedBitmap(const unsigned char* data, std::size_t size) {
     Layout layout;
-    if (size < sizeof(BITMAPINFOHEADER) || !readLayout(data, layout)) return refuse();
+    if (size < packedHeaderSize || !readLayout(packedHeader(data), layout)) return refuse();
+    if (layout.header.biCompression == BI_BITFIELDS) {
+        if (size < packedHeaderSize + packedMasksSize) return refuse();
+        const unsigned char* const masks = data + packedHeaderSize;
+        layout.masks = {packedWord(masks), packedWord(masks + 4), packedWord(masks + 8)};
+    }
     const std::uint64_t offset =
         layout.header.biSize + layout.masksBehind + layout.tableEntries * sizeof(RGBQUAD);
     if (offset > size || (layout.rows != 0 && layout.rowBytes > (size - offset) / layout.rows))

@@ -5,19 +5,18 @@
 #include <cstring>
 #include <iterator>
 
+#include "platform/packed_bitmap.h"
 #include "platform/win32.h"
 #include "present/screen.h"
 
 namespace {
 
-constexpr std::uint64_t headerSize = sizeof(BITMAPINFOHEADER);
+constexpr std::uint64_t headerSize = tarn::packedHeaderSize;
 constexpr std::uint64_t colorSize = sizeof(RGBQUAD);
 constexpr WORD paletteVersion = 0x300;
 
 BITMAPINFOHEADER headerOf(const void* packed) {
-    BITMAPINFOHEADER header;
-    std::memcpy(&header, packed, sizeof header);
-    return header;
+    return tarn::packedHeader(static_cast<const unsigned char*>(packed));
 }
 
 // The table holds all colours that the pixels can name; biClrUsed isn't looked at.
@@ -34,12 +33,34 @@ bool isWhole(const void* packed, std::uint64_t size) {
     const BITMAPINFOHEADER header = headerOf(packed);
     const std::uint64_t offset = pixelOffset(header);
     if (header.biSize < headerSize || header.biWidth < 0 || offset > size) return false;
+    if (header.biCompression == BI_BITFIELDS && size < headerSize + tarn::packedMasksSize) return false;
     const std::uint64_t room = size - offset;
     if (header.biCompression == BI_RLE8 || header.biCompression == BI_RLE4) return header.biSizeImage <= room;
     const auto rows = static_cast<std::uint64_t>(std::abs(std::int64_t{header.biHeight}));
     const std::uint64_t rowBits = static_cast<std::uint64_t>(header.biWidth) * header.biBitCount;
     const std::uint64_t rowBytes = (rowBits + 31) / 32 * 4;
     return rows == 0 || rowBytes <= room / rows;
+}
+
+// What CreateDIBitmap takes: a header of the machine's own, and behind it the colour table or the masks.
+struct BitmapInfo {
+    BITMAPINFOHEADER header;
+    RGBQUAD colors[256];
+};
+
+BitmapInfo infoOf(const unsigned char* packed) {
+    BitmapInfo info{headerOf(packed), {}};
+    if (info.header.biCompression == BI_BITFIELDS) {
+        const unsigned char* const stored = packed + headerSize;
+        const DWORD masks[] = {tarn::packedWord(stored), tarn::packedWord(stored + 4),
+                               tarn::packedWord(stored + 8)};
+        std::memcpy(info.colors, masks, sizeof masks);
+    } else {
+        const auto count = static_cast<std::size_t>(colorCount(info.header));
+        std::memcpy(info.colors, packed + info.header.biSize, count * colorSize);
+    }
+    info.header.biSize = headerSize;
+    return info;
 }
 
 // Where the bands of the gradient go.
@@ -112,9 +133,9 @@ HBITMAP tarnBitmap::loadPaletteBitmap(std::uint16_t id) {
             RealizePalette(screen);
         }
         const BITMAPINFOHEADER header = headerOf(packed);
-        const auto* const info = reinterpret_cast<const BITMAPINFO*>(packed);
-        made = CreateDIBitmap(screen, &info->bmiHeader, CBM_INIT, packed + pixelOffset(header), info,
-                              DIB_RGB_COLORS);
+        const BitmapInfo info = infoOf(packed);
+        made = CreateDIBitmap(screen, &info.header, CBM_INIT, packed + pixelOffset(header),
+                              reinterpret_cast<const BITMAPINFO*>(&info), DIB_RGB_COLORS);
         width = header.biWidth;
         height = header.biHeight;
         ReleaseDC(nullptr, screen);

@@ -7,6 +7,7 @@
 #include <type_traits>
 #include <vector>
 
+#include "core/byte_order.h"
 #include "store/settings.h"
 
 namespace {
@@ -116,7 +117,9 @@ int tarnRegistry::flushKey() {
 }
 
 int tarnRegistry::set(const char* name, std::uint32_t value) {
-    return store(key_, name, REG_DWORD, &value, sizeof value);
+    unsigned char bytes[sizeof value];
+    tarn::storeWord(bytes, value);
+    return store(key_, name, REG_DWORD, bytes, sizeof bytes);
 }
 
 int tarnRegistry::set(const char* name, const char* text, std::uint32_t length) {
@@ -130,7 +133,11 @@ int tarnRegistry::setBinary(const char* name, const char* data, std::uint32_t le
 }
 
 int tarnRegistry::get(const char* name, std::uint32_t& value) {
-    return fetch(key_, name, &value, sizeof value);
+    unsigned char bytes[sizeof value];
+    tarn::storeWord(bytes, value);  // what a shorter value leaves as it was
+    const int answer = fetch(key_, name, bytes, sizeof bytes);
+    value = tarn::loadWord(bytes);
+    return answer;
 }
 
 int tarnRegistry::get(const char* name, char* buffer, std::uint32_t length) {

@@ -89,7 +89,7 @@ TARN_AVX2 void moveSpansByAvx2(unsigned char* data, std::size_t count, const Spa
 #endif
 
 template <Direction direction>
-void translate(char* data, std::size_t size, VectorLevel level) {
+void translate(char* data, std::size_t size, [[maybe_unused]] VectorLevel level) {
     const std::size_t blocks = size / scrambleBlock;
     if (blocks == 0) return;
     auto* const bytes = reinterpret_cast<unsigned char*>(data);

@@ -8,6 +8,7 @@
 #include "fintext/financial_text.h"
 #include "fintext/number_display.h"
 #include "tests/support.h"
+#include "tests/values.h"
 
 namespace {
 
@@ -49,7 +50,8 @@ TEST(NumericText, TaggedValueIsReadInAnotherWidth) {
     constexpr std::int32_t word = 0x000180C8;  // -56 in 8 bits, -32568 in 16
     tarnString text("12 1/2");
     std::string shown = shownValue(tagFloat, 0.5F) + shownValue(tagString, &text);
-    for (const std::int32_t tag : {-1, 0, 1, 2, 3, 6, 7, 8, 9, 14}) shown += shownValue(tag, word);
+    for (const std::int32_t tag : {-1, 0, 1, 2, 3, 6, 7, 8, 9, 14})
+        shown += shownValue(tag, tarntest::number(tag, word).payload);
     for (const double number : {12.0, 12.5, 1.00005, 1e22}) shown += shownValue(tagDouble, number);
     EXPECT_EQ(shown,
               "0.5000 12.5000 0 0 -56 -32568 98504 -56 -32568 98504 0 98504 "

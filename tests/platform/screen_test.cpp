@@ -98,10 +98,11 @@ TEST(Screen, BitmapsOfEveryDepthDecodeInBothDirections) {
     tarntest::PackedBitmap bent(4, 3, 3);
     Canvas monochrome(decode(nullptr, bent));
     EXPECT_EQ(measures(monochrome.bitmap), (std::vector<LONG>{3, 2, 1}));
-    bent.bytes[offsetof(BITMAPINFOHEADER, biBitCount)] = 7;
+    auto& header = *reinterpret_cast<BITMAPINFOHEADER*>(bent.described.data());
+    header.biBitCount = 7;
     EXPECT_EQ(decode(target.screen, bent), nullptr);
-    bent.bytes[offsetof(BITMAPINFOHEADER, biBitCount)] = 4;
-    bent.bytes[offsetof(BITMAPINFOHEADER, biWidth) + 3] = 0xFF;  // below 0
+    header.biBitCount = 4;
+    header.biWidth = -3;
     EXPECT_EQ(decode(target.screen, bent), nullptr);
 }
 
@@ -137,11 +138,12 @@ TEST(Screen, ResourcesAreFoundByNumberAndByText) {
 
 TEST(Screen, MaskedBitmapsReadTheirOwnMasks) {
     // 5-6-5 bits: full green, then full red, then a blue of 16 of 31, which shows as 132.
-    const BITMAPINFOHEADER header{sizeof header, 3, 1, 1, 16, BI_BITFIELDS, 0, 0, 0, 0, 0};
-    const WORD rest[] = {0xF800, 0, 0x07E0, 0, 0x001F, 0, 0x07E0, 0xF800, 0x0010, 0};
-    std::vector<unsigned char> bytes(sizeof header + sizeof rest);
-    std::memcpy(bytes.data(), &header, sizeof header);
-    std::memcpy(bytes.data() + sizeof header, rest, sizeof rest);
+    tarntest::PackedBitmap packed(16, 3, 1);
+    const std::string rest("\0\xF8\0\0\xE0\7\0\0\x1F\0\0\0\xE0\7\0\xF8\x10\0\0\0", 20);
+    auto& bytes = packed.bytes;
+    bytes[16] = BI_BITFIELDS;
+    bytes.resize(sizeof(BITMAPINFOHEADER));
+    bytes.insert(bytes.end(), rest.begin(), rest.end());
     tarn::addResource(nullptr, 2, 9, bytes.data(), static_cast<std::uint32_t>(bytes.size()));
     Canvas canvas(LoadBitmapA(nullptr, "#9"));
     const COLORREF colors[] = {RGB(0, 255, 0), RGB(255, 0, 0), RGB(0, 0, 132)};

@@ -95,6 +95,15 @@ TEST(Bitmap, PackedResourcesGiveTheirPixelsAndNoneIsReadOutside) {
             EXPECT_EQ(tarnBitmap(module, 300, 1).width, width > 0 && imageSize == room ? 37 : 0);
         }
     }
+    // Masks that the resource doesn't hold whole, behind and within the header.
+    for (const int headerSize : {40, 44}) {
+        tarntest::PackedBitmap masked(32, 1, 1);
+        masked.bytes[0] = static_cast<unsigned char>(headerSize);
+        masked.bytes[16] = BI_BITFIELDS;
+        masked.bytes.resize(52);
+        tarn::addResource(module, 2, 300, masked.bytes.data(), 48);
+        for (const int withPalette : {0, 1}) EXPECT_EQ(tarnBitmap(module, 300, withPalette).bitmap, nullptr);
+    }
     tarn::removeResources(module);
     EXPECT_EQ(tarn::openHandles(), before);
 }

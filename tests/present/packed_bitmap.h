@@ -14,8 +14,9 @@ namespace tarntest {
 
 struct PackedBitmap {
     std::size_t depth, rowBytes, pixelOffset;
-    int height;  // below 0: rows from the top
-    std::vector<unsigned char> bytes;
+    int height;                            // below 0: rows from the top
+    std::vector<unsigned char> bytes;      // as in a resource, little-endian
+    std::vector<unsigned char> described;  // with a header of the machine's own
 
     PackedBitmap(int bits, int columns, int rows)
         : depth(static_cast<std::size_t>(bits)),
@@ -27,10 +28,16 @@ struct PackedBitmap {
         for (unsigned char& byte : bytes) byte = static_cast<unsigned char>(random());
         const auto depthWord = static_cast<WORD>(bits);
         const BITMAPINFOHEADER header{sizeof header, columns, rows, 1, depthWord, 0, 0, 0, 0, 0, 0};
-        std::memcpy(bytes.data(), &header, sizeof header);
+        const std::int64_t words[10] = {sizeof header, columns, rows, 1 + (bits << 16)};
+        for (std::size_t i = 0; i < sizeof header; ++i)
+            bytes[i] = static_cast<unsigned char>(words[i / 4] >> (8 * (i % 4)));
+        described = bytes;
+        std::memcpy(described.data(), &header, sizeof header);
     }
 
-    [[nodiscard]] const BITMAPINFO* info() const { return reinterpret_cast<const BITMAPINFO*>(bytes.data()); }
+    [[nodiscard]] const BITMAPINFO* info() const {
+        return reinterpret_cast<const BITMAPINFO*>(described.data());
+    }
     [[nodiscard]] COLORREF tableColor(std::size_t entry) const {
         const unsigned char* color = bytes.data() + sizeof(BITMAPINFOHEADER) + 4 * entry;
         return RGB(color[2], color[1], color[0]);

