@@ -63,6 +63,8 @@ Replacement::~Replacement() {
 }
 
 DWORD Replacement::begin(int folder, const std::string& temporary, unsigned permissions) {
+    folder_ = folder;
+    temporary_ = temporary;
     for (;;) {
         constexpr int flags = O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY;
         Descriptor file(retried([&] { return ::openat(folder, temporary.c_str(), flags, permissions); }));
@@ -80,8 +82,6 @@ DWORD Replacement::begin(int folder, const std::string& temporary, unsigned perm
             continue;
         }
         if (opened.st_size != 0 && ::ftruncate(file.number(), 0) != 0) return fromErrno(errno);
-        folder_ = folder;
-        temporary_ = temporary;
         file_ = std::move(file);
         return ERROR_SUCCESS;
     }
