@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <span>
 #include <utility>
 
 #include "platform/error_codes.h"
@@ -41,6 +42,18 @@ bool writeAll(int descriptor, std::string_view content) {
         const auto count = retried([&] { return ::write(descriptor, content.data(), content.size()); });
         if (count == -1) return false;
         content.remove_prefix(static_cast<std::size_t>(count));
+    }
+    return true;
+}
+
+// Fills a buffer from its byte `done` on, as far as the file reaches.  One call may give less than there is.
+bool readInto(int descriptor, std::span<char> buffer, std::size_t& done) {
+    while (done < buffer.size()) {
+        const auto rest = buffer.subspan(done);
+        const auto count = retried([&] { return ::read(descriptor, rest.data(), rest.size()); });
+        if (count == -1) return false;
+        if (count == 0) break;
+        done += static_cast<std::size_t>(count);
     }
     return true;
 }
@@ -81,7 +94,9 @@ DWORD Replacement::begin(int folder, const std::string& temporary, unsigned perm
             if (::unlinkat(folder, temporary.c_str(), 0) != 0) return fromErrno(errno);
             continue;
         }
-        if (opened.st_size != 0 && ::ftruncate(file.number(), 0) != 0) return fromErrno(errno);
+        if (opened.st_size != 0 && retried([&] { return ::ftruncate(file.number(), 0); }) != 0) {
+            return fromErrno(errno);
+        }
         file_ = std::move(file);
         return ERROR_SUCCESS;
     }
@@ -108,12 +123,8 @@ DWORD readWhole(int folder, const std::string& name, int flags, std::size_t limi
     if (!file) return fromErrno(errno);
     if (isReadingDenied(file.number())) return ERROR_SHARING_VIOLATION;
     char first[16384];
-    const auto readInto = [&](char* buffer, std::size_t size) {
-        return retried([&] { return ::read(file.number(), buffer, size); });
-    };
-    const auto count = readInto(first, sizeof first);
-    if (count == -1) return fromErrno(errno);
-    auto done = static_cast<std::size_t>(count);
+    std::size_t done = 0;
+    if (!readInto(file.number(), {first, sizeof first}, done)) return fromErrno(errno);
     std::string bytes(first, done);
     if (done == sizeof first) {
         struct stat status {};
@@ -121,12 +132,7 @@ DWORD readWhole(int folder, const std::string& name, int flags, std::size_t limi
         if (!S_ISREG(status.st_mode)) return ERROR_ACCESS_DENIED;
         if (std::cmp_greater(status.st_size, limit)) return ERROR_FILE_CORRUPT;
         bytes.resize(std::max(done, static_cast<std::size_t>(status.st_size)));
-        while (done < bytes.size()) {
-            const auto more = readInto(bytes.data() + done, bytes.size() - done);
-            if (more == -1) return fromErrno(errno);
-            if (more == 0) break;  // cut meanwhile
-            done += static_cast<std::size_t>(more);
-        }
+        if (!readInto(file.number(), bytes, done)) return fromErrno(errno);
         bytes.resize(done);
     }
     if (done > limit) return ERROR_FILE_CORRUPT;
