@@ -21,6 +21,7 @@ struct Memory {
     long countdown = 0;  // the allocation that fails, from 1; 0 lets all pass
     bool forever = false;
     long failed = 0;
+    bool elsewhere = false;  // another thread's call succeeds whenever a block is released
 
     bool mayAllocate() {
         if (countdown == 0 || --countdown > 0) return true;
@@ -44,6 +45,7 @@ void* allocateOrThrow(std::size_t bytes) {
 void release(void* block) {
     memory.live -= block == nullptr ? 0 : 1;
     std::free(block);
+    if (memory.elsewhere) SetLastError(ERROR_SUCCESS);
 }
 
 }  // namespace
@@ -577,6 +579,15 @@ TEST(Allocation, EachFailsOnceAndFromThereOn) {
     tarn::setMessageBox(nullptr);
     tarntest::setEnvironment("XDG_DATA_HOME", nullptr);
     std::printf("%ld allocations failed in %zu operations\n", memory.failed, std::size(operations));
+}
+
+TEST(LastError, OfAnotherThreadDoesntMisleadAWrite) {
+    const tarntest::TemporaryFolder folder;
+    const std::string ini = folder.file("new.ini");
+    memory.elsewhere = true;
+    EXPECT_TRUE(WritePrivateProfileStringA("s", "k", "v", ini.c_str()));
+    memory.elsewhere = false;
+    EXPECT_EQ(tarntest::contentOf(ini), "[s]\r\nk=v\r\n");
 }
 
 }  // namespace
