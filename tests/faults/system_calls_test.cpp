@@ -8,10 +8,8 @@
 #include <algorithm>
 #include <functional>
 
-#include "tarnutil.h"
+#include "tests/faults/families.h"
 #include "tests/process.h"
-#include "tests/support.h"
-#include "tests/values.h"
 
 namespace {
 
@@ -79,9 +77,7 @@ int __wrap_fcntl64(int file, int command, void* lock) {
 
 namespace {
 
-struct SystemCalls : testing::Test {
-    tarntest::TemporaryFolder folder{tarntest::inMemory};
-    const std::string values = folder.path() / "tarnutil/registry/HKEY_CURRENT_USER/k-client";
+struct SystemCalls : tarntest::Families {
     tarnEngineData record;
     tarnIndexDataFile set;
     tarnIniFile ini{"client"};
@@ -93,63 +89,55 @@ struct SystemCalls : testing::Test {
         std::function<int()> save;
         bool keeps;
     };
+    const std::string whole = folder.file("whole"), rows = folder.file("record"),
+                      records = folder.file("set");
     const std::vector<Saver> savers{
-        {"whole", file("whole"),
-         [this] { return writeFile(file("whole").c_str(), "twenty-four bytes of text", 24); }, false},
-        {"record", file("record"), [this] { return record.saveData(file("record").c_str()); }, false},
-        {"set", file("set"), [this] { return set.writeIndexDataFile(file("set").c_str()); }, false},
-        {"ini", file("client.ini"), [this] { return ini.writeIniString("section", "key", "value"); }, true},
-        {"registry", values + "/v-v", [this] { return registry.set("v", "value", 0); }, true}};
+        {"whole", whole, [this] { return writeFile(whole.c_str(), "twenty-four bytes of text", 24); }, false},
+        {"record", rows, [this] { return record.saveData(rows.c_str()); }, false},
+        {"set", records, [this] { return set.writeIndexDataFile(records.c_str()); }, false},
+        {"ini", folder.file("client.ini"), [this] { return ini.writeIniString("section", "key", "value"); },
+         true},
+        {"registry", folder.file("tarnutil/registry/HKEY_CURRENT_USER/k-client/v-v"),
+         [this] { return registry.set("v", "value", 0); }, true}};
 
     SystemCalls() {
-        tarntest::setEnvironment("XDG_DATA_HOME", folder.path().c_str());
         ini.setIniFileDirectory(folder.path().c_str());
         registry.openKey("client", 1);
-        for (std::int32_t row = 0; row < 3; ++row)
-            record.storeMultiData(336, row, std::data({tarntest::text("21.5")}), 0);
+        const auto price = tarntest::text("21.5");
+        for (std::int32_t row = 0; row < 3; ++row) record.storeMultiData(336, row, &price, 0);
         set.addIndexRecord(7, 0, 2);
         set.addDataRecord(7, 0, 1, "value");
-        tarntest::fill(file("rows"), "#1^7|15|seven^#0|2^336|15|a^737|5|1^336|15|b^737|5|2^");
-        tarntest::fill(file("menu"), "POPUP,a,1,MENUITEM,c,3,4,d,END");
     }
     ~SystemCalls() override {
+        std::fprintf(stderr, "%ld system calls have failed\n", calls.failed);
         calls = {};
-        tarntest::setEnvironment("XDG_DATA_HOME", nullptr);
-    }
-
-    [[nodiscard]] std::string file(const char* name) const { return folder.file(name); }
-
-    // Saves and loads everything, and answers what came of it.
-    std::string saveAndLoad() {
-        std::string all;
-        for (const Saver& saver : savers) all += std::to_string(saver.save());
-        tarnEngineData rows, saved;
-        tarnIndexDataFile loaded;
-        tarnMenuParser menu;
-        char text[9] = "", value[9] = "";
-        all +=
-            std::to_string(rows.loadData(file("rows").c_str(), loadReplace)) + tarntest::describe(rows.root);
-        all += std::to_string(saved.loadData(file("record").c_str(), loadReplace)) +
-               tarntest::describe(saved.root);
-        all += std::to_string(loaded.readIndexDataFile(file("set").c_str()) + loaded.getNumberRepeats(7, 0));
-        all += std::to_string(menu.getMenuDef(file("menu").c_str(), 0)->childCount);
-        translateFile(0, file("whole").c_str(), file("scrambled").c_str());
-        all += tarntest::contentOf(file("scrambled"));
-        all += std::to_string(ini.readIniString("section", "key", "none", text, 9)) + text;
-        all += std::to_string(registry.get("v", value, 9) + registry.flushKey()) + value;
-        return all + std::to_string(tarnRegistry(HKEY_CURRENT_USER).openKey("client\\below", 1));
     }
 };
 
 TEST_F(SystemCalls, SingleBytesAndInterruptionsChangeNothing) {
-    const std::string expected = saveAndLoad();
-    for (const char* left : {".client.ini.new", "tarnutil/registry/HKEY_CURRENT_USER/k-client/.new"})
-        tarntest::fill(file(left), "of a process that died");
-    tarnRegistry(HKEY_CURRENT_USER).deleteSubKeyTree("client");
-    for (const Saver& saver : savers) std::filesystem::remove(saver.path);
-    calls.grudging = true;
-    EXPECT_EQ(saveAndLoad(), expected);
-    std::printf("%ld calls were interrupted\n", calls.failed);
+    for (const auto& family : tarntest::families) {
+        const std::string expected = family.answer(1);
+        tarntest::fill(folder.file("." + std::string(tarntest::longText) + ".ini.new"), "of a dead process");
+        calls.grudging = true;
+        EXPECT_EQ(family.answer(1), expected) << family.name;
+        calls.grudging = false;
+    }
+}
+
+TEST_F(SystemCalls, AnyThatFailsLeavesNothingOpenAndTheNextRoundWorks) {
+    const std::int32_t handles = tarn::openHandles();
+    for (const auto& family : tarntest::families) {
+        const std::string expected = family.answer(1);
+        long failedBefore = -1;
+        for (long n = 1; failedBefore != calls.failed; ++n) {
+            failedBefore = calls.failed;
+            calls.countdown = n;
+            family.answer(1);
+            calls.countdown = 0;
+            EXPECT_EQ(family.answer(1), expected) << family.name << n;
+        }
+    }
+    EXPECT_EQ(tarn::openHandles(), handles);
 }
 
 TEST_F(SystemCalls, AWriteThatFailsAtAnyByteIsTold) {
@@ -158,20 +146,20 @@ TEST_F(SystemCalls, AWriteThatFailsAtAnyByteIsTold) {
         calls.room = 100000;
         EXPECT_EQ(saver.save(), 1) << saver.name;
         const std::size_t bytes = 100000 - calls.room;
-        const std::string whole = tarntest::contentOf(saver.path);
-        EXPECT_GE(bytes, whole.size());
+        const std::string content = tarntest::contentOf(saver.path);
+        EXPECT_GE(bytes, content.size());
         for (std::size_t room = 0; room < bytes; ++room) {
             tarntest::fill(saver.path, "");
             calls.room = room;
             SetLastError(saver.name == "registry" ? ERROR_DISK_FULL : ERROR_SUCCESS);  // which sets none
             EXPECT_EQ(saver.save(), 0) << saver.name << room;
             EXPECT_EQ(GetLastError(), ERROR_DISK_FULL) << saver.name << room;
-            EXPECT_EQ(tarntest::contentOf(saver.path).size(), saver.keeps ? 0 : std::min(room, whole.size()));
+            EXPECT_EQ(tarntest::contentOf(saver.path).size(),
+                      saver.keeps ? 0 : std::min(room, content.size()));
         }
         calls.limited = false;
         EXPECT_EQ(saver.save(), 1) << saver.name;
-        EXPECT_EQ(tarntest::contentOf(saver.path), whole);
-        std::printf("%s: a write failed at each of %zu bytes\n", saver.name.c_str(), bytes);
+        EXPECT_EQ(tarntest::contentOf(saver.path), content);
     }
 }
 
@@ -179,7 +167,7 @@ TEST_F(SystemCalls, EachCallThatFailsLeavesTheOldContentOrTheNew) {
     for (const Saver& saver : savers) {
         if (!saver.keeps) continue;
         EXPECT_EQ(saver.save(), 1);
-        const std::string whole = tarntest::contentOf(saver.path), old = "";
+        const std::string content = tarntest::contentOf(saver.path), old = "";
         long failedBefore = -1;
         for (long n = 1; failedBefore != calls.failed; ++n) {
             tarntest::fill(saver.path, old);
@@ -188,26 +176,10 @@ TEST_F(SystemCalls, EachCallThatFailsLeavesTheOldContentOrTheNew) {
             const int result = saver.save();
             calls.countdown = 0;
             const std::string after = tarntest::contentOf(saver.path);
-            EXPECT_TRUE(after == whole || (result == 0 && after == old)) << saver.name << n;
+            EXPECT_TRUE(after == content || (result == 0 && after == old)) << saver.name << n;
             EXPECT_EQ(saver.save(), 1) << saver.name << n;
         }
     }
-    std::printf("%ld calls failed in writes of settings\n", calls.failed);
-}
-
-TEST_F(SystemCalls, AnyCallThatFailsLeavesNoDescriptorAndTheNextRoundWorks) {
-    const std::string expected = saveAndLoad();
-    const std::int32_t handles = tarn::openHandles();
-    long failedBefore = -1;
-    for (long n = 1; failedBefore != calls.failed; ++n) {
-        failedBefore = calls.failed;
-        calls.countdown = n;
-        saveAndLoad();
-        calls.countdown = 0;
-        EXPECT_EQ(saveAndLoad(), expected) << n;
-    }
-    EXPECT_EQ(tarn::openHandles(), handles);
-    std::printf("%ld calls failed in saves and loads\n", calls.failed);
 }
 
 // A real disk without room: a small file system of the child's own.
@@ -226,12 +198,12 @@ TEST_F(SystemCalls, AFullDiskIsToldAndHealsWithRoom) {
         registry.openKey("client", 1);
         for (const Saver& saver : savers) EXPECT_EQ(saver.save(), 1) << saver.name;
         for (const Saver& saver : savers) tarntest::fill(saver.path, saver.keeps ? "old" : "");
-        tarntest::fill(file("filler"), std::string(70000, 'x'));
+        tarntest::fill(folder.file("filler"), std::string(70000, 'x'));
         for (const Saver& saver : savers) {
             EXPECT_EQ(saver.save(), 0) << saver.name;
             EXPECT_EQ(tarntest::contentOf(saver.path), saver.keeps ? "old" : "") << saver.name;
         }
-        std::filesystem::remove(file("filler"));
+        std::filesystem::remove(folder.file("filler"));
         for (const Saver& saver : savers) EXPECT_EQ(saver.save(), 1) << saver.name;
     }));
     if (WIFEXITED(status) && WEXITSTATUS(status) == noFileSystem)
