@@ -158,6 +158,22 @@ struct Allocation : tarntest::Families {
     ~Allocation() override { std::fprintf(stderr, "%ld allocations have failed\n", memory.failed); }
 };
 
+// A table of handles grows with the 2nd, 4th, 8th... handle: as the fourth or fifth allocation of such a context.
+TEST_F(Allocation, ATableThatCantGrowLeavesNoBitmap) {
+    DeleteDC(CreateCompatibleDC(nullptr));  // makes the tables
+    for (int i = 0; i < 1000; ++i) {
+        const long live = memory.live;
+        memory.forever = false, memory.countdown = 4 + i % 2;
+        try {
+            DeleteDC(CreateCompatibleDC(nullptr));
+        } catch (const std::bad_alloc&) {
+            EXPECT_EQ(memory.live, live);
+        }
+        memory.countdown = 0;
+    }
+    EXPECT_GT(memory.failed, 0);
+}
+
 TEST_F(Allocation, EachFailsOnceAndFromThereOn) {
     for (const auto& family : tarntest::families) {
         const std::string expected = family.answer(1);
@@ -178,7 +194,7 @@ TEST_F(Allocation, AFailedChangeLeavesTheObject) {
     const auto shown = [](const auto& record) { return tarntest::describe(record.root); };
     const auto record = [&] {
         auto made = std::make_unique<tarnEngineData>();
-        for (std::int32_t i = 0; i < 32; ++i) made->storeMultiData(336 + i % 3, i / 3, &text, 0);
+        for (std::int32_t i = 0; i < 36; ++i) made->storeMultiData(336 + i % 3, i / 3, &text, 0);  // all full
         for (std::int32_t i = 0; i < 29; ++i) made->storeData(i, &text);
         return made;
     };
