@@ -2,6 +2,7 @@
 
 #include "core/exception.h"
 
+#include <memory>
 #include <string>
 
 #include "core/number_text.h"
@@ -12,6 +13,22 @@ constexpr std::int32_t kindPutToUser = 1;
 constexpr std::int32_t questionStyle = 0x100001;
 constexpr std::int32_t answerYes = 6;
 constexpr DWORD userDefaultLanguage = 1024;
+
+// Keeps the system from showing boxes of its own, as long as it lives.
+class QuietSystem {
+  public:
+    explicit QuietSystem(bool quiet) : quiet_(quiet) {
+        if (quiet_) SetErrorMode(SEM_NOOPENFILEERRORBOX);
+    }
+    QuietSystem(const QuietSystem&) = delete;
+    QuietSystem& operator=(const QuietSystem&) = delete;
+    ~QuietSystem() {
+        if (quiet_) SetErrorMode(0);
+    }
+
+  private:
+    bool quiet_;
+};
 
 }  // namespace
 
@@ -37,18 +54,18 @@ void showGetLastError(const char* title) {
     char* text = nullptr;
     FormatMessageA(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM, nullptr, code,
                    userDefaultLanguage, reinterpret_cast<char*>(&text), 0, nullptr);
+    const std::unique_ptr<char, decltype([](char* block) { LocalFree(block); })> owner(text);
     char number[12];
     tarn::writeLong(number, static_cast<std::int32_t>(code));
     const std::string caption =
         "GetLastError( " + std::string(number) + " ) : " + (title == nullptr ? "" : title);
     MessageBoxA(nullptr, text, caption.c_str(), MB_SETFOREGROUND);
-    LocalFree(text);
 }
 
 int loadDllFunc(HINSTANCE& module, int(__stdcall** function)(), const char* file, const char* name,
                 int quiet) {
     if (function != nullptr) *function = nullptr;
-    if (quiet != 0) SetErrorMode(SEM_NOOPENFILEERRORBOX);
+    const QuietSystem system(quiet != 0);
     module = LoadLibraryA(file);
     int found = 0;
     if (module != nullptr) {
@@ -60,6 +77,5 @@ int loadDllFunc(HINSTANCE& module, int(__stdcall** function)(), const char* file
     } else if (quiet == 0) {
         showGetLastError(file);
     }
-    if (quiet != 0) SetErrorMode(0);
     return found;
 }

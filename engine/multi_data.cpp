@@ -111,10 +111,14 @@ void tarnEngineData::removeMultiData() {
 }
 
 void tarnEngineData::moveMultiData(std::int32_t from, std::int32_t to) {
-    for (std::int32_t i = fields == nullptr ? -1 : fields->count - 1; i >= 0; --i) {
+    const std::int32_t last = fields == nullptr ? -1 : fields->count - 1;
+    // What can fail comes first, so that no row is moved in some of its columns only.
+    for (std::int32_t i = last; i >= 0; --i) {
+        if (nodeList* const column = columnAt(i); column != nullptr) column->reserve(1);
+    }
+    for (std::int32_t i = last; i >= 0; --i) {
         nodeList* const column = columnAt(i);
         if (column == nullptr) continue;
-        column->reserve(1);
         std::int32_t position = 0;
         OwnedValue moved = takeRow(*column, from, position);
         column->shiftKeys(position, column->count, -1);

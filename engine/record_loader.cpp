@@ -57,7 +57,8 @@ RecordLoader::RecordLoader(tarnEngineData& record, eLoadType mode)
 
 RecordLoader::~RecordLoader() {
     for (Insertion& insertion : insertions_) {
-        if (insertion.column == nullptr) continue;
+        // A column without a cell is one whose first cell found no memory.
+        if (insertion.column == nullptr || insertion.column->count == 0) continue;
         insertion.finish();
         record_.raiseNumMulti(lastRow(*insertion.column));
     }

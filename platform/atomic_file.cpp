@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <span>
 #include <utility>
 
 #include "platform/error_codes.h"
@@ -45,6 +46,18 @@ bool writeAll(int descriptor, std::string_view content) {
     return true;
 }
 
+// Fills a buffer from its byte `done` on, as far as the file reaches.  One call may give less than there is.
+bool readInto(int descriptor, std::span<char> buffer, std::size_t& done) {
+    while (done < buffer.size()) {
+        const auto rest = buffer.subspan(done);
+        const auto count = retried([&] { return ::read(descriptor, rest.data(), rest.size()); });
+        if (count == -1) return false;
+        if (count == 0) break;
+        done += static_cast<std::size_t>(count);
+    }
+    return true;
+}
+
 // Gives a new file the owner and the permissions of the one that it replaces.  Only the permissions have to
 // succeed: a file of another's stays writable to who could write it, but can't be given away.
 bool takeOver(int descriptor, const struct stat& made, const struct stat& former) {
@@ -63,6 +76,8 @@ Replacement::~Replacement() {
 }
 
 DWORD Replacement::begin(int folder, const std::string& temporary, unsigned permissions) {
+    folder_ = folder;
+    temporary_ = temporary;
     for (;;) {
         constexpr int flags = O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY;
         Descriptor file(retried([&] { return ::openat(folder, temporary.c_str(), flags, permissions); }));
@@ -79,9 +94,9 @@ DWORD Replacement::begin(int folder, const std::string& temporary, unsigned perm
             if (::unlinkat(folder, temporary.c_str(), 0) != 0) return fromErrno(errno);
             continue;
         }
-        if (opened.st_size != 0 && ::ftruncate(file.number(), 0) != 0) return fromErrno(errno);
-        folder_ = folder;
-        temporary_ = temporary;
+        if (opened.st_size != 0 && retried([&] { return ::ftruncate(file.number(), 0); }) != 0) {
+            return fromErrno(errno);
+        }
         file_ = std::move(file);
         return ERROR_SUCCESS;
     }
@@ -108,12 +123,8 @@ DWORD readWhole(int folder, const std::string& name, int flags, std::size_t limi
     if (!file) return fromErrno(errno);
     if (isReadingDenied(file.number())) return ERROR_SHARING_VIOLATION;
     char first[16384];
-    const auto readInto = [&](char* buffer, std::size_t size) {
-        return retried([&] { return ::read(file.number(), buffer, size); });
-    };
-    const auto count = readInto(first, sizeof first);
-    if (count == -1) return fromErrno(errno);
-    auto done = static_cast<std::size_t>(count);
+    std::size_t done = 0;
+    if (!readInto(file.number(), {first, sizeof first}, done)) return fromErrno(errno);
     std::string bytes(first, done);
     if (done == sizeof first) {
         struct stat status {};
@@ -121,12 +132,7 @@ DWORD readWhole(int folder, const std::string& name, int flags, std::size_t limi
         if (!S_ISREG(status.st_mode)) return ERROR_ACCESS_DENIED;
         if (std::cmp_greater(status.st_size, limit)) return ERROR_FILE_CORRUPT;
         bytes.resize(std::max(done, static_cast<std::size_t>(status.st_size)));
-        while (done < bytes.size()) {
-            const auto more = readInto(bytes.data() + done, bytes.size() - done);
-            if (more == -1) return fromErrno(errno);
-            if (more == 0) break;  // cut meanwhile
-            done += static_cast<std::size_t>(more);
-        }
+        if (!readInto(file.number(), bytes, done)) return fromErrno(errno);
         bytes.resize(done);
     }
     if (done > limit) return ERROR_FILE_CORRUPT;

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <memory>
+#include <type_traits>
 #include <utility>
 
 #include "platform/drawing.h"
@@ -17,6 +19,9 @@ struct DeviceContext {
     HBITMAP selected = nullptr;
     HPALETTE palette = nullptr;  // NULL: the default one
 };
+
+using OwnedBitmap = std::unique_ptr<std::remove_pointer_t<HBITMAP>,
+                                    decltype([](HBITMAP bitmap) { tarn::drawingObjects().close(bitmap); })>;
 
 constinit tarn::HandleTable<DeviceContext> contexts{tarn::HandleFamily::deviceContext};
 
@@ -105,13 +110,14 @@ HDC CreateCompatibleDC(HDC context) {
     if (context != nullptr && findContext(context) == nullptr) return nullptr;
     auto made = std::make_unique<DeviceContext>();
     made->first = made->selected = tarn::makeBitmap(1, 1, true, tarn::Counted::no);
-    const HBITMAP first = made->first;
-    auto* bitmap = tarn::findDrawing<Bitmap>(first);
+    OwnedBitmap first(made->first);
+    auto* bitmap = tarn::findDrawing<Bitmap>(first.get());
     if (bitmap == nullptr) return nullptr;
     const auto handle = static_cast<HDC>(contexts.open(std::move(made)));
+    if (handle == nullptr) return nullptr;
     bitmap->deviceOwned = true;
     bitmap->selectedInto = handle;
-    if (handle == nullptr) tarn::drawingObjects().close(first);
+    static_cast<void>(first.release());  // the context's from now on
     return handle;
 }
 

@@ -17,6 +17,7 @@
 
 #include "platform/descriptor.h"
 #include "platform/error_codes.h"
+#include "platform/file_opening.h"
 #include "platform/file_sharing.h"
 #include "platform/handle_count.h"
 #include "platform/path.h"
@@ -143,31 +144,41 @@ DWORD wrongAccess(int descriptor) {
 
 }  // namespace
 
-HANDLE CreateFileA(const char* name, DWORD access, DWORD share, SECURITY_ATTRIBUTES*, DWORD creation,
-                   DWORD flags, HANDLE) {
+DWORD tarn::openFile(const char* name, DWORD access, DWORD share, DWORD creation, HANDLE& file) {
+    file = INVALID_HANDLE_VALUE;
     const DWORD asked =
         ((access & GENERIC_READ) != 0 ? reading : 0) | ((access & GENERIC_WRITE) != 0 ? writing : 0);
     if (creation < CREATE_NEW || creation > TRUNCATE_EXISTING ||
         (creation == TRUNCATE_EXISTING && (asked & writing) == 0)) {
-        return fail(ERROR_INVALID_PARAMETER, INVALID_HANDLE_VALUE);
+        return ERROR_INVALID_PARAMETER;
     }
     const std::string path = tarn::systemPath(name);
-    if (tarn::isReservedName(path)) return fail(ERROR_INVALID_NAME, INVALID_HANDLE_VALUE);
+    if (tarn::isReservedName(path)) return ERROR_INVALID_NAME;
 
     bool existed = false;
     const DWORD used = truncates(creation) ? asked | writing : asked;
     const int descriptor = openOrCreate(path, used, creation, existed);
-    if (descriptor == -1) return fail(tarn::fromErrno(errno, path), INVALID_HANDLE_VALUE);
+    if (descriptor == -1) return tarn::fromErrno(errno, path);
     const DWORD code = settle(descriptor, {used, asked, share}, existed && truncates(creation));
     if (code != ERROR_SUCCESS) {
         ::close(descriptor);
-        return fail(code, INVALID_HANDLE_VALUE);
+        return code;
     }
-    if ((flags & FILE_FLAG_SEQUENTIAL_SCAN) != 0) ::posix_fadvise(descriptor, 0, 0, POSIX_FADV_SEQUENTIAL);
     tarn::handleOpened();
+    file = toHandle({descriptor, asked});
     const bool tellsExisted = existed && (creation == CREATE_ALWAYS || creation == OPEN_ALWAYS);
-    SetLastError(tellsExisted ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS);
-    return toHandle({descriptor, asked});
+    return tellsExisted ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS;
+}
+
+HANDLE CreateFileA(const char* name, DWORD access, DWORD share, SECURITY_ATTRIBUTES*, DWORD creation,
+                   DWORD flags, HANDLE) {
+    HANDLE file = nullptr;
+    const DWORD code = tarn::openFile(name, access, share, creation, file);
+    if (file != INVALID_HANDLE_VALUE && (flags & FILE_FLAG_SEQUENTIAL_SCAN) != 0) {
+        ::posix_fadvise(toFile(file).descriptor, 0, 0, POSIX_FADV_SEQUENTIAL);
+    }
+    SetLastError(code);
+    return file;
 }
 
 DWORD GetFileSize(HANDLE file, DWORD* high) {

@@ -70,13 +70,16 @@ HMODULE LoadLibraryA(const char* file) {
         if (error == ERROR_MOD_NOT_FOUND) error = loadError(path + suffix);
         return static_cast<HMODULE>(refuse(error));
     }
+    std::unique_ptr<void, decltype([](void* loaded) { ::dlclose(loaded); })> owner(system);
     const std::lock_guard lock(loadsMutex);
-    const HANDLE known = modules.findIf([system](const Module& module) { return module.system == system; });
-    if (known != nullptr) {
-        ++modules.find(known)->loads;
-        return static_cast<HMODULE>(known);
+    HANDLE handle = modules.findIf([system](const Module& module) { return module.system == system; });
+    if (handle != nullptr) {
+        ++modules.find(handle)->loads;
+    } else {
+        handle = modules.open(std::make_unique<Module>(Module{system, 1}));
     }
-    return static_cast<HMODULE>(modules.open(std::make_unique<Module>(Module{system, 1})));
+    if (handle != nullptr) static_cast<void>(owner.release());  // the table's from now on
+    return static_cast<HMODULE>(handle);
 }
 
 FARPROC GetProcAddress(HMODULE handle, const char* name) {

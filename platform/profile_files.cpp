@@ -20,6 +20,7 @@
 
 #include "platform/atomic_file.h"
 #include "platform/error_codes.h"
+#include "platform/file_opening.h"
 #include "platform/path.h"
 #include "platform/profile_encoding.h"
 #include "platform/profile_text.h"
@@ -117,18 +118,17 @@ std::string linkedFile(std::string path) {
 class HeldFile {
   public:
     explicit HeldFile(const std::string& path)
-        : handle_(CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                              nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr)),
-          error_(GetLastError()) {}
+        : error_(tarn::openFile(path.c_str(), GENERIC_READ | GENERIC_WRITE,
+                                FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING, handle_)) {}
     HeldFile(const HeldFile&) = delete;
     HeldFile& operator=(const HeldFile&) = delete;
     ~HeldFile() {
         if (handle_ != INVALID_HANDLE_VALUE) CloseHandle(handle_);
     }
-    [[nodiscard]] DWORD error() const { return handle_ == INVALID_HANDLE_VALUE ? error_ : ERROR_SUCCESS; }
+    [[nodiscard]] DWORD error() const { return error_; }
 
   private:
-    HANDLE handle_;
+    HANDLE handle_ = INVALID_HANDLE_VALUE;
     DWORD error_;
 };
 

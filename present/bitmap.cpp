@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <iterator>
+#include <memory>
+#include <type_traits>
 
 #include "platform/packed_bitmap.h"
 #include "platform/win32.h"
@@ -14,6 +16,14 @@ namespace {
 constexpr std::uint64_t headerSize = tarn::packedHeaderSize;
 constexpr std::uint64_t colorSize = sizeof(RGBQUAD);
 constexpr WORD paletteVersion = 0x300;
+
+// Owners for the time of one operation, which may end for lack of memory at any step.
+using ScreenContext =
+    std::unique_ptr<std::remove_pointer_t<HDC>, decltype([](HDC context) { ReleaseDC(nullptr, context); })>;
+using LockedMemory = std::unique_ptr<void, decltype([](HGLOBAL memory) {
+                                         GlobalUnlock(memory);
+                                         GlobalFree(memory);
+                                     })>;
 
 BITMAPINFOHEADER headerOf(const void* packed) {
     return tarn::packedHeader(static_cast<const unsigned char*>(packed));
@@ -63,6 +73,23 @@ BitmapInfo infoOf(const unsigned char* packed) {
     return info;
 }
 
+// A bitmap in a device context, which gets its earlier one back.
+class Selection {
+  public:
+    Selection(HDC context, HBITMAP bitmap)
+        : context_(context), earlier_(bitmap == nullptr ? nullptr : SelectObject(context, bitmap)) {}
+    Selection(const Selection&) = delete;
+    Selection& operator=(const Selection&) = delete;
+    ~Selection() {
+        if (isMade()) SelectObject(context_, earlier_);
+    }
+    [[nodiscard]] bool isMade() const { return earlier_ != nullptr; }
+
+  private:
+    HDC context_;
+    HGDIOBJ earlier_;
+};
+
 // Where the bands of the gradient go.
 struct Gradient {
     HDC context;
@@ -98,8 +125,10 @@ void paintBands(const Gradient& gradient, std::int32_t height) {
 
 }  // namespace
 
-tarnBitmap::tarnBitmap(HINSTANCE module, std::int32_t id, int withPalette)
-    : instance(module), resourceId(id), usePalette(withPalette) {
+tarnBitmap::tarnBitmap(HINSTANCE module, std::int32_t id, int withPalette) : tarnBitmap() {
+    instance = module;
+    resourceId = id;
+    usePalette = withPalette;
     const auto number = static_cast<std::uint16_t>(id);
     bitmap = withPalette == 0 ? LoadBitmapA(module, MAKEINTRESOURCEA(number)) : loadPaletteBitmap(number);
 }
@@ -125,7 +154,8 @@ HBITMAP tarnBitmap::loadPaletteBitmap(std::uint16_t id) {
     const auto* const packed = static_cast<const unsigned char*>(LockResource(loaded));
     HBITMAP made = nullptr;
     if (isWhole(packed, SizeofResource(instance, resource))) {
-        const HDC screen = GetDC(nullptr);
+        const ScreenContext owner(GetDC(nullptr));
+        const HDC screen = owner.get();
         std::int32_t colors = 0;
         palette = createBitmapPalette(packed, &colors);
         if (palette != nullptr) {
@@ -138,7 +168,6 @@ HBITMAP tarnBitmap::loadPaletteBitmap(std::uint16_t id) {
                               reinterpret_cast<const BITMAPINFO*>(&info), DIB_RGB_COLORS);
         width = header.biWidth;
         height = header.biHeight;
-        ReleaseDC(nullptr, screen);
     }
     if (loaded != nullptr) FreeResource(loaded);
     return made;
@@ -148,8 +177,8 @@ HPALETTE tarnBitmap::createBitmapPalette(const void* packed, std::int32_t* color
     *colors = colorCount(headerOf(packed));
     if (*colors == 0) return nullptr;
     const auto count = static_cast<std::size_t>(*colors);
-    const HGLOBAL memory = GlobalAlloc(GHND, 4 * count + 8);
-    auto* const target = static_cast<LOGPALETTE*>(GlobalLock(memory));
+    const LockedMemory memory(GlobalAlloc(GHND, 4 * count + 8));
+    auto* const target = static_cast<LOGPALETTE*>(GlobalLock(memory.get()));
     if (target == nullptr) return nullptr;
     target->palVersion = paletteVersion;
     target->palNumEntries = static_cast<WORD>(count);
@@ -157,10 +186,7 @@ HPALETTE tarnBitmap::createBitmapPalette(const void* packed, std::int32_t* color
     PALETTEENTRY* const entries = target->palPalEntry;
     for (std::size_t i = 0; i < count; ++i, color += colorSize)
         entries[i] = {color[2], color[1], color[0], 0};
-    const HPALETTE made = CreatePalette(target);
-    GlobalUnlock(memory);
-    GlobalFree(memory);
-    return made;
+    return CreatePalette(target);
 }
 
 void tarnBitmap::getSize(std::int32_t& columns, std::int32_t& rows) {
@@ -183,8 +209,6 @@ void tarnBitmap::bitmapMOLT(std::int32_t, std::int32_t columns, std::int32_t row
     height = rows;
     bitmap = CreateCompatibleBitmap(device, columns, rows);
     const HDC context = manager->getMemoryDC();
-    const HGDIOBJ earlier = bitmap == nullptr ? nullptr : SelectObject(context, bitmap);
-    if (earlier == nullptr) return;
-    paintBands({context, manager, columns}, rows);
-    SelectObject(context, earlier);
+    const Selection selection(context, bitmap);
+    if (selection.isMade()) paintBands({context, manager, columns}, rows);
 }

@@ -14,10 +14,11 @@ DWORD roomOf(std::int32_t size) {
 }
 
 void buildPath(tarnString& path, const char* directory, const tarnString& name) {
-    path.assign(directory);
-    path.append("\\");
-    path.append(name.text);
-    path.append(".ini");
+    tarnString built(directory);
+    built.append("\\");
+    built.append(name.text);
+    built.append(".ini");
+    path = built;  // in one step, so that without memory the old path stays
 }
 
 }  // namespace

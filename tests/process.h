@@ -11,6 +11,8 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdio>
+#include <string>
 
 namespace tarntest {
 
@@ -28,6 +30,29 @@ inline int waitFor(pid_t child) {
     int status = 0;
     ::waitpid(child, &status, 0);
     return status;
+}
+
+// Two child processes write a thousand times, each its rounds under a name of its own, while this one reads
+// what it finds under either name: the rounds in their order, to the last.
+template <typename Write, typename Read>
+void twoWritersAndAReader(Write write, Read read) {
+    constexpr int rounds = 1000, mostReads = 1'000'000;
+    const std::string names[] = {"one", "two"};
+    pid_t writers[2] = {};
+    for (int i = 0; i < 2; ++i) {
+        writers[i] = startChild([&] {
+            for (int round = 1; round <= rounds; ++round) write(names[i], std::to_string(round));
+        });
+    }
+    int seen[2] = {}, reads = 0;
+    for (; reads < rounds || (reads < mostReads && (seen[0] < rounds || seen[1] < rounds)); ++reads) {
+        const int which = reads % 2, round = std::stoi(read(names[which]));
+        EXPECT_GE(round, seen[which]) << "an update was lost";
+        seen[which] = round;
+    }
+    EXPECT_LT(reads, mostReads);
+    for (const pid_t writer : writers) EXPECT_EQ(waitFor(writer), 0);
+    std::printf("2 x %d writes beside %d reads\n", rounds, reads);
 }
 
 // Does a piece of work in a child process and kills it at its n-th stop: one before and one behind each

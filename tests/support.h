@@ -7,8 +7,11 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
+#include <clocale>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -93,10 +96,23 @@ void expectAnswers(const char* calls, Answer answerOf) {
     }
 }
 
+// What the C library answers in its own locale, whatever locale the tests run in.
+template <class Call>
+auto inCLocale(Call call) {
+    const std::string before = std::setlocale(LC_NUMERIC, nullptr);
+    std::setlocale(LC_NUMERIC, "C");
+    auto answer = call();
+    std::setlocale(LC_NUMERIC, before.c_str());
+    return answer;
+}
+inline double numberOf(const char* text, char** end = nullptr) {
+    return inCLocale([&] { return std::strtod(text, end); });
+}
+
+// As the format "%.10g" shows it, in every locale.
 inline std::string shown(double answer) {
     char text[40];
-    std::snprintf(text, sizeof text, "%.10g", answer);
-    return text;
+    return {text, std::to_chars(text, text + sizeof text, answer, std::chars_format::general, 10).ptr};
 }
 
 // setEnvironment sets a variable of the environment, of which TZ also counts as the zone of local time (UTC0
@@ -116,6 +132,15 @@ inline void holdClock(const SYSTEMTIME* now) {
     tarn::setClock(now, now);
 }
 #endif
+
+// Holds the zone of local time, in a form that POSIX and Windows share (UTC0, EST5EDT), until the end of the
+// test.
+struct HeldZone {
+    const std::string before = std::getenv("TZ") == nullptr ? "" : std::getenv("TZ");
+
+    explicit HeldZone(const char* zone) { setEnvironment("TZ", zone); }
+    ~HeldZone() { setEnvironment("TZ", before.empty() ? nullptr : before.c_str()); }
+};
 
 // Holds the clock, for universal and local time alike, at a moment until the end of the test.
 struct HeldClock {

@@ -65,7 +65,7 @@ inline Owned valueOf(const std::string& notation) {
     const std::size_t colon = notation.find(':');
     if (colon == std::string::npos) return {};
     const std::string content = notation.substr(colon + 1);
-    Owned made = number(std::atoi(notation.c_str()), std::atof(content.c_str()));
+    Owned made = number(std::atoi(notation.c_str()), numberOf(content.c_str()));
     auto& payload = made.payload;
     std::vector<std::pair<std::int32_t, MOLTVARIANT*>> elements;  // with the row or id in front
     if (made.tag == tagVector || made.tag >= tagList) {
@@ -136,7 +136,7 @@ inline std::string describe(const MOLTVARIANT* value) {
         case tagBlock: return bytes(payload.block, 16);
         case tagWideText:
             for (const char16_t c : std::u16string(payload.wideText))
-                list += c < 128 ? static_cast<char>(c) : '?';
+                list += c < 128 ? std::string(1, static_cast<char>(c)) : "<" + std::to_string(c) + ">";
             return tag + list;
         case tagVector:
             for (MOLTVARIANT** e = payload.vector; *e != nullptr; ++e) add(describe(*e));

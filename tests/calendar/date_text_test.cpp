@@ -1,6 +1,8 @@
 // Date text and packed dates: calendar/date_text.cpp, calendar/packed_dates.cpp.  The calls and answers of
 // tests/calendar/examples.txt, for all sources of calendar/.
 
+#include <optional>
+
 #include "calendar/market_calendar.h"
 #include "tests/support.h"
 
@@ -48,7 +50,7 @@ std::string answerOf(const std::string& function, const std::vector<std::string>
 
 TEST(CalendarText, ExampleAnswersOtherwise) {
     const tarntest::HeldClock clock(1999, 11, 30);
-    tarntest::setEnvironment("TZ", "UTC0");
+    const tarntest::HeldZone zone("UTC0");
     tarntest::expectAnswers(examples, answerOf);
 }
 
@@ -82,9 +84,11 @@ TEST(DateText, ScanAndComparisonAgreeWithSscanfAndDoubleMktime) {
         "          ", "01/19/2038 03:14:07", "01/02/70 00:00:00",   "99999999999/1/2 3:4"};
     std::mt19937 random(17);
     std::string winter = "01/01/1999", text = winter;
-    for (int round = 0; round < 60000; ++round) {
-        const char* const zones[] = {"UTC0", "EST5EDT,M4.1.0,M10.5.0", "America/New_York"};
-        if (round % 20000 == 0) tarntest::setEnvironment("TZ", zones[round / 20000]);
+    std::optional<tarntest::HeldZone> zone;
+    for (int round = 0; round < 80000; ++round) {
+        const char* const zones[] = {"UTC0", "EST5EDT,M4.1.0,M10.5.0", "America/New_York",
+                                     "Australia/Lord_Howe"};
+        if (round % 20000 == 0) zone.reset(), zone.emplace(zones[round / 20000]);
         std::string previous = text;
         text = bases[random() % std::size(bases)];
         for (auto left = random() % 4; left > 0; --left)

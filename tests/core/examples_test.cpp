@@ -28,7 +28,7 @@ std::string answerOf(const std::string& function, const std::vector<std::string>
     cells[0].copy(buffer, sizeof buffer - 1);
     if (function == "isValidPrice") return shown(tarnString(text).isValidPrice());
     if (function == "decimals")
-        return string.assign(std::strtod(text, nullptr), static_cast<std::int16_t>(number)), string.text;
+        return string.assign(tarntest::numberOf(text), static_cast<std::int16_t>(number)), string.text;
     if (function == "trim") {
         const char* const start = trim(buffer, length, second[0]);
         return std::string(start, length) + " " + std::to_string(start - buffer);
@@ -37,7 +37,8 @@ std::string answerOf(const std::string& function, const std::vector<std::string>
     if (function == "toDouble")
         return convertToDouble(text, price) == 1 ? shown(price) : price == 77 ? "no" : "touched";
     if (function == "toString") return newText(convertToString(&a));
-    if (function == "format") return newText(convertToString(&a, second.c_str()));
+    if (function == "format")
+        return tarntest::inCLocale([&] { return newText(convertToString(&a, second.c_str())); });
     if (function == "size") return shown(a.sizeOfData());
     if (function == "equal") return shown(isVarEqual(a, b));
     if (function == "like") return shown(isVarLike(a, b));

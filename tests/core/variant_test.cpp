@@ -55,8 +55,8 @@ TEST(VariantTest, ContainersAreMeasuredAndCompareAsNothing) {
     bare.tag = tagMulti;
     bare.payload.multi = &withoutCells;
     EXPECT_EQ(std::vector({doubles.sizeOfData(), list.sizeOfData(), valueOf("21:[]").sizeOfData(),
-                           valueOf("21:[1=3:1,2=3:2]").sizeOfData(),
-                           valueOf("22:[1=3:1,2=5:1]").sizeOfData(), bare.sizeOfData()}),
+                           valueOf("21:[1=3:1,2=3:2]").sizeOfData(), valueOf("22:[1=3:1,2=5:1]").sizeOfData(),
+                           bare.sizeOfData()}),
               std::vector({16, 20, 4, 12, 16, 4}));
     EXPECT_EQ(varcmp(list, doubles) + isVarEqual(list, list) + isVarLike(list, list), 0);
     EXPECT_EQ(varcmp(valueOf("10:a"), list), 1);  // a container has no text form

@@ -6,7 +6,7 @@
 #include "store/index_data_file.h"
 #include "tests/values.h"
 
-using tarntest::text;
+using tarntest::valueOf;
 
 [[gnu::noinline]] static void look(int) {}
 
@@ -26,22 +26,22 @@ int main(int count, char**) {
     MOLTVARIANT block, list;
     block.tag = tagBlock;
     block.payload.block = new unsigned char[16]{1, 2, 3};
-    list = *tarntest::listOf(text("12 \"1/2\"\n"), text(nullptr)).release();
+    list = *valueOf("20:[10:12 \"1/2\"\n,10:NULL]").release();
 
     // Damaged ones, and what is too long or leads back to itself.
     MOLTVARIANT unknown, lost, circle, lessThanNone, tooMany, longText, many;
     unknown.tag = 99;
     lost.tag = tagText;
     lost.payload.text = reinterpret_cast<char*>(std::uintptr_t{16});
-    circle = *tarntest::vectorOf(text("first"), text("second"), text("third")).release();
+    circle = *valueOf("13:[10:first,10:second,10:third]").release();
     circle.payload.vector[1] = &circle;
     circle.payload.vector[2] = reinterpret_cast<MOLTVARIANT*>(std::uintptr_t{16});
-    lessThanNone = *tarntest::listOf().release();
+    lessThanNone = *valueOf("20:[]").release();
     lessThanNone.payload.list->count = -5;
     tooMany.copyContent(record.root);
     tooMany.payload.record->count = 1'000'000;
-    longText = *text(std::string(201, 'x').c_str()).release();
-    many = *tarntest::listOf().release();
+    longText = *valueOf("10:" + std::string(201, 'x')).release();
+    many = *valueOf("20:[]").release();
     for (std::int32_t i = 0; i < 300; ++i) many.payload.list->add(&values[3]);
     const tarnString string("12 1/2");
     const tarnBuffer buffer("@AB", 3);

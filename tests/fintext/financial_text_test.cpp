@@ -37,11 +37,13 @@ std::string answerOf(const std::string& function, const std::vector<std::string>
     if (function == "stripLeadZeros") return stripLeadZeros(text), text;
     if (function == "toFloat") return formatStringToFloat(text, text, count), text;
     if (function == "roundToFloat") return formatStringToFloatWithRounding(text, text, count), text;
-    if (function == "asFraction") return asFraction(text, std::strtod(text, nullptr));
+    if (function == "asFraction") return asFraction(text, tarntest::numberOf(text));
     if (function == "asReducedFraction") return asReducedFraction(text, text);
     if (function == "asUniformFraction") return asUniformFraction(text, text, number);
     if (function == "percent") return percentChange(text, std::stoi(cells[2]), text, second.c_str());
-    if (function == "asPercent") return asPercentChange(text, cells[2].c_str(), text, second.c_str());
+    if (function == "asPercent")
+        return tarntest::inCLocale(
+            [&] { return asPercentChange(text, cells[2].c_str(), text, second.c_str()); });
     if (function == "signChange") return signPriceChange(text) == number ? text : "another sign";
     if (function == "flipSign") return flipSign(text), text;
     for (const auto& [name, form] : forms)

@@ -6,9 +6,6 @@
 #if !defined(_WIN32)
 #include <fcntl.h>
 #include <sys/file.h>
-#include <sys/resource.h>
-
-#include <csignal>
 
 #include "tests/process.h"
 #endif
@@ -193,20 +190,6 @@ TEST_F(Files, DevicesAndFifosNeitherHangNorShare) {
     const Opened full = open("\\dev\\full", W), again = open("/dev/full", W, 0, CREATE_ALWAYS);
     EXPECT_FALSE(WriteFile(full.get(), "x", 1, &count, nullptr));
     EXPECT_TRUE(GetLastError() == ERROR_DISK_FULL && isOpen(again));
-}
-
-// The system writes up to the limit and tells no error; only going on shows that the rest doesn't fit.
-TEST_F(Files, AWriteThatStopsHalfwayHasFailed) {
-    rlimit before{};
-    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
-    const rlimit limited{1000, before.rlim_max};
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &limited), 0);
-    const Opened file = open(present, W, 0, CREATE_ALWAYS);
-    const BOOL result = WriteFile(file.get(), std::string(3000, 'x').data(), 3000, &count, nullptr);
-    ::setrlimit(RLIMIT_FSIZE, &before);
-    std::signal(SIGXFSZ, handler);
-    EXPECT_TRUE(!result && GetLastError() == ERROR_DISK_FULL && count == 1000);
 }
 
 TEST_F(Files, HandlesAreCountedAndNotInherited) {

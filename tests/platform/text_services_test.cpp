@@ -12,7 +12,7 @@ TEST(TextServices, NumbersShowTheirDigitsAndNoNeedlessOnes) {
     EXPECT_STREQ(_itoa(-2147483647 - 1, text, 10), "-2147483648");
     EXPECT_STREQ(_itoa(-1, text, 2), "11111111111111111111111111111111");
     for (const char* shown : {"0.1", "0.3333333333333333", "123456.789", "98.59999999999999"})
-        EXPECT_STREQ(_gcvt(std::strtod(shown, nullptr), 16, text), shown);
+        EXPECT_STREQ(_gcvt(tarntest::numberOf(shown), 16, text), shown);
     EXPECT_STREQ(_gcvt(98.6, 16, text), "98.59999999999999");
 }
 
