@@ -67,6 +67,7 @@ inline Owned valueOf(const std::string& notation) {
     const std::string content = notation.substr(colon + 1);
     Owned made = number(std::atoi(notation.c_str()), numberOf(content.c_str()));
     auto& payload = made.payload;
+    if (made.tag >= tagText && made.tag != tagNumber) payload = {};  // until there is something to own
     std::vector<std::pair<std::int32_t, MOLTVARIANT*>> elements;  // with the row or id in front
     if (made.tag == tagVector || made.tag >= tagList) {
         for (const std::string& each : elementsOf(content)) {
@@ -75,9 +76,8 @@ inline Owned valueOf(const std::string& notation) {
                                   element == "none" ? nullptr : valueOf(element).release());
         }
     }
-    if (content == "NULL") {
-        payload = {};
-    } else if (made.tag == tagText) {
+    if (content == "NULL") return made;
+    if (made.tag == tagText) {
         payload.text = newstr(content.c_str());
     } else if (made.tag == tagString) {
         payload.string = new tarnString(content.c_str());
