@@ -5,7 +5,7 @@
 
 - Every name of tests/shared/exports.txt stands on a page and has a comment.
 - The examples of the format pages are the files of tests/data, byte for byte.
-- Files, folders and anchors that a page names or links to exist, in the sources and in what Doxygen made of them.
+- Files, folders, anchors and tests that a page names or links to exist, in the sources and in what Doxygen made of them.
 """
 import collections
 import html.parser
@@ -128,7 +128,8 @@ def check_examples():
 FENCE = re.compile(r"^```.*?^```$", re.S | re.M)
 LINK = re.compile(r"\[[^\]]*\]\(([^)\s]+)\)")
 PATH = re.compile(r"`((?:[\w%-]+/)+(?:[\w%-]+\.(?:h|cpp|md|py|txt|dat|ini|mnu|dib))?)`")
-MADE = ("build/", "include/", "tarnutil/")  # not of the repository
+TEST = re.compile(r"`([A-Z]\w+\.[A-Z]\w+)`")
+MADE = ("build/", "include/", "share/", "tarnutil/")  # not of the repository
 
 
 def anchors(text):
@@ -137,8 +138,14 @@ def anchors(text):
         yield re.sub(r"[^\w -]", "", heading.lower()).replace(" ", "-")
 
 
+def test_names():
+    for path in pathlib.Path("tests").rglob("*_test.cpp"):
+        for suite, name in re.findall(r"^TEST(?:_F|_P)?\((\w+),\s*(\w+)\)", path.read_text(encoding="utf-8"), re.M):
+            yield f"{suite}.{name}"
+
+
 def check_links():
-    count, problems = 0, []
+    count, problems, tests = 0, [], set(test_names())
     listed = subprocess.run(["git", "ls-files", "--cached", "--others", "--exclude-standard", "*.md"],
                             capture_output=True, check=True, text=True).stdout
     for page in map(pathlib.Path, listed.splitlines()):
@@ -155,7 +162,11 @@ def check_links():
             count += 1
             if not name.startswith(MADE) and not any((base / name).exists() for base in (pathlib.Path(), page.parent)):
                 problems.append(f"{page}: {name} doesn't exist")
-    return f"{count} links and names of files", problems
+        for name in TEST.findall(text):
+            count += 1
+            if name not in tests:
+                problems.append(f"{page}: there is no test {name}")
+    return f"{count} links and names of files and tests", problems
 
 
 class Page(html.parser.HTMLParser):
