@@ -128,6 +128,7 @@ def check_examples():
 FENCE = re.compile(r"^```.*?^```$", re.S | re.M)
 LINK = re.compile(r"\[[^\]]*\]\(([^)\s]+)\)")
 PATH = re.compile(r"`((?:[\w%-]+/)+(?:[\w%-]+\.(?:h|cpp|md|py|txt|dat|ini|mnu|dib))?)`")
+BARE = re.compile(r"`([\w-]+\.(?:h|cpp|py|cmake))`")
 TEST = re.compile(r"`([A-Z]\w+\.[A-Z]\w+)`")
 MADE = ("build/", "include/", "share/", "tarnutil/")  # not of the repository
 
@@ -146,9 +147,10 @@ def test_names():
 
 def check_links():
     count, problems, tests = 0, [], set(test_names())
-    listed = subprocess.run(["git", "ls-files", "--cached", "--others", "--exclude-standard", "*.md"],
-                            capture_output=True, check=True, text=True).stdout
-    for page in map(pathlib.Path, listed.splitlines()):
+    listed = subprocess.run(["git", "ls-files", "--cached", "--others", "--exclude-standard"], capture_output=True,
+                            check=True, text=True).stdout
+    files = [pathlib.Path(line) for line in listed.splitlines()]
+    for page in (path for path in files if path.suffix == ".md"):
         text = FENCE.sub("", page.read_text(encoding="utf-8"))
         for link in LINK.findall(text):
             target, _, anchor = urllib.parse.unquote(link).partition("#")
@@ -162,6 +164,10 @@ def check_links():
             count += 1
             if not name.startswith(MADE) and not any((base / name).exists() for base in (pathlib.Path(), page.parent)):
                 problems.append(f"{page}: {name} doesn't exist")
+        for name in BARE.findall(text):
+            count += 1
+            if name not in {path.name for path in files}:
+                problems.append(f"{page}: there is no {name}")
         for name in TEST.findall(text):
             count += 1
             if name not in tests:
