@@ -33,6 +33,7 @@ class TARN_EXPORT tarnObject {
     tarnObject(const tarnObject&) = default;
     tarnObject& operator=(const tarnObject&) = default;
     virtual ~tarnObject();
+    // Free for the client.
     virtual std::int32_t objectHook1(std::int32_t first, std::int32_t second);
     virtual std::int32_t objectHook2(std::int32_t first, std::int32_t second);
     virtual std::int32_t objectHook3(std::int32_t argument);
@@ -164,6 +165,7 @@ class tarnTList {
     // Answers the item, 0 for an index out of range.
     [[nodiscard]] T getAt(std::int32_t index) const { return index >= count ? T{} : array->getAt(index); }
 
+    // Puts an item at the end.
     void add(T item) {
         array->insertAt(item, count);
         ++count;

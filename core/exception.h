@@ -20,8 +20,7 @@
 // The kind of a failure.  1 is the kind that is put to the user; the other values are the client's.
 enum TARN_EXCEPTION_TYPE : std::int32_t {};
 
-// Host interfaces, which the client implements.
-
+// Host interface, which the client implements: puts questions to the user.
 class TARN_EXPORT tarnUserDialog {
   public:
     virtual ~tarnUserDialog() = default;
@@ -29,6 +28,7 @@ class TARN_EXPORT tarnUserDialog {
     virtual std::int32_t askUser(const char* text, const char* question, std::int32_t style) = 0;
 };
 
+// Host interface, which the client implements: knows the type of each field.
 class TARN_EXPORT tarnFieldDictionary {
   public:
     virtual ~tarnFieldDictionary() = default;
@@ -37,13 +37,16 @@ class TARN_EXPORT tarnFieldDictionary {
     virtual std::int32_t getFieldType(std::int32_t id) = 0;
 };
 
+// Host interface, which the client implements: leads to the other two.
 class TARN_EXPORT tarnGlobalInterfaces {
   public:
     virtual ~tarnGlobalInterfaces() = default;
+    // Answer the client's own objects, or NULL where it has none.
     virtual tarnUserDialog* userDialog() = 0;
     virtual tarnFieldDictionary* fieldDictionary() = 0;
 };
 
+// A failure on its way to whoever puts it to the user.
 class TARN_EXPORT tarnException : public tarnObject {
   public:
     tarnString message;

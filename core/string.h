@@ -22,6 +22,7 @@ class TARN_EXPORT tarnString : public tarnObject {
     char* text;           // new char[]; read it freely, it changes with the string
     std::int32_t length;  // characters before the terminator
 
+    // Each makes a text of its own: an empty one, or a copy.
     tarnString();
     explicit tarnString(const char* source);
     tarnString(const tarnString& other);
@@ -50,6 +51,7 @@ class TARN_EXPORT tarnString : public tarnObject {
     // and NULL, empties the string.
     void assign(const MOLTVARIANT* value);
 
+    // Each puts a text at the end; a part of the string itself may be passed.
     void append(const char* source);
     void append(std::int32_t number);
     // Six decimals, trailing zeros included.
@@ -95,11 +97,12 @@ class TARN_EXPORT tarnBuffer {
     tarnBuffer& operator=(const tarnBuffer&) = delete;
     ~tarnBuffer();
 
-    // In all of these the bytes may lie in the buffer itself.
+    // --- Changes.  In all of these the bytes may lie in the buffer itself.
     // Bad input: NULL or a count below 0 changes nothing, and so does what would pass 2^31 - 1 bytes.
 
     // Overwrites bytes from `offset` on, if they all lie within `length`; otherwise changes nothing.
     void replace(const void* bytes, std::int32_t offset, std::int32_t count);
+    // Puts the bytes at the end.
     void append(const void* bytes, std::int32_t count);
     void append(const tarnBuffer& other);
     // Replaces the content.  Old bytes behind `count` stay in the block unless it had to grow.

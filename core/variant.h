@@ -55,6 +55,7 @@ enum tarnTag : std::int32_t {
     tagRecord = 22,
 };
 
+// One value.  The tag tells which member of the payload counts.
 struct TARN_EXPORT MOLTVARIANT {
     std::int32_t tag;
     union {

@@ -68,6 +68,7 @@ namespace tarn {
 class RecordLoader;
 }
 
+// One record.
 class TARN_EXPORT tarnEngineData : public tarnObject {
   public:
     MOLTVARIANT* root;      // the whole record as one value of tag 22
@@ -78,6 +79,7 @@ class TARN_EXPORT tarnEngineData : public tarnObject {
     eOperation dataType{};
     tarnFieldDescriptions* descriptions = nullptr;  // the client's, set by the client, not owned
 
+    // An empty record.
     tarnEngineData();
     // A deep copy of all fields, with the number of rows, `dataType` and `descriptions`; of NULL an empty
     // record.
@@ -152,6 +154,7 @@ class TARN_EXPORT tarnEngineData : public tarnObject {
     // or an empty value.  The record itself may be handed in.
     void appendMultiData(tarnEngineData* other);
 
+    // Read and write `numMulti`; no cell comes or goes.
     [[nodiscard]] std::int32_t getNumMulti() const;
     void setNumMulti(std::int32_t rows);
 
@@ -169,6 +172,7 @@ class TARN_EXPORT tarnEngineData : public tarnObject {
 
     // --- Operations and descriptions
 
+    // Writes `dataType`.
     void setDataType(eOperation operation);
 
     // Turns each text field, tag 10 or 17, into the type that the host's dictionary gives for its id; the

@@ -23,6 +23,7 @@ class TARN_EXPORT tarnOptionSymbol {
     char* sideText;         // "CALL" or "PUT"
     int sideType;           // 0 not read to the end, 1 the text ends behind the strike, 2 call, 3 put
 
+    // Each begins without a text; the second then takes one as setOptionSymbol does.
     tarnOptionSymbol();
     explicit tarnOptionSymbol(const char* text);
     tarnOptionSymbol(const tarnOptionSymbol&) = delete;

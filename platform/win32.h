@@ -88,6 +88,7 @@ constexpr DWORD ERROR_RESOURCE_DATA_NOT_FOUND = 1812;
 constexpr DWORD ERROR_RESOURCE_TYPE_NOT_FOUND = 1813;
 constexpr DWORD ERROR_RESOURCE_NAME_NOT_FOUND = 1814;
 
+// One word for the whole process, which an operation that fails sets.
 TARN_LINKAGE DWORD GetLastError();
 TARN_LINKAGE void SetLastError(DWORD code);
 
@@ -102,8 +103,7 @@ constexpr DWORD INVALID_SET_FILE_POINTER = 0xFFFFFFFF;
 
 constexpr DWORD GENERIC_READ = 0x80000000;
 constexpr DWORD GENERIC_WRITE = 0x40000000;
-constexpr DWORD FILE_SHARE_READ = 1;
-constexpr DWORD FILE_SHARE_WRITE = 2;
+constexpr DWORD FILE_SHARE_READ = 1, FILE_SHARE_WRITE = 2;
 constexpr DWORD CREATE_NEW = 1;
 constexpr DWORD CREATE_ALWAYS = 2;
 constexpr DWORD OPEN_EXISTING = 3;
@@ -116,16 +116,26 @@ constexpr DWORD FILE_CURRENT = 1;
 constexpr DWORD FILE_END = 2;
 constexpr DWORD MAX_PATH = 260;
 
-// `\` in a name counts as `/`.  Sharing modes hold between all opens that go through this layer, in this and
-// in other processes.  The security attributes, the template and the overlapped structure must be NULL.
+// Opens or makes a file.  `\` in a name counts as `/`.  Sharing modes hold between all opens that go through
+// this layer, in this and in other processes.  The security attributes and the template must be NULL.
+// Answers INVALID_HANDLE_VALUE if it fails.
+// Owner: the caller, CloseHandle.
 TARN_LINKAGE HANDLE CreateFileA(const char* name, DWORD access, DWORD share, SECURITY_ATTRIBUTES* security,
                                 DWORD creation, DWORD flags, HANDLE pattern);
+
+// Answer the low 32 bits of the size or the new position and give out the high ones, unless that argument is
+// NULL; -1 if it fails.
 TARN_LINKAGE DWORD GetFileSize(HANDLE file, DWORD* high);
 TARN_LINKAGE DWORD SetFilePointer(HANDLE file, LONG distance, LONG* distanceHigh, DWORD method);
+// Move bytes from or to the file's position and give out how many were moved: fewer at the end of the file,
+// or where the disk takes no more.  The overlapped structure must be NULL.
+// Answer FALSE for a fault of the device and for a handle without that access.
 TARN_LINKAGE BOOL ReadFile(HANDLE file, void* buffer, DWORD bytes, DWORD* bytesRead, OVERLAPPED* overlapped);
 TARN_LINKAGE BOOL WriteFile(HANDLE file, const void* buffer, DWORD bytes, DWORD* bytesWritten,
                             OVERLAPPED* overlapped);
+// Closes a file.  Answers FALSE for what is no open file.
 TARN_LINKAGE BOOL CloseHandle(HANDLE handle);
+// Answers the length without the NUL, or where the buffer is too small the size that it should have.
 TARN_LINKAGE DWORD GetCurrentDirectoryA(DWORD size, char* buffer);
 
 // ---------------------------------------------------------------------------------------------------- clock
@@ -134,7 +144,8 @@ struct SYSTEMTIME {
     WORD wYear, wMonth, wDayOfWeek, wDay, wHour, wMinute, wSecond, wMilliseconds;  // Sunday is 0
 };
 
-TARN_LINKAGE void GetSystemTime(SYSTEMTIME* time);  // Coordinated Universal Time
+// The first in Coordinated Universal Time, the second in the time zone of the environment.
+TARN_LINKAGE void GetSystemTime(SYSTEMTIME* time);
 TARN_LINKAGE void GetLocalTime(SYSTEMTIME* time);
 
 // ------------------------------------------------------------------------------------------ number and text
@@ -142,11 +153,13 @@ TARN_LINKAGE void GetLocalTime(SYSTEMTIME* time);
 // The radix runs from 2 to 36; only radix 10 writes a sign, every other shows the 32 bits as unsigned.
 TARN_LINKAGE char* _itoa(int value, char* buffer, int radix);
 TARN_LINKAGE char* _ltoa(LONG value, char* buffer, int radix);
+// Shows up to 17 significant digits, without trailing zeros; no point behind a whole number.
 TARN_LINKAGE char* _gcvt(double value, int digits, char* buffer);
 // Compare by unsigned bytes with A to Z folded; lstrcmpiA takes NULL, which stands before every text.
 TARN_LINKAGE int _stricmp(const char* a, const char* b);
 TARN_LINKAGE int _strnicmp(const char* a, const char* b, std::size_t length);
 TARN_LINKAGE int lstrcmpiA(const char* a, const char* b);
+// Answers the length of a text, of NULL 0.
 TARN_LINKAGE int lstrlenA(const char* text);
 
 // -------------------------------------------------------------------------------------------- profile files
@@ -215,47 +228,51 @@ constexpr DWORD REG_QWORD = 11;
 // below any root.  A name of a key holds 1 to 255 bytes, that of a value up to 16383, and a value 1 MiB; keys
 // go 512 deep.  Names count without the case of A to Z and keep the spelling that they were made with.
 //
-// All answer 0 or an error: 2 for what isn't there, 5 for a key that still has keys below it, 6 for no handle
-// of an open key, 87 for what is too long or too deep or has NULL where it can't be, 1015 for what lies in
-// the folder and isn't the registry's or is damaged, 1018 for a handle of a deleted key.  The access mask,
-// options and security attributes are not kept: every handle may do everything.
+// They answer 0 or an error: 2 for what isn't there, 5 for a key that still has keys below it, 6 for no
+// handle of an open key, 87 for what is too long or too deep or has NULL where it can't be, 1015 for what
+// lies in the folder and isn't the registry's or is damaged, 1018 for a handle of a deleted key.  The access
+// mask, options and security attributes are not kept: every handle may do everything.
+
+// Opens a key.
+// Owner: the caller, RegCloseKey.
 TARN_LINKAGE LSTATUS RegOpenKeyExA(HKEY key, const char* name, DWORD options, REGSAM access, HKEY* result);
-// Makes the parents too; the class text is given to the last key alone, and only if it is new.
+// Opens a key or makes it, and its parents too; the class text is given to the last key alone, and only if it
+// is new.
 TARN_LINKAGE LSTATUS RegCreateKeyExA(HKEY key, const char* name, DWORD reserved, char* classText,
                                      DWORD options, REGSAM access, const SECURITY_ATTRIBUTES* security,
                                      HKEY* result, DWORD* disposition);
+// Closes a handle; a root stays open.
 TARN_LINKAGE LSTATUS RegCloseKey(HKEY key);
+// Delete a key below this one, or a value of this one.
 TARN_LINKAGE LSTATUS RegDeleteKeyA(HKEY key, const char* name);
 TARN_LINKAGE LSTATUS RegDeleteValueA(HKEY key, const char* name);
-// Keys in the order of their names without case; 259 behind the last, 234 for too small a buffer.
+// Gives out a name of the keys below, in the order of their names without case; 259 behind the last, 234 for
+// too small a buffer.
 TARN_LINKAGE LSTATUS RegEnumKeyA(HKEY key, DWORD index, char* name, DWORD size);
+// Stores `size` bytes as they are, under any type.
 TARN_LINKAGE LSTATUS RegSetValueExA(HKEY key, const char* name, DWORD reserved, DWORD type, const BYTE* data,
                                     DWORD size);
-// A text that was stored without its NUL gets one where the buffer has room; 234 and the size for too small a
-// buffer, which then stays.
+// Reads a value.  A text that was stored without its NUL gets one where the buffer has room; 234 and the size
+// for too small a buffer, which then stays.
 TARN_LINKAGE LSTATUS RegQueryValueExA(HKEY key, const char* name, DWORD* reserved, DWORD* type, BYTE* data,
                                       DWORD* size);
 // Writes the key and its parents through to the disk.
 TARN_LINKAGE LSTATUS RegFlushKey(HKEY key);
-// Every out argument may be NULL.  Lengths are in bytes, those of names and classes without the NUL.
+// Counts what a key holds.  Every out argument may be NULL.  Lengths are in bytes, those of names and classes
+// without the NUL.
 TARN_LINKAGE LSTATUS RegQueryInfoKeyA(HKEY key, char* classText, DWORD* classSize, DWORD* reserved,
                                       DWORD* subKeys, DWORD* longestSubKey, DWORD* longestClass,
                                       DWORD* values, DWORD* longestValueName, DWORD* largestValue,
                                       DWORD* securityDescriptor, FILETIME* lastWriteTime);
 
-// ------------------------------------------------------------------------------------------------------
-// menus
+// ---------------------------------------------------------------------------------------------------- menus
 
 using HMENU = struct HMENU__*;
 using HBITMAP = struct HBITMAP__*;
 
-constexpr UINT MF_BYCOMMAND = 0;
-constexpr UINT MF_BYPOSITION = 0x400;
-constexpr UINT MF_STRING = 0;
-constexpr UINT MF_BITMAP = 4;
-constexpr UINT MF_GRAYED = 1;
-constexpr UINT MF_DISABLED = 2;
-constexpr UINT MF_CHECKED = 8;
+constexpr UINT MF_BYCOMMAND = 0, MF_BYPOSITION = 0x400;
+constexpr UINT MF_STRING = 0, MF_BITMAP = 4;
+constexpr UINT MF_GRAYED = 1, MF_DISABLED = 2, MF_CHECKED = 8;
 constexpr UINT MF_POPUP = 0x10;
 constexpr UINT MF_OWNERDRAW = 0x100;
 constexpr UINT MF_SEPARATOR = 0x800;
@@ -284,13 +301,19 @@ struct MENUITEMINFOA {
     HBITMAP hbmpItem;
 };
 
+// Makes a menu without entries.
+// Owner: the caller, DestroyMenu, until it is appended to another menu.
 TARN_LINKAGE HMENU CreatePopupMenu();
-// With MF_POPUP `id` is a menu, which goes with this one; with MF_OWNERDRAW `content` is the entry's data.
+// Adds an entry at the end.  With MF_POPUP `id` is a menu, which goes with this one; with MF_OWNERDRAW
+// `content` is the entry's data.
 TARN_LINKAGE BOOL AppendMenuA(HMENU menu, UINT flags, ULONG_PTR id, const char* content);
-// By command a menu is searched with all menus below it, depth first, and the first entry of that id is
-// taken.
+// Removes an entry, and its menu.  By command a menu is searched with all menus below it, depth first, and
+// the first entry of that id is taken.
 TARN_LINKAGE BOOL DeleteMenu(HMENU menu, UINT item, UINT flags);
-TARN_LINKAGE BOOL DestroyMenu(HMENU menu);  // and every menu below it
+// Destroys a menu and every menu below it.
+TARN_LINKAGE BOOL DestroyMenu(HMENU menu);
+// Read a menu back; the first three answer -1, -1 and NULL for what isn't there.  The state of a popup has
+// the number of its entries in bits 8 to 15.
 TARN_LINKAGE int GetMenuItemCount(HMENU menu);
 TARN_LINKAGE UINT GetMenuItemID(HMENU menu, int position);
 TARN_LINKAGE HMENU GetSubMenu(HMENU menu, int position);
@@ -381,46 +404,60 @@ struct BITMAPINFO {
     RGBQUAD bmiColors[1];
 };
 
+// Answer from the screen that platform/host.h describes: 0 for an unknown index.  Nothing is updated.
 TARN_LINKAGE int GetSystemMetrics(int index);
 TARN_LINKAGE COLORREF GetSysColor(int index);
 TARN_LINKAGE BOOL SystemParametersInfoA(UINT action, UINT size, void* out, UINT update);
 TARN_LINKAGE BOOL GetVersionExA(OSVERSIONINFOA* version);
 TARN_LINKAGE HWND GetDesktopWindow();
 
-// The screen's device context shows no pixels; those of a memory device context are its bitmap's.
+// Device contexts.  The screen's shows no pixels; those of a memory device context are its bitmap's.
+// Owner: the caller, ReleaseDC for GetDC and DeleteDC for CreateCompatibleDC.
 TARN_LINKAGE HDC GetDC(HWND window);
 TARN_LINKAGE int ReleaseDC(HWND window, HDC context);
 TARN_LINKAGE HDC CreateCompatibleDC(HDC context);
 TARN_LINKAGE BOOL DeleteDC(HDC context);
 TARN_LINKAGE int GetDeviceCaps(HDC context, int index);
-TARN_LINKAGE HGDIOBJ SelectObject(HDC context, HGDIOBJ object);  // bitmaps only
+// Put a bitmap or a palette into the context and answer the one that was there, NULL if it can't be done.
+TARN_LINKAGE HGDIOBJ SelectObject(HDC context, HGDIOBJ object);
 TARN_LINKAGE HPALETTE SelectPalette(HDC context, HPALETTE palette, BOOL background);
+// Answers 0: a true-colour screen maps no entries.
 TARN_LINKAGE UINT RealizePalette(HDC context);
+// Fill a rectangle, without its right column and lower row, and read one pixel: CLR_INVALID outside the
+// bitmap.
 TARN_LINKAGE BOOL SetRect(RECT* rectangle, int left, int top, int right, int bottom);
 TARN_LINKAGE int FillRect(HDC context, const RECT* rectangle, HBRUSH brush);
 TARN_LINKAGE COLORREF GetPixel(HDC context, int x, int y);
 
+// Make bitmaps, palettes and brushes; NULL if it can't be done.
+// Owner: the caller, DeleteObject.
 TARN_LINKAGE HBITMAP CreateCompatibleBitmap(HDC context, int width, int height);
 TARN_LINKAGE HBITMAP CreateDIBitmap(HDC context, const BITMAPINFOHEADER* header, DWORD flags,
                                     const void* pixels, const BITMAPINFO* info, UINT usage);
 TARN_LINKAGE HPALETTE CreatePalette(const LOGPALETTE* palette);
-TARN_LINKAGE UINT GetPaletteEntries(HPALETTE palette, UINT first, UINT count, PALETTEENTRY* entries);
 TARN_LINKAGE HBRUSH CreateSolidBrush(COLORREF color);
-TARN_LINKAGE int GetObjectA(HANDLE object, int size, void* out);  // bitmaps and palettes
-TARN_LINKAGE BOOL DeleteObject(HGDIOBJ object);                   // refused while a bitmap is selected
+// Read palettes and bitmaps back; 0 for what is neither.
+TARN_LINKAGE UINT GetPaletteEntries(HPALETTE palette, UINT first, UINT count, PALETTEENTRY* entries);
+TARN_LINKAGE int GetObjectA(HANDLE object, int size, void* out);
+// Releases an object; refused while a bitmap is selected.
+TARN_LINKAGE BOOL DeleteObject(HGDIOBJ object);
 
-// Resources are those of tarn::addResource; names are numbers, or texts like "#101".
+// Resources are those of tarn::addResource, which owns them; names are numbers, or texts like "#101".
+// Nothing has to be freed: FreeResource does nothing and answers FALSE.
 TARN_LINKAGE HRSRC FindResourceA(HINSTANCE module, const char* name, const char* type);
 TARN_LINKAGE HGLOBAL LoadResource(HINSTANCE module, HRSRC resource);
 TARN_LINKAGE void* LockResource(HGLOBAL resource);
 TARN_LINKAGE DWORD SizeofResource(HINSTANCE module, HRSRC resource);
 TARN_LINKAGE BOOL FreeResource(HGLOBAL resource);
+// Makes a bitmap of a resource.
+// Owner: the caller, DeleteObject.
 TARN_LINKAGE HBITMAP LoadBitmapA(HINSTANCE module, const char* name);
 
+// Blocks of memory, zeroed.  Those that are moveable count their locks.  The release answers NULL.
 TARN_LINKAGE HGLOBAL GlobalAlloc(UINT flags, std::size_t bytes);
 TARN_LINKAGE void* GlobalLock(HGLOBAL memory);
 TARN_LINKAGE BOOL GlobalUnlock(HGLOBAL memory);
-TARN_LINKAGE HGLOBAL GlobalFree(HGLOBAL memory);  // NULL when it is released
+TARN_LINKAGE HGLOBAL GlobalFree(HGLOBAL memory);
 TARN_LINKAGE HLOCAL LocalFree(HLOCAL memory);
 
 // ---------------------------------------------------------------------------------------- messages, modules
@@ -437,18 +474,26 @@ constexpr UINT SEM_FAILCRITICALERRORS = 1;
 constexpr UINT SEM_NOOPENFILEERRORBOX = 0x8000;
 constexpr DWORD DLL_PROCESS_ATTACH = 1;
 
-// With FORMAT_MESSAGE_ALLOCATE_BUFFER `buffer` is the address of a char*, which LocalFree releases.  Inserts
-// (%1) are never filled: a text that holds one is given with FORMAT_MESSAGE_IGNORE_INSERTS alone.
+// Gives out the text of an error code.  With FORMAT_MESSAGE_ALLOCATE_BUFFER `buffer` is the address of a
+// char*, which LocalFree releases.  Inserts (%1) are never filled: a text that holds one is given with
+// FORMAT_MESSAGE_IGNORE_INSERTS alone.
 TARN_LINKAGE DWORD FormatMessageA(DWORD flags, const void* source, DWORD code, DWORD language, char* buffer,
                                   DWORD size, std::va_list* arguments);
+// Shows a box: through tarn::setMessageBox, or on standard error, which answers IDOK.
 TARN_LINKAGE int MessageBoxA(HWND owner, const char* text, const char* caption, UINT style);
 
-// `file` may leave out the suffix ".so"; without a folder it is searched for where the system searches.
+// Loads a module, again for each call.  `file` may leave out the suffix ".so"; without a folder it is
+// searched for where the system searches.
+// Owner: the caller, FreeLibrary.
 TARN_LINKAGE HMODULE LoadLibraryA(const char* file);
-TARN_LINKAGE FARPROC GetProcAddress(HMODULE module, const char* name);  // NULL is the program itself
+// Finds a function; the module NULL is the program itself.
+TARN_LINKAGE FARPROC GetProcAddress(HMODULE module, const char* name);
+// Takes one load back.
 TARN_LINKAGE BOOL FreeLibrary(HMODULE module);
+// Does nothing; answers FALSE for what is no loaded module.
 TARN_LINKAGE BOOL DisableThreadLibraryCalls(HMODULE module);
-TARN_LINKAGE UINT SetErrorMode(UINT mode);  // answers the earlier mode
+// Keep a mode that nothing here reads; the first answers the earlier one.
+TARN_LINKAGE UINT SetErrorMode(UINT mode);
 TARN_LINKAGE UINT GetErrorMode();
 
 #endif

@@ -44,6 +44,7 @@ class TARN_EXPORT tarnParser {
     _link* tokens = nullptr;     // the list, owned
     char* delimiters = nullptr;  // ",\n\t\r", new char[]
 
+    // A parser without a text.
     tarnParser();
     tarnParser(const tarnParser&) = delete;
     tarnParser& operator=(const tarnParser&) = delete;

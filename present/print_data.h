@@ -43,8 +43,10 @@ struct _PrintStruct {
     tarnTList<_MultiPrintStruct*>* multiData = nullptr;  // NULL for an item that is no container
 };
 
+// One list of items.
 class TARN_EXPORT tarnPrintData {
   public:
+    // An empty list.
     tarnPrintData();
     tarnPrintData(const tarnPrintData&) = delete;
     tarnPrintData& operator=(const tarnPrintData&) = delete;

@@ -48,6 +48,7 @@ class TARN_EXPORT tarnMetrics {
     COLORREF clrBtnHighlight;
     std::int32_t paletteDisplay;  // 1 if the screen has a colour table, else 0
 
+    // Reads all fields.
     tarnMetrics();
 
     // Reads all fields again but osKind.
@@ -69,6 +70,7 @@ class TARN_EXPORT ItarnResourceMgr {
     virtual HDC getMemoryDC() = 0;                // a memory device context to draw with
 };
 
+// One bitmap with its palette.
 class TARN_EXPORT tarnBitmap {
   public:
     HINSTANCE instance = nullptr;  // the module that holds the resource

@@ -29,8 +29,10 @@ struct _IndexRecord {
     std::int32_t offset;   // of the first value in the data block; -1 until the first save
 };
 
+// One set of records.
 class TARN_EXPORT tarnIndexDataFile {
   public:
+    // An empty set.
     tarnIndexDataFile();
     tarnIndexDataFile(const tarnIndexDataFile&) = delete;
     tarnIndexDataFile& operator=(const tarnIndexDataFile&) = delete;

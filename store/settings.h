@@ -56,6 +56,7 @@ class TARN_EXPORT tarnIniFile {
     //   value  out: the number, or the default
     // Answers 0 where the default was taken: for a missing key, an empty value, and a stored -286331154.
     int readIniInt(const char* section, const char* key, int defaultValue, std::int32_t& value);
+    // Writes the number as decimal text.
     int writeIniInt(const char* section, const char* key, int value);
 
     // Reads a block of just `size` bytes, which lies in the file as hexadecimal text with a checksum.
@@ -89,6 +90,7 @@ class TARN_EXPORT tarnRegistry {
     // text "MOLT Settings".  A key that is open already isn't closed by this but forgotten, also when the
     // new one can't be opened: call closeKey first.  A NULL name changes nothing.
     int openKey(const char* name, int create);
+    // Closes the open key.
     int closeKey();
 
     // Deletes a key below the open key, which must have no keys below it.
@@ -96,6 +98,7 @@ class TARN_EXPORT tarnRegistry {
     // Deletes all keys below the key of that name, which is taken from the root and stays with its values.
     // Answers 0 only if there is no such key: single keys that can't be deleted aren't told.
     int deleteSubKeyTree(const char* name);
+    // Deletes a value of the open key.
     int deleteValue(const char* name);
     // Waits until the open key is on the disk.
     int flushKey();
@@ -105,6 +108,7 @@ class TARN_EXPORT tarnRegistry {
     // Stores a text with its NUL if `length` is 0; otherwise a list of texts of `length` bytes, which has to
     // hold all their NULs and one more.  NULL stores nothing.
     int set(const char* name, const char* text, std::uint32_t length);
+    // Stores `length` bytes.
     int setBinary(const char* name, const char* data, std::uint32_t length);
 
     // Read a value of any type if it fits, and answer 0, with the out argument as it was, if not.  How many
