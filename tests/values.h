@@ -68,7 +68,7 @@ inline Owned valueOf(const std::string& notation) {
     Owned made = number(std::atoi(notation.c_str()), numberOf(content.c_str()));
     auto& payload = made.payload;
     if (made.tag >= tagText && made.tag != tagNumber) payload = {};  // until there is something to own
-    std::vector<std::pair<std::int32_t, MOLTVARIANT*>> elements;  // with the row or id in front
+    std::vector<std::pair<std::int32_t, MOLTVARIANT*>> elements;     // with the row or id in front
     if (made.tag == tagVector || made.tag >= tagList) {
         for (const std::string& each : elementsOf(content)) {
             const std::string element = each.substr(each.find('=') < each.find(':') ? each.find('=') + 1 : 0);
