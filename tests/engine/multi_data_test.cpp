@@ -89,8 +89,8 @@ TEST(MultiDataTest, PositionsAreNotRowsWhileASortIsPending) {
 }
 
 // A record after a list of steps: what is done, a field and a row or two rows, a value.
-void work(tarnEngineData& record, const std::string& steps) {
-    for (const std::string& step : split(steps, ',')) {
+void work(tarnEngineData& record, const std::string& list) {
+    for (const std::string& step : split(list, ',')) {
         std::istringstream words(step);
         std::string done, notation;
         std::int32_t a = 0, b = 0;
@@ -107,27 +107,18 @@ void work(tarnEngineData& record, const std::string& steps) {
     }
 }
 
+constexpr char steps[] =
+#include "tests/engine/steps.txt"
+    ;
+
 TEST(MultiDataTest, StepsEndOtherwise) {
-    expectAnswers(R"(
-# A row that stands twice reads as the one stored first; a cell without a value is an empty one.
-rows:add 7 4 3:1,add 7 4 3:2|7[4:1,4:2,] 5;add 7 4 3:1,add 7 4 3:2,remove 7 4|7[4:2,] 5;store 7 2|7[2:,] 3
-rows:add 7 4 3:1,add 7 4 3:2,store 7 4 3:3|7[4:3,4:2,] 5;store 7 1 3:1,insert 7 1 3:2,insert 7 3|7[1:2,2:1,3:,] 4
-# Row numbers that don't exist change only the count; the count and a row above the highest wrap.
-rows:cut|-1;rows 7,remove 3 3|7;store 1 2147483647 3:1|1[2147483647:1,] -2147483648
-rows:store 1 2147483647 3:1,insert 1 5 3:2|1[-2147483648:1,5:2,] 6
-# Appended rows keep their distance.  An empty cell doesn't travel, nor do fields but -26, which is
-# overwritten by an empty value; of a column no more cells count than there are rows.
-append:store 1 0 3:0,store 1 1 3:1|store 2 2 3:7,store 1 0 3:8,store 1 1,field -26 0 10:x,field 5 0 10:x|1[0:0,1:1,2:8,] 2[4:7,] -26=x 5
-append:store 1 0 3:0,field -26 0 10:x|add 1 0 3:8,add 1 2 3:9,rows 1|1[0:0,1:8,] -26= 2
-rows:store 1 0 3:1,store 2 1 3:2,append,append|1[0:1,2:1,4:1,6:1,] 2[1:2,3:2,5:2,7:2,] -26= 8
-)",
-                  [](const std::string& kind, const std::vector<std::string>& cells) {
-                      tarnEngineData record, other;
-                      work(record, cells[0]);
-                      work(other, kind == "append" ? cells[1] : "");
-                      if (kind == "append") record.appendMultiData(&other);
-                      return shown(record);
-                  });
+    expectAnswers(steps, [](const std::string& kind, const std::vector<std::string>& cells) {
+        tarnEngineData record, other;
+        work(record, cells[0]);
+        work(other, kind == "append" ? cells[1] : "");
+        if (kind == "append") record.appendMultiData(&other);
+        return shown(record);
+    });
 }
 
 TEST(MultiDataTest, ACellTakesAViewOfItself) {
@@ -139,7 +130,7 @@ TEST(MultiDataTest, ACellTakesAViewOfItself) {
     record.storeMultiData(7, 0, &out, 0);
     record.getMultiData(7, 0, &out);
     record.insertMultiData(7, 0, &out);
-    EXPECT_EQ(shown(record), "7[0:abc,1:abc,2:,] 3");
+    EXPECT_EQ(shown(record), "7=21:[0=10:abc,1=10:abc,2=0:0] 3");
 }
 
 }  // namespace

@@ -7,26 +7,12 @@
 
 namespace tarntest {
 
-// What a record holds: "field=value column[row:value,...] rows", in order; a row without a value has a -.
+// What a record holds and how many rows, its columns sorted: "1=10:abc,7=21:[0=3:5,4=3:6] 5".
 inline std::string shown(const tarnEngineData& record) {
-    const auto textOf = [](const MOLTVARIANT* value) {
-        tarnString content("-");
-        if (value != nullptr) content.assign(value);
-        return std::string(content.text);
-    };
-    std::string out;
-    for (std::int32_t i = 0; i < record.fields->count; ++i) {
-        const MOLTVARIANT* const value = record.fields->values->getAt(i);
-        const bool column = value != nullptr && value->tag == tagMulti;
-        out += std::to_string(record.fields->ids->getAt(i)) + (column ? "[" : "=" + textOf(value));
-        if (column) value->payload.multi->nodes->sort();
-        for (std::int32_t c = 0; column && c < value->payload.multi->nodes->count; ++c) {
-            const nodeCell& cell = *value->payload.multi->nodes->cells[c];
-            out += std::to_string(cell.key.number) + ":" + textOf(cell.value) + ",";
-        }
-        out += column ? "] " : " ";
-    }
-    return out + std::to_string(record.numMulti);
+    for (std::int32_t i = 0; i < record.fields->count; ++i)
+        if (record.isMulti(i) != 0) record.fields->values->getAt(i)->payload.multi->nodes->sort();
+    const std::string fields = describe(record.root);
+    return fields.substr(4, fields.size() - 5) + " " + std::to_string(record.numMulti);
 }
 
 inline void storeLong(tarnEngineData& record, std::int32_t id, std::int32_t row, std::int32_t value,
