@@ -6,6 +6,7 @@
 #include <cstring>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "core/string.h"
@@ -20,6 +21,7 @@ struct Owned : MOLTVARIANT {
     Owned(Owned&& other) noexcept : MOLTVARIANT(other) { other.initContent(nullptr); }
     Owned(const Owned&) = delete;
     Owned& operator=(const Owned&) = delete;
+    Owned& operator=(Owned&& other) noexcept { return std::swap<MOLTVARIANT>(*this, other), *this; }
     ~Owned() { destroyContent(); }
 
     // Gives the value away, as a value made by new.

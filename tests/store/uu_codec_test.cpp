@@ -8,10 +8,12 @@
 #include <string>
 #include <vector>
 
-#include "store/uu_codec_paths.h"
+#include "tests/plain/base64.h"
 #include "tests/support.h"
 
 namespace {
+
+using tarnplain::alphabetOf;
 
 constexpr char guard = '\x5A';
 
@@ -29,46 +31,6 @@ std::string decoded(const std::string& text, int standard = 1) {
     std::vector<unsigned char> bytes((text.size() + 3) / 4 * 3);
     const int length = UUdecode(text.c_str(), bytes.data(), -1, standard);
     return std::string(bytes.begin(), bytes.begin() + length);
-}
-
-std::string_view alphabetOf(bool standard) {
-    return standard ? tarn::standardCharacters : tarn::variantCharacters;
-}
-
-std::vector<tarn::VectorLevel> levels() {
-    std::vector<tarn::VectorLevel> all{tarn::VectorLevel::none};
-    for (const auto level : {tarn::VectorLevel::avx2, tarn::VectorLevel::avx512}) {
-        if (level <= tarn::vectorLevel()) all.push_back(level);
-    }
-    return all;
-}
-
-// The told rules for one piece, character by character: the slow plain form.
-std::string plainPiece(const std::string& piece, std::string_view alphabet) {
-    std::size_t start = 0;
-    while (start < piece.size() && (piece[start] == ' ' || piece[start] == '\t')) ++start;
-    const auto value = [&](std::size_t i) {
-        const std::size_t at = start + i < piece.size() ? alphabet.find(piece[start + i]) : std::string::npos;
-        return static_cast<unsigned>(at == std::string::npos ? 64 : at);
-    };
-    std::size_t count = 0;
-    while (value(count) != 64) ++count;
-    const std::size_t groups = (count + 3) / 4;
-    std::string bytes;
-    for (std::size_t i = 0; i < 4 * groups; i += 4) {
-        bytes += static_cast<char>(value(i) << 2 | value(i + 1) >> 4);
-        bytes += static_cast<char>(value(i + 1) << 4 | value(i + 2) >> 2);
-        bytes += static_cast<char>(value(i + 2) << 6 | value(i + 3));
-    }
-    if (count % 4 != 0) bytes.erase(3 * groups - (value(4 * groups - 2) != 64 ? 1 : 2));
-    return bytes;
-}
-
-std::string plainDecoded(const std::string& text, std::string_view alphabet) {
-    if (text.size() < 64) return plainPiece(text, alphabet);
-    std::string bytes;
-    for (std::size_t at = 0; at < text.size(); at += 64) bytes += plainPiece(text.substr(at, 64), alphabet);
-    return bytes;
 }
 
 TEST(UuCodec, PublishedVectorsHoldBothWays) {
@@ -107,7 +69,7 @@ TEST(UuCodec, EveryPathEncodesEveryLength) {
     for (std::size_t size = 0; size < 300; ++size) {
         std::vector<unsigned char> bytes(size);  // of exactly this size
         for (auto& byte : bytes) byte = static_cast<unsigned char>(random());
-        for (const auto level : levels()) {
+        for (const auto level : tarnplain::codecLevels()) {
             for (const bool standard : {true, false}) {
                 const std::size_t length = 4 * ((size + 2) / 3);
                 std::string text(length + 33, guard);
@@ -115,7 +77,8 @@ TEST(UuCodec, EveryPathEncodesEveryLength) {
                 ASSERT_EQ(text.substr(length), '\0' + std::string(32, guard)) << size;
                 text.resize(length);
                 ASSERT_EQ(std::count(text.begin(), text.end(), '*'), (3 - size % 3) % 3);
-                ASSERT_EQ(plainDecoded(text, alphabetOf(standard)), std::string(bytes.begin(), bytes.end()))
+                ASSERT_EQ(tarnplain::decoded(text, alphabetOf(standard)),
+                          std::string(bytes.begin(), bytes.end()))
                     << size;
             }
         }
@@ -133,8 +96,8 @@ TEST(UuCodec, EveryPathDecodesAnyTextByTheToldPieces) {
             character = random() % oneIn != 0 ? alphabetOf(standard)[random() % 64] : junk;
         }
         std::fill_n(text.begin(), std::min<std::size_t>(random() % 4, text.size()), ' ');
-        const std::string expected = plainDecoded(text, alphabetOf(standard));
-        for (const auto level : levels()) {
+        const std::string expected = tarnplain::decoded(text, alphabetOf(standard));
+        for (const auto level : tarnplain::codecLevels()) {
             std::vector<unsigned char> bytes((text.size() + 3) / 4 * 3 + 8, guard);
             const std::size_t count = tarn::decodeText(text, bytes.data(), standard, level);
             ASSERT_EQ(std::string(bytes.data(), bytes.data() + count), expected) << text;
