@@ -24,15 +24,16 @@ class PlainReader {
   public:
     // As a file that is saved holds no more than a long's number, the rest of its payload may be left out.
     explicit PlainReader(std::string file, bool asSaved = false)
-        : rest_(std::move(file)), asSaved_(asSaved) {}
+        : file_(std::move(file)), asSaved_(asSaved) {}
 
     std::vector<PlainRecord> records();
 
   private:
-    bool has(std::uint64_t bytes) { return rest_.size() >= bytes; }
+    std::size_t left() { return file_.size() - at_; }
+    bool has(std::uint64_t bytes) { return left() >= bytes; }
     std::string take(std::size_t bytes) {
-        const std::string front = rest_.substr(0, bytes);
-        rest_.erase(0, bytes);
+        const std::string front = file_.substr(at_, bytes);
+        at_ += front.size();
         return front;
     }
     static std::uint32_t word(const std::string& bytes, std::size_t at = 0) {
@@ -46,7 +47,8 @@ class PlainReader {
     bool value(Owned& value, int depth, bool kept = true);
     bool vectorElements(Owned& value, int depth, bool kept);
 
-    std::string rest_;
+    std::string file_;
+    std::size_t at_ = 0;
     bool asSaved_;
     std::uint64_t places_ = 0;
 };
@@ -54,14 +56,14 @@ class PlainReader {
 std::vector<PlainRecord> PlainReader::index() {
     std::vector<PlainRecord> records;
     take(1);
-    const std::size_t headerSize = word(rest_);
-    const std::string header = rest_.substr(0, std::min<std::size_t>(headerSize, 12));
+    const std::size_t headerSize = word(file_, at_);
+    const std::string header = file_.substr(at_, std::min<std::size_t>(headerSize, 12));
     const std::uint64_t count = word(header, 8);
     if (!has(headerSize)) return records;
     take(headerSize);
     if (!has(16 * count)) return records;
     const std::string block = take(16 * static_cast<std::size_t>(count));
-    places_ = 1'000'000 + rest_.size() / 8;
+    places_ = 1'000'000 + left() / 8;
     for (std::size_t at = 0; at < block.size(); at += 16) {
         PlainRecord record{static_cast<std::int32_t>(word(block, at)),
                            static_cast<std::int32_t>(word(block, at + 4)),
@@ -84,11 +86,11 @@ std::vector<PlainRecord> PlainReader::index() {
 std::vector<PlainRecord> PlainReader::records() {
     std::vector<PlainRecord> records = index();
     for (PlainRecord& record : records) {
-        for (std::uint64_t i = 0; i < record.repeats && !rest_.empty(); ++i) {
+        for (std::uint64_t i = 0; i < record.repeats && left() > 0; ++i) {
             Owned read;
             if (!value(read, 1)) {
                 read.destroyContent();
-                rest_.clear();
+                at_ = file_.size();
             }
             record.values.push_back(std::move(read));
         }

@@ -61,23 +61,21 @@ inline void checkCopy(tarnEngineData& record) {
     requireSame(described(copy), expected, "a copy is equal");
 }
 
-// A record that is saved loads equal, but for what has no form in a file, and saves to the same bytes.
+// A record that is saved loads, but for what has no form in a file; that record loads equal and saves to the
+// same bytes.
 inline void checkSaving(tarnEngineData& record) {
     static const MemoryFile saved;
-    constexpr std::int64_t mostValues = 100'000;  // a column's file has a value for each row
+    constexpr std::int64_t mostValues = 5000;  // a column's file has a value for each row
     if (std::int64_t{record.getNumMulti()} * record.fields->count > mostValues) return;
     require(record.saveData(saved.path()) == 1, "a record saves");
     tarnEngineData loaded;
     require(loaded.loadData(saved.path(), loadReplace) == 1, "a saved record loads");
-    const std::string before = described(loaded), bytes = saved.content();
     require(loaded.saveData(saved.path()) == 1, "a loaded record saves");
+    const std::string bytes = saved.content();
     tarnEngineData again;
     require(again.loadData(saved.path(), loadReplace) == 1, "and loads");
-    requireSame(described(again), before, "equal");
-    require(again.saveData(saved.path()) == 1, "and saves again");
-    const std::string last = saved.content();
-    require(loaded.saveData(saved.path()) == 1 && saved.content() == last, "to the same bytes");
-    if (before == described(record)) require(last == bytes, "the first time too");
+    requireSame(described(again), described(loaded), "equal");
+    require(again.saveData(saved.path()) == 1 && saved.content() == bytes, "and saves to the same bytes");
 }
 
 // Loads the file twice, the second time in a mode of its own and into a record that has changed meanwhile.

@@ -200,6 +200,7 @@ SEEDS = {
         "moves": b"\0" + bytes(b for i in range(60) for b in ((0, 6, 4, 5, 6)[i % 5], 129 + i % 3, i * 37 % 256, i)),
         "wild": b"w" + b"".join(bytes([i, i]) + word(0x7FFFFFFF - i % 3) + word(-i) for i in range(30)),
         "wild_low": b"w" + b"".join(bytes([i, i]) + word(i % 5) + word(i % 7) for i in range(60)),
+        "wild_twice": b"w" + b"".join(bytes([171 + i % 4, 0]) + word(1 + i % 3) + word(0) for i in range(20)),
         "wild_negative": b"w" + b"".join(bytes([i % 6, i]) + word(-i * i) + word(0x80000000 + i) for i in range(60)),
     },
 }
