@@ -150,7 +150,7 @@ enum eNegType : std::int32_t {
 TARN_EXPORT void formatStringWithPattern(char* text, const char* pattern, char* target, eNegType negative);
 
 // Writes an amount as money: sign, "$" with style 1, the whole part in groups of three, the decimals as they
-// are.  A style other than 0 supplies missing ones: .00, or a 0 behind a single digit.
+// are, with a 0 behind a single digit.  A style other than 0 supplies missing ones as .00.
 // A text with a comma, or without a whole part, is taken over as it is; NULL and an empty text give "$0.00".
 // The text may be the target's own.
 // Example: ("-1234.5", 1) -> "-$1,234.50", and "-1,234.50" with 2.

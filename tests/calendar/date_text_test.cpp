@@ -4,14 +4,14 @@
 #include <optional>
 
 #include "calendar/market_calendar.h"
+#include "fuzz/plain/calendar.h"
 #include "tests/support.h"
 
 namespace {
 
-auto fieldsOf(std::tm& moment) {
-    return std::tie(moment.tm_sec, moment.tm_min, moment.tm_hour, moment.tm_mday, moment.tm_mon,
-                    moment.tm_year, moment.tm_wday, moment.tm_yday, moment.tm_isdst);
-}
+using tarnplain::fieldsOf;
+using tarnplain::mktimeOf32Bits;
+using tarnplain::scan;
 
 constexpr char examples[] =
 #include "tests/calendar/examples.txt"
@@ -52,29 +52,6 @@ TEST(CalendarText, ExampleAnswersOtherwise) {
     const tarntest::HeldClock clock(1999, 11, 30);
     const tarntest::HeldZone zone("UTC0");
     tarntest::expectAnswers(examples, answerOf);
-}
-
-std::int64_t mktimeOf32Bits(std::tm& moment) {
-    std::tm normalised = moment;
-    const std::int64_t seconds = std::mktime(&normalised);
-    if (seconds < 0 || seconds > INT32_MAX) return -1;
-    moment = normalised;
-    return seconds;
-}
-
-// gettmstruct on the C library's sscanf.
-void scan(const std::string& text, std::tm& out) {
-    out = {};
-    long long n[6] = {};
-    const auto found =
-        std::sscanf(text.c_str(), "%lld/%lld/%lld %lld:%lld:%lld", &n[0], &n[1], &n[2], &n[3], &n[4], &n[5]);
-    const std::size_t size = text.size();
-    if (found == -1 || (size != 8 && size != 10 && size != 17 && size != 19)) return;
-    if (size <= 10) n[3] = n[4] = n[5] = 0;
-    for (auto& number : n) number = std::clamp<long long>(number, INT32_MIN, INT32_MAX);
-    const long long month = n[0] == 0 ? 0 : std::max<long long>(n[0], -INT32_MAX) - 1;
-    fieldsOf(out) = std::tuple(n[5], n[4], n[3], n[1], month, n[2] > 1900 ? n[2] - 1900 : n[2], 0, 0, -1);
-    mktimeOf32Bits(out);
 }
 
 // Spoiled texts around the ends of 32-bit time and the hours that daylight saving skips and repeats.

@@ -5,6 +5,7 @@
 #include <bit>
 
 #include "core/variant.h"
+#include "fuzz/plain/price.h"
 #include "tests/support.h"
 
 namespace {
@@ -71,42 +72,6 @@ TEST(NumberTextTest, CutsStayWithinThirtyTwoBits) {
         EXPECT_EQ(tarn::cutToLong(number), cut);
 }
 
-// The told steps of a price, plainly.
-int plainPrice(const std::string& text, double& number) {
-    std::string kept;
-    char sign = '+';
-    for (const char c : text) {
-        if (c == ',') continue;
-        if (c == '+' || c == '-') {
-            sign = c;
-        } else if ((c == '.' || c == '/') && kept.find(c) != std::string::npos) {
-            return 0;
-        } else if (std::string_view("0123456789 ./").find(c) == std::string_view::npos) {
-            return 0;
-        } else {
-            kept += c;
-        }
-    }
-    kept.erase(0, std::min(kept.find_first_not_of(' '), kept.size()));
-    kept = sign + kept.erase(kept.find_last_not_of(' ') + 1);
-    const auto read = [&](std::size_t start) {
-        char* end = nullptr;
-        const double value = tarntest::numberOf(&kept[start], &end);
-        return end == &kept[start] ? 0.0 : value;  // some libraries keep the sign of a missing number
-    };
-    const auto none = std::string::npos, slash = kept.find('/'), blank = kept.find(' ');
-    if (slash == none && blank == none) number = read(0);
-    if (slash == none) return blank == none ? 1 : 0;
-    if (blank == none && kept.find('.') != none) return 0;
-    kept[slash] = '\0';
-    if (blank != none) kept[blank] = '\0';
-    const double below = read(slash + 1), above = read(blank == none ? 0 : blank + 1);
-    if (above == 0 || below == 0) return 0;
-    const double whole = blank == none ? 0 : read(0), fraction = above / below;
-    number = blank == none ? fraction : whole < 0 ? whole - fraction : whole + fraction;
-    return 1;
-}
-
 TEST(PriceTest, FastAndPlainReadingAgree) {
     std::mt19937 random(6);
     constexpr const char* alphabets[] = {"0123456789.", "0123 ./,-+", "12 /-.a"};
@@ -115,7 +80,7 @@ TEST(PriceTest, FastAndPlainReadingAgree) {
         const std::string blanks(i % 500 == 0 ? 300 : 0, ' '),
             text = blanks + tarntest::randomText(random, alphabets[i % 3], 13) + blanks;
         double expected = number = 77;
-        ASSERT_EQ(convertToDouble(text.c_str(), number), plainPrice(text, expected)) << text;
+        ASSERT_EQ(convertToDouble(text.c_str(), number), tarnplain::price(text, expected)) << text;
         ASSERT_EQ(bitsOf(number), bitsOf(expected)) << text;
     }
     EXPECT_TRUE(convertToDouble(nullptr, number) == 1 && number == 0);

@@ -1,42 +1,18 @@
 // Columns of rows: engine/multi_data.cpp and engine/column.cpp.
 
-#include <map>
-
+#include "fuzz/plain/column.h"
 #include "tests/engine/shown.h"
 
 namespace {
 
 using namespace tarntest;
 
-constexpr std::int32_t noValue = -1;
-
-using Column = std::map<std::int32_t, std::int32_t>;  // rows with numbers as values
-
-void shift(Column& column, std::int32_t from, std::int32_t by) {
-    Column shifted;
-    for (const auto& [row, value] : column) shifted[row >= from ? row + by : row] = value;
-    column = shifted;
-}
-
-// What a row was taken from, noValue for a gap; the rows behind it close up.
-std::int32_t taken(Column& column, std::int32_t row) {
-    const std::int32_t value = column.contains(row) ? column[row] : noValue;
-    column.erase(row);
-    shift(column, row, -1);
-    return value;
-}
-
-void put(Column& column, std::int32_t row, std::int32_t value) {
-    shift(column, row, 1);
-    column[row] = value;
-}
-
 TEST(MultiDataTest, RandomWorkMatchesAModel) {
     std::mt19937 random(8);
     const auto below = [&](unsigned limit) { return static_cast<std::int32_t>(random() % limit); };
     for (int round = 0; round < 30; ++round) {
         tarnEngineData record;
-        std::map<std::int32_t, Column> model;
+        std::map<std::int32_t, tarnplain::Column<std::int32_t>> model;
         std::int32_t rows = 0;
         for (std::int32_t step = 0; step < 300; ++step) {
             const std::int32_t id = below(3), other = below(12), work = below(8);
@@ -48,18 +24,19 @@ TEST(MultiDataTest, RandomWorkMatchesAModel) {
                 rows = std::max(rows, row + 1);
             } else if (work == 3) {
                 record.insertMultiData(id, row, &value);
-                put(model[id], row, step);
+                tarnplain::put(model[id], row, std::optional(step));
                 rows = std::max(rows, model[id].rbegin()->first + 1);
             } else if (work == 4) {
                 record.removeMultiData(id, row);
                 if (model.contains(id)) model[id].erase(row);
             } else if (work == 5 && rows != 0) {
                 record.removeMultiData(row);
-                for (auto& [key, column] : model) taken(column, row);
+                for (auto& [key, column] : model) tarnplain::taken(column, row);
                 --rows;
             } else if (work > 5) {
                 record.moveMultiData(row, other);
-                for (auto& [key, column] : model) put(column, other, taken(column, row));
+                for (auto& [key, column] : model)
+                    tarnplain::put(column, other, tarnplain::taken(column, row));
             }
             ASSERT_EQ(record.getNumMulti(), rows);
             for (const auto& [key, column] : model) {
@@ -67,8 +44,8 @@ TEST(MultiDataTest, RandomWorkMatchesAModel) {
                     MOLTVARIANT out;
                     const bool found = record.getMultiData(key, r, &out) >= 0;
                     const auto cell = column.find(r);
-                    ASSERT_EQ(found, cell != column.end() && cell->second != noValue);
-                    ASSERT_EQ(out.payload.longValue, found ? cell->second : 0);
+                    ASSERT_EQ(found, cell != column.end() && cell->second.has_value());
+                    ASSERT_EQ(out.payload.longValue, found ? *cell->second : 0);
                 }
             }
         }

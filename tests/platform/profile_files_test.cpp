@@ -1,6 +1,7 @@
 // Ini files: platform/profile_files.cpp, profile_text.cpp, profile_encoding.cpp and atomic_file.cpp, and the
 // system's own on Windows.
 
+#include "fuzz/plain/profile.h"
 #include "platform/profile_text.h"
 #include "platform/sha256.h"
 #include "tests/process.h"
@@ -148,28 +149,6 @@ TEST_F(ProfileFiles, AFileThatIsHeldReadsAsMissingAndIsNotWritten) {
 
 #if !defined(_WIN32)
 
-// What findValue has to answer, the slow and plain way.
-std::optional<std::string> plainFind(std::string text, const std::string& key) {
-    const auto trim = [](std::string part) {
-        part.erase(0, part.find_first_not_of(' '));
-        return part.erase(part.find_last_not_of(' ') + 1);
-    };
-    bool inside = false;
-    std::replace(text.begin(), text.end(), '\r', '\n');
-    std::istringstream stream(text);
-    for (std::string line; std::getline(stream, line);) {
-        line = trim(line);
-        const std::size_t sign = line.find('=');
-        if (line[0] == '[') {
-            if (inside) return std::nullopt;
-            inside = trim(line.substr(1, std::min(line.rfind(']'), line.size()) - 1)) == "s";
-        } else if (inside && line[0] != ';' && sign < line.size() && trim(line.substr(0, sign)) == key) {
-            return trim(line.substr(sign + 1));
-        }
-    }
-    return std::nullopt;
-}
-
 TEST(ProfileText, FastAndPlainReaderAgreeOnRandomTexts) {
     const std::array pieces = {"[s]", "[",  "]", "=",  ";", " ",  "\r\n",
                                "\n",  "\r", "a", "ab", "s", "b=", "a=b"};
@@ -180,10 +159,12 @@ TEST(ProfileText, FastAndPlainReaderAgreeOnRandomTexts) {
         for (auto n = random() % 60; n > 0; --n) text += pieces[random() % std::size(pieces)];
         for (const char* key : {"a", "ab", "b", ""}) {
             const auto fast = tarn::profile::findValue(text, "s", key);
-            ASSERT_EQ(fast ? std::optional(std::string(*fast)) : std::nullopt, plainFind(text, key)) << text;
+            ASSERT_EQ(fast ? std::optional(std::string(*fast)) : std::nullopt,
+                      tarnplain::profileValue(text, "s", key))
+                << text;
             found += fast ? 1 : 0;
             const auto written = tarn::profile::withValue(text, "s", key, "new");
-            EXPECT_TRUE(!written || plainFind(*written, key) == "new") << text;
+            EXPECT_TRUE(!written || tarnplain::profileValue(*written, "s", key) == "new") << text;
             const auto removed = tarn::profile::withoutKey(written.value_or(text), "s", key);
             EXPECT_TRUE(removed && removed->size() < written.value_or(text).size()) << text;
         }

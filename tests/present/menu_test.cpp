@@ -2,10 +2,13 @@
 // present/menu_definition.cpp.
 
 #include "present/menu.h"
+#include "fuzz/plain/menu_shape.h"
 #include "store/file_tools.h"
 #include "tests/support.h"
 
 namespace {
+
+using tarnplain::shape;
 
 constexpr char menuTexts[] =
 #include "tests/present/menus.txt"
@@ -23,17 +26,6 @@ struct Menu {
         root = parser.getMenuDef(folder.file("menu").c_str(), scrambled);
     }
 };
-
-std::string shape(const tarnMenuDef& node) {
-    if (node.kind == 3) return "-";
-    std::string text =
-        node.label == nullptr ? "?" : std::string(node.label, static_cast<std::size_t>(node.labelLength));
-    text += '#' + std::to_string(node.number);
-    if (node.kind == 2) return text + '=' + std::to_string(node.id) + '\'' + node.extra + '\'';
-    text += '(';
-    for (std::int32_t i = 0; i < node.childCount; ++i) text += shape(*node.getChild(i)) + ' ';
-    return text + ')';
-}
 
 std::string answerOf(const std::string& function, const std::vector<std::string>& cells) {
     const Menu menu(cells[0], function == "scrambled" ? 1 : 0);

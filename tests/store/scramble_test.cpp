@@ -2,26 +2,12 @@
 
 #include "store/scramble.h"
 
+#include "fuzz/plain/scramble.h"
+#include "fuzz/plain/vector_levels.h"
 #include "store/file_tools.h"
 #include "tests/support.h"
-#include "tests/vector_levels.h"
 
 namespace {
-
-// The told steps, taken one by one: the slow plain form.
-void scrambleByTheSteps(std::string& data, std::size_t size) {
-    for (std::size_t block = 0; block < size / 16; ++block) {
-        const std::size_t span = block * 16 - (block == 0 ? 0 : 1);
-        for (std::size_t k = 0; k < 16; ++k) {
-            const std::uint8_t entry = tarn::scrambleTable[k];
-            char& p = data[span + k];
-            char& q = data[span + entry];
-            std::swap(p, q);
-            p = static_cast<char>(p + entry);
-            q = static_cast<char>(q + entry);
-        }
-    }
-}
 
 TEST(Scramble, EveryPathTakesTheToldStepsAndBack) {
     std::mt19937 random(1);
@@ -30,8 +16,8 @@ TEST(Scramble, EveryPathTakesTheToldStepsAndBack) {
         std::string plain(size + 20, '\0');  // 20 bytes that nothing may touch
         for (char& character : plain) character = static_cast<char>(random());
         std::string expected = plain;
-        scrambleByTheSteps(expected, size);
-        for (const auto level : tarntest::vectorLevels()) {
+        tarnplain::scramble(expected, size);
+        for (const auto level : tarnplain::vectorLevels()) {
             std::string data = plain;
             tarn::scrambleBytes(data.data(), size, level);
             ASSERT_EQ(data, expected) << size << " by level " << static_cast<int>(level);

@@ -2,13 +2,15 @@
 
 #include "store/uu_codec.h"
 
-#include "store/uu_codec_paths.h"
+#include "fuzz/plain/base64.h"
+#include "fuzz/plain/vector_levels.h"
 #include "tests/support.h"
-#include "tests/vector_levels.h"
 
 using namespace std::string_literals;
 
 namespace {
+
+using tarnplain::alphabetOf;
 
 constexpr char guard = '\x5A';
 
@@ -26,38 +28,6 @@ std::string decoded(const std::string& text, int standard = 1) {
     std::vector<unsigned char> bytes((text.size() + 3) / 4 * 3);
     const int length = UUdecode(text.c_str(), bytes.data(), -1, standard);
     return std::string(bytes.begin(), bytes.begin() + length);
-}
-
-std::string_view alphabetOf(bool standard) {
-    return standard ? tarn::standardCharacters : tarn::variantCharacters;
-}
-
-// The told rules for one piece, character by character: the slow plain form.
-std::string plainPiece(const std::string& piece, std::string_view alphabet) {
-    std::size_t start = 0;
-    while (start < piece.size() && (piece[start] == ' ' || piece[start] == '\t')) ++start;
-    const auto value = [&](std::size_t i) {
-        const std::size_t at = start + i < piece.size() ? alphabet.find(piece[start + i]) : std::string::npos;
-        return static_cast<unsigned>(at == std::string::npos ? 64 : at);
-    };
-    std::size_t count = 0;
-    while (value(count) != 64) ++count;
-    const std::size_t groups = (count + 3) / 4;
-    std::string bytes;
-    for (std::size_t i = 0; i < 4 * groups; i += 4) {
-        bytes += static_cast<char>(value(i) << 2 | value(i + 1) >> 4);
-        bytes += static_cast<char>(value(i + 1) << 4 | value(i + 2) >> 2);
-        bytes += static_cast<char>(value(i + 2) << 6 | value(i + 3));
-    }
-    if (count % 4 != 0) bytes.erase(3 * groups - (value(4 * groups - 2) != 64 ? 1 : 2));
-    return bytes;
-}
-
-std::string plainDecoded(const std::string& text, std::string_view alphabet) {
-    if (text.size() < 64) return plainPiece(text, alphabet);
-    std::string bytes;
-    for (std::size_t at = 0; at < text.size(); at += 64) bytes += plainPiece(text.substr(at, 64), alphabet);
-    return bytes;
 }
 
 TEST(UuCodec, PublishedVectorsHoldBothWaysAndOddEndsFollowTheThirdCharacter) {
@@ -92,8 +62,8 @@ TEST(UuCodec, EveryPathDecodesAnyTextByTheToldPiecesAndEncodesWhatItGave) {
             character = random() % oneIn != 0 ? alphabetOf(standard)[random() % 64] : junk;
         }
         std::fill_n(text.begin(), std::min<std::size_t>(random() % 4, text.size()), ' ');
-        const std::string expected = plainDecoded(text, alphabetOf(standard));
-        for (const auto level : tarntest::vectorLevels()) {
+        const std::string expected = tarnplain::decoded(text, alphabetOf(standard));
+        for (const auto level : tarnplain::vectorLevels()) {
             std::vector<unsigned char> bytes((text.size() + 3) / 4 * 3 + 8, guard);
             const std::size_t count = tarn::decodeText(text, bytes.data(), standard, level);
             ASSERT_EQ(std::string(bytes.data(), bytes.data() + count), expected) << text;
@@ -105,7 +75,7 @@ TEST(UuCodec, EveryPathDecodesAnyTextByTheToldPiecesAndEncodesWhatItGave) {
             ASSERT_EQ(back.substr(length), '\0' + std::string(32, guard)) << count;
             back.resize(length);
             ASSERT_EQ(std::count(back.begin(), back.end(), '*'), (3 - count % 3) % 3);
-            ASSERT_EQ(plainDecoded(back, alphabetOf(standard)), expected) << count;
+            ASSERT_EQ(tarnplain::decoded(back, alphabetOf(standard)), expected) << count;
         }
     }
     // The way from the outside, beyond one stretch of the search for the text's end.

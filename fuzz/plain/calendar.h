@@ -1,0 +1,65 @@
+#pragma once
+
+// Slow plain forms of calendar/market_calendar.h, for tests and fuzz targets.  The weekdays come from
+// std::chrono.
+
+#include <algorithm>
+#include <chrono>
+#include <cstdint>
+#include <cstdio>
+#include <ctime>
+#include <span>
+#include <string>
+#include <tuple>
+
+namespace tarnplain {
+
+constexpr int closings[] = {
+#include "tests/calendar/closings.txt"
+};
+constexpr int unsettled[] = {19981111, 19991011, 19991111, 20001011};
+
+// Markets are closed on the closings; business days don't count on the other days either.
+inline bool trades(std::chrono::year_month_day date, std::span<const int> closed = closings) {
+    const int number =
+        int{date.year()} * 10000 + static_cast<int>(unsigned{date.month()} * 100 + unsigned{date.day()});
+    return date.ok() && std::chrono::weekday(date).c_encoding() % 6 != 0 &&
+           std::ranges::count(closed, number) == 0;
+}
+
+// The `count`th business day after or, below 0, before a day, by a walk.
+inline std::chrono::sys_days settlementDay(std::chrono::sys_days day, int count) {
+    for (int left = std::abs(count); left > 0; left -= trades(day) && trades(day, unsettled) ? 1 : 0)
+        day += std::chrono::days(count < 0 ? -1 : 1);
+    return day;
+}
+
+inline auto fieldsOf(std::tm& moment) {
+    return std::tie(moment.tm_sec, moment.tm_min, moment.tm_hour, moment.tm_mday, moment.tm_mon,
+                    moment.tm_year, moment.tm_wday, moment.tm_yday, moment.tm_isdst);
+}
+
+inline std::int64_t mktimeOf32Bits(std::tm& moment) {
+    std::tm normalised = moment;
+    const std::int64_t seconds = std::mktime(&normalised);
+    if (seconds < 0 || seconds > INT32_MAX) return -1;
+    moment = normalised;
+    return seconds;
+}
+
+// gettmstruct on the C library's sscanf.
+inline void scan(const std::string& text, std::tm& out) {
+    out = {};
+    long long n[6] = {};
+    const auto found =
+        std::sscanf(text.c_str(), "%lld/%lld/%lld %lld:%lld:%lld", &n[0], &n[1], &n[2], &n[3], &n[4], &n[5]);
+    const std::size_t size = text.size();
+    if (found == -1 || (size != 8 && size != 10 && size != 17 && size != 19)) return;
+    if (size <= 10) n[3] = n[4] = n[5] = 0;
+    for (auto& number : n) number = std::clamp<long long>(number, INT32_MIN, INT32_MAX);
+    const long long month = n[0] == 0 ? 0 : std::max<long long>(n[0], -INT32_MAX) - 1;
+    fieldsOf(out) = std::tuple(n[5], n[4], n[3], n[1], month, n[2] > 1900 ? n[2] - 1900 : n[2], 0, 0, -1);
+    mktimeOf32Bits(out);
+}
+
+}  // namespace tarnplain

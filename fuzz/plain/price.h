@@ -1,0 +1,48 @@
+#pragma once
+
+// The slow plain form of convertToDouble, for tests and fuzz targets.
+
+#include <algorithm>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+namespace tarnplain {
+
+// The told steps of a price.
+inline int price(const std::string& text, double& number) {
+    std::string kept;
+    char sign = '+';
+    for (const char c : text) {
+        if (c == ',') continue;
+        if (c == '+' || c == '-') {
+            sign = c;
+        } else if ((c == '.' || c == '/') && kept.find(c) != std::string::npos) {
+            return 0;
+        } else if (std::string_view("0123456789 ./").find(c) == std::string_view::npos) {
+            return 0;
+        } else {
+            kept += c;
+        }
+    }
+    kept.erase(0, std::min(kept.find_first_not_of(' '), kept.size()));
+    kept = sign + kept.erase(kept.find_last_not_of(' ') + 1);
+    const auto read = [&](std::size_t start) {
+        char* end = nullptr;
+        const double value = std::strtod(&kept[start], &end);
+        return end == &kept[start] ? 0.0 : value;  // some libraries keep the sign of a missing number
+    };
+    const auto none = std::string::npos, slash = kept.find('/'), blank = kept.find(' ');
+    if (slash == none && blank == none) number = read(0);
+    if (slash == none) return blank == none ? 1 : 0;
+    if (blank == none && kept.find('.') != none) return 0;
+    kept[slash] = '\0';
+    if (blank != none) kept[blank] = '\0';
+    const double below = read(slash + 1), above = read(blank == none ? 0 : blank + 1);
+    if (above == 0 || below == 0) return 0;
+    const double whole = blank == none ? 0 : read(0), fraction = above / below;
+    number = blank == none ? fraction : whole < 0 ? whole - fraction : whole + fraction;
+    return 1;
+}
+
+}  // namespace tarnplain
