@@ -8,7 +8,7 @@
 
 #include <thread>
 
-#include "tests/faults/families.h"
+#include "fuzz/faults/families.h"
 
 using tarntest::families;
 

@@ -7,7 +7,7 @@
 
 #include <new>
 
-#include "tests/faults/families.h"
+#include "fuzz/faults/families.h"
 
 namespace {
 

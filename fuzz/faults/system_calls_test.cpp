@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <functional>
 
-#include "tests/faults/families.h"
+#include "fuzz/faults/families.h"
 #include "tests/process.h"
 
 namespace {
