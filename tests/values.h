@@ -6,9 +6,9 @@
 // 13:[10:a,13:[],3:1] a vector of three, 20:[none] a list whose one element is missing.  A column and a
 // record have each element's row or id in front: 21:[0=3:7,4=3:9].
 
-#include <bit>
 #include <charconv>
 
+#include "core/byte_order.h"
 #include "core/string.h"
 #include "core/variant.h"
 #include "tests/support.h"
@@ -41,7 +41,10 @@ inline Owned number(std::int32_t tag, double value) {
         case tagUShort: made.payload.ushortValue = static_cast<std::uint16_t>(whole); break;
         case tagByte:
         case tagChar: made.payload.byteValue = static_cast<std::uint8_t>(whole); break;
-        default: made.payload.longValue = whole; break;
+        case tagLong:
+        case tagWord:
+        case tagNumber: made.payload.longValue = whole; break;
+        default: tarn::storeWord(made.payload.plain, static_cast<std::uint32_t>(whole)); break;
     }
     return made;
 }
@@ -67,8 +70,9 @@ inline Owned valueOf(const std::string& notation) {
     const std::string content = notation.substr(colon + 1);
     Owned made = number(std::atoi(notation.c_str()), numberOf(content.c_str()));
     auto& payload = made.payload;
-    if (made.tag >= tagText && made.tag != tagNumber) payload = {};  // until there is something to own
-    std::vector<std::pair<std::int32_t, MOLTVARIANT*>> elements;     // with the row or id in front
+    if (made.tag >= tagText && made.tag != tagNumber)  // until there is something to own
+        std::memset(static_cast<void*>(&payload), 0, sizeof payload);
+    std::vector<std::pair<std::int32_t, MOLTVARIANT*>> elements;  // with the row or id in front
     if (made.tag == tagVector || made.tag >= tagList) {
         for (const std::string& each : elementsOf(content)) {
             const std::string element = each.substr(each.find('=') < each.find(':') ? each.find('=') + 1 : 0);
@@ -155,7 +159,8 @@ inline std::string describe(const MOLTVARIANT* value) {
                 add(std::to_string(payload.record->ids->getAt(i)) + "=" +
                     describe(payload.record->values->getAt(i)));
             break;
-        default: return tag + std::to_string(std::bit_cast<std::int64_t>(payload.plain));
+        default:
+            return tag + std::to_string(static_cast<std::int64_t>(tarn::loadLittleEndian(payload.plain, 8)));
     }
     return tag + "[" + list + "]";
 }

@@ -34,17 +34,11 @@ TEST(StoredFiles, RecordsHoldWhatWasWritten) {
 }
 
 TEST(StoredFiles, ValuesOfEveryTagHoldWhatWasWritten) {
-    const auto plain = [](const char* bytes) {
-        std::int64_t number = 0;
-        std::memcpy(&number, bytes, sizeof number);
-        return std::to_string(number);
-    };
     const std::string expected =
-        "0:0;1:200;2:-300;3:100000;4:0.75;5:-0.1;6:-2;7:15230;8:70000;9:" + plain("\1\2\3\4\5\6\7\10") +
-        ";10:12 1/2;11:<233><8364>;12:" + plain("\11\12\13\14\15\16\17\20") +
-        std::string(";14:-7;15:\0\xFF\x40", 13) +
-        ";17:\xE9t\xE9;18:" + plain("\x80\x80\x80\x80\x80\x80\x80\x80") + ";19:" + plain("12345678") +
-        ";13:[3:1,10:two];";
+        "0:0;1:200;2:-300;3:100000;4:0.75;5:-0.1;6:-2;7:15230;8:70000;9:578437695752307201;10:12 1/2;"
+        "11:<233><8364>;12:1157159078456920585;14:-7;15:" +
+        std::string("\0\xFF\x40", 3) +
+        ";17:\xE9t\xE9;18:-9187201950435737472;19:4050765991979987505;13:[3:1,10:two];";
     std::string found;
     const TemporaryFolder folder;
     tarnIndexDataFile file;
