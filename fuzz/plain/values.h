@@ -7,12 +7,12 @@
 // record have each element's row or id in front: 21:[0=3:7,4=3:9].
 
 #include <algorithm>
-#include <bit>
 #include <charconv>
 #include <string>
 #include <string_view>
 #include <utility>
 
+#include "core/byte_order.h"
 #include "core/string.h"
 #include "core/variant.h"
 
@@ -45,7 +45,10 @@ inline Owned number(std::int32_t tag, double value) {
         case tagUShort: made.payload.ushortValue = static_cast<std::uint16_t>(whole); break;
         case tagByte:
         case tagChar: made.payload.byteValue = static_cast<std::uint8_t>(whole); break;
-        default: made.payload.longValue = whole; break;
+        case tagLong:
+        case tagWord:
+        case tagNumber: made.payload.longValue = whole; break;
+        default: tarn::storeWord(made.payload.plain, static_cast<std::uint32_t>(whole)); break;
     }
     return made;
 }
@@ -127,7 +130,8 @@ inline std::string describe(const MOLTVARIANT* value) {
                 add(std::to_string(payload.record->ids->getAt(i)) + "=" +
                     describe(payload.record->values->getAt(i)));
             break;
-        default: return tag + std::to_string(std::bit_cast<std::int64_t>(payload.plain));
+        default:
+            return tag + std::to_string(static_cast<std::int64_t>(tarn::loadLittleEndian(payload.plain, 8)));
     }
     return tag + "[" + list + "]";
 }

@@ -86,11 +86,10 @@ TEST(Bitmap, PackedResourcesGiveTheirPixelsAndNoneIsReadOutside) {
                                                             {37, BI_RLE4, room + 1},
                                                             {-37, BI_RGB, 0}}) {
             auto bent = packed.bytes;
-            BITMAPINFOHEADER header{};
-            std::memcpy(&header, bent.data(), sizeof header);
-            header.biWidth = width, header.biCompression = compression, header.biSizeImage = imageSize;
-            header.biHeight = compression == BI_RGB ? 6 : 1000;
-            std::memcpy(bent.data(), &header, sizeof header);
+            const std::int64_t words[] = {width, compression == BI_RGB ? 6 : 1000, 0, compression, imageSize};
+            for (const std::size_t word : {0U, 1U, 3U, 4U})
+                for (std::size_t i = 0; i < 4; ++i)
+                    bent[4 + 4 * word + i] = static_cast<unsigned char>(words[word] >> (8 * i));
             tarn::addResource(module, 2, 300, bent.data(), size);
             EXPECT_EQ(tarnBitmap(module, 300, 1).width, width > 0 && imageSize == room ? 37 : 0);
         }
