@@ -30,14 +30,23 @@ bool isHexadecimal(const char* text) {
            (isHexDigit(text[2]) || (text[2] == '.' && isHexDigit(text[3])));
 }
 
-// Tells whether a decimal number that no double holds is too large rather than too small: by its first
-// significant digit's place and its exponent.
-bool isTooLarge(const char* text, const char* end, char exponentMark) {
-    const char* const mark = std::find_if(
-        text, end, [exponentMark](char c) { return c == exponentMark || c == exponentMark - 'a' + 'A'; });
-    if (mark != end) return mark[1] != '-';
-    const char* const point = std::find(text, end, '.');
-    return std::find_if(text, point, [](char c) { return c != '0'; }) != point;
+// Where a hexadecimal number ends at the latest: from_chars would take a second sign in its exponent.
+const char* endOfHexadecimal(const char* text) {
+    const char* const mark = text + std::strcspn(text, "pP");
+    const bool hasSign = *mark != '\0' && (mark[1] == '+' || mark[1] == '-');
+    return hasSign && !isDigit(mark[2]) ? mark : mark + std::strlen(mark);
+}
+
+// Tells whether a number that no double holds is too large rather than too small: by the power of its first
+// significant digit.
+bool isTooLarge(const char* text, const char* end, bool hexadecimal) {
+    const char letter = hexadecimal ? 'p' : 'e';
+    const char* const mark = std::find_if(text, end, [letter](char c) { return lowerLetter(c) == letter; });
+    const char* const point = std::find(text, mark, '.');
+    const char* const first = std::find_if(text, mark, [](char c) { return c != '0' && c != '.'; });
+    const std::int64_t places = point - first;  // above 0 in front of the point
+    const std::int64_t power = mark == end ? 0 : readLong(mark + 1);
+    return (hexadecimal ? 4 : 1) * places + power > 0;
 }
 
 constexpr std::uint32_t mostExactDecimals = 9;
@@ -92,13 +101,12 @@ double readDouble(const char* text) {
     if (*text == '-') return 0.0;  // from_chars would take a second sign
     const bool hexadecimal = isHexadecimal(text);
     if (hexadecimal) text += 2;
-    const auto result = std::from_chars(text, text + std::strlen(text), number,
-                                        hexadecimal ? std::chars_format::hex : std::chars_format::general);
+    const char* const end = hexadecimal ? endOfHexadecimal(text) : text + std::strlen(text);
+    const auto result =
+        std::from_chars(text, end, number, hexadecimal ? std::chars_format::hex : std::chars_format::general);
     if (result.ec == std::errc::invalid_argument) return 0.0;
     if (result.ec == std::errc::result_out_of_range) {
-        number = isTooLarge(text, result.ptr, hexadecimal ? 'p' : 'e')
-                     ? std::numeric_limits<double>::infinity()
-                     : 0.0;
+        number = isTooLarge(text, result.ptr, hexadecimal) ? std::numeric_limits<double>::infinity() : 0.0;
     }
     return negative ? -number : number;
 }

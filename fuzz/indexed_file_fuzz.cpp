@@ -229,6 +229,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     constexpr std::uint64_t mostPlaces = 20'000;
     if (places > mostPlaces && mode != loadAppend) return 0;
     if (places <= mostPlaces) checkSavedSet(set, PlainReader(bytes, true).records());
-    tarnfuzz::checkLoading(file.path(), bytes.size(), 32, fileOf(std::move(records)), mode);
+    const tarnfuzz::PlainFile meant = fileOf(std::move(records));
+    tarnfuzz::checkLoading(file.path(), bytes.size(), 32, meant, meant, mode);
     return 0;
 }

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <iterator>
 #include <utility>
 #include <vector>
 
@@ -116,7 +117,7 @@ bool isSmallChange(const std::string& before, const std::string& after) {
     return front + back + 1 >= old.size() && old.size() <= now.size() && now.size() <= old.size() + 2;
 }
 
-// A line that is new in its section has nothing but blank lines behind it there.
+// A line that is new in its section stands just behind the last one that isn't blank.
 void checkPlace(const std::string& before, const std::string& after, const Wanted& wanted) {
     const std::vector<std::string> now = linesOf(after);
     auto sections = tarnplain::sectionsOf(before);
@@ -131,8 +132,9 @@ void checkPlace(const std::string& before, const std::string& after, const Wante
         return each.substr(0, each.find_first_of("\r\n")) == line;
     });
     require(place != now.end(), "a new line stands in its section");
+    require(!tarnplain::trimmed(*std::prev(place)).empty(), "just behind a line that isn't blank");
     while (++place != now.end() && tarnplain::trimmed(*place).empty()) continue;
-    require(place == now.end() || tarnplain::trimmed(*place)[0] == '[', "behind all that isn't blank");
+    require(place == now.end() || tarnplain::trimmed(*place)[0] == '[', "and behind all of them");
 }
 
 void checkWriting(const std::string& text, const Wanted& wanted) {

@@ -278,8 +278,10 @@ void workWildly(tarnfuzz::Input& input) {
                 require(record.getMultiData(id, row, &out) >= 0, "what is stored is found");
                 tarnfuzz::requireSame(describe(&out), describe(&value), "with its value");
         }
-        require(record.getMultiData(id, row, &out) < record.fields->count, "a field has an index");
-        tarnfuzz::requireSame(describe(&out), walkedCell(record, id, row), "a cell is that of a walk");
+        for (int look = 0; look < 2; ++look) {  // the first one may sort the column
+            require(record.getMultiData(id, row, &out) < record.fields->count, "a field has an index");
+            tarnfuzz::requireSame(describe(&out), walkedCell(record, id, row), "a cell is that of a walk");
+        }
     }
     tarnfuzz::checkCopy(record);
     constexpr std::int32_t mostRows = 1000;

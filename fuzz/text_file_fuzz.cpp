@@ -59,11 +59,15 @@ bool splitField(const std::string& token, std::int32_t& id, Owned& value) {
     return true;
 }
 
-bool readFields(Tokens& tokens, PlainFile& file) {
+// For a record with fields they are passed over unparsed.
+bool readFields(Tokens& tokens, bool wanted, PlainFile& file) {
     if (!tokens.hasNext() || tokens.all[tokens.next][0] != '#') return false;
     for (std::int32_t left = number(tokens.all[tokens.next++].substr(1)); left > 0; --left) {
         PlainFile::Field field{};
-        if (!tokens.hasNext() || !splitField(tokens.all[tokens.next++], field.id, field.value)) return false;
+        if (!tokens.hasNext()) return false;
+        const std::string& token = tokens.all[tokens.next++];
+        if (!wanted) continue;
+        if (!splitField(token, field.id, field.value)) return false;
         file.fields.push_back(std::move(field));
     }
     return true;
@@ -98,9 +102,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string bytes = input.rest();
     if (bytes.starts_with('@')) return 0;  // the other form
     target.fill(bytes);
-    Tokens tokens(bytes.c_str());
-    PlainFile file;
-    file.inOrder = readFields(tokens, file) && readRows(tokens, file);
-    tarnfuzz::checkLoading(target.path(), bytes.size(), 40, file, mode);
+    PlainFile files[2];
+    for (const bool empty : {true, false}) {
+        Tokens tokens(bytes.c_str());
+        PlainFile& file = files[empty ? 0 : 1];
+        file.inOrder = readFields(tokens, empty, file) && readRows(tokens, file);
+    }
+    tarnfuzz::checkLoading(target.path(), bytes.size(), 40, files[0], files[1], mode);
     return 0;
 }

@@ -74,6 +74,7 @@ SEEDS = {
         "long_text": index((7, 0, 2)) + value(10, b"abc", 0x7FFFFFFF) + LONG,
         "without_nul": index((7, 0, 3)) + value(10, b"abc") + value(17, b"ab\0c") + value(11, b"a\0b\0c"),
         "empty_texts": index((7, 0, 3)) + value(10, b"") + value(11, b"") + value(17, b""),
+        "nul_alone": index((7, 0, 3)) + value(11, b"\0\0") + value(10, b"\0") + value(17, b"\0"),
         "no_form": index((7, 0, 5)) + value(16, bytes(16)) + LIST + value(21, bytes(8)) + value(22, bytes(3)) + LONG_TAIL,
         "sparse_rows": index((1, 1, 300), (2, 1, 2)) + value(0, b"") * 299 + LONG + DOUBLE + DOUBLE,
     },
@@ -200,7 +201,7 @@ SEEDS = {
         "moves": b"\0" + bytes(b for i in range(60) for b in ((0, 6, 4, 5, 6)[i % 5], 129 + i % 3, i * 37 % 256, i)),
         "wild": b"w" + b"".join(bytes([i, i]) + word(0x7FFFFFFF - i % 3) + word(-i) for i in range(30)),
         "wild_low": b"w" + b"".join(bytes([i, i]) + word(i % 5) + word(i % 7) for i in range(60)),
-        "wild_twice": b"w" + b"".join(bytes([171 + i % 4, 0]) + word(1 + i % 3) + word(0) for i in range(20)),
+        "wild_twice": b"w" + b"".join(bytes([171 + 10 * (i % 8), i % 2]) + word(1 + i % 3) + word(0) for i in range(24)),
         "wild_negative": b"w" + b"".join(bytes([i % 6, i]) + word(-i * i) + word(0x80000000 + i) for i in range(60)),
     },
 }

@@ -31,8 +31,8 @@ TEST(NumberTextTest, ReadingAgreesWithTheCLibrary) {
     const std::string zeros(400, '0');
     for (const std::string& text : tarntest::split(
              "1e999|-1e999|1e-999|-1e-999|1e308|4.9e-324|2e-324|0x1p-2000|0x1p2000|99999999999999999999|"
-             "-99999999999999999999|infinity|nan(12)|0x|1e|+-1|0." +
-                 zeros + "1|1" + zeros + ".5",
+             "-99999999999999999999|infinity|nan(12)|0x|1e|+-1|0x.9p+-3|0." +
+                 zeros + "1|1" + zeros + ".5|0." + zeros + "5e25|5" + zeros + "e-25",
              '|'))
         expectAgreement(text);
 }
