@@ -58,10 +58,13 @@ void checkRecord(const std::string& bytes, RecordKind kind, bool whole) {
 }
 
 // A registry of this process in memory, with one key "x" that holds a value "x" and a key "x"; their files
-// are the inputs.  It goes with the process.
+// are the inputs.  It goes with the process; libFuzzer runs no destructors, so that tools/fuzz_target gives
+// and removes the folder there.
 class Registry {
   public:
-    Registry() : data_("/dev/shm/tarnutil-fuzz-" + std::to_string(::getpid())) {
+    Registry() {
+        const char* const given = std::getenv("TARN_FUZZ_DATA");
+        data_ = given != nullptr ? given : "/dev/shm/tarnutil-fuzz-" + std::to_string(::getpid());
         ::mkdir(data_.c_str(), 0700);
         ::setenv("XDG_DATA_HOME", data_.c_str(), 1);
         char classText[] = "";
