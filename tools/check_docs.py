@@ -140,7 +140,7 @@ def anchors(text):
 
 
 def test_names():
-    for path in pathlib.Path("tests").rglob("*_test.cpp"):
+    for path in (*pathlib.Path("tests").rglob("*_test.cpp"), *pathlib.Path("fuzz").rglob("*_test.cpp")):
         for suite, name in re.findall(r"^TEST(?:_F|_P)?\((\w+),\s*(\w+)\)", path.read_text(encoding="utf-8"), re.M):
             yield f"{suite}.{name}"
 

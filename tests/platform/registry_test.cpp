@@ -125,7 +125,7 @@ TEST_F(Registry, ValuesKeepTheirBytesAndType) {
 
 // A name and the room for its value; what is answered: code, type, size and buffer.
 TEST_F(Registry, BuffersThatAreTooSmallStayAndTellTheSize) {
-    set("t", "abc", REG_SZ);
+    RegSetValueExA(key, "t", 0, REG_SZ, reinterpret_cast<const BYTE*>("abcX"), 3);  // no NUL behind it
     expectAnswers("value:t|2|234 1 3 ####;t|3|0 1 3 abc#;t|4|0 1 3 abc;none|4|2 0 4 ####", [&](auto&,
                                                                                                auto& cells) {
         char buffer[] = "####";
