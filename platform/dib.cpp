@@ -149,7 +149,7 @@ HBITMAP tarn::loadPackedBitmap(const unsigned char* data, std::size_t size) {
     if (layout.header.biCompression == BI_BITFIELDS) {
         if (size < packedHeaderSize + packedMasksSize) return refuse();
         const unsigned char* const masks = data + packedHeaderSize;
-        layout.masks = {packedWord(masks), packedWord(masks + 4), packedWord(masks + 8)};
+        layout.masks = {loadWord(masks), loadWord(masks + 4), loadWord(masks + 8)};
     }
     const std::uint64_t offset =
         layout.header.biSize + layout.masksBehind + layout.tableEntries * sizeof(RGBQUAD);

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "platform/byte_order.h"
 #include "platform/win32.h"
 
 namespace tarn {
@@ -14,13 +15,9 @@ namespace tarn {
 constexpr std::size_t packedHeaderSize = sizeof(BITMAPINFOHEADER);
 constexpr std::size_t packedMasksSize = 3 * sizeof(DWORD);  // at packedHeaderSize, with BI_BITFIELDS
 
-inline DWORD packedWord(const unsigned char* bytes) {
-    return DWORD{bytes[0]} | DWORD{bytes[1]} << 8 | DWORD{bytes[2]} << 16 | DWORD{bytes[3]} << 24;
-}
-
 // The header at the front of a packed bitmap of at least packedHeaderSize bytes.
 inline BITMAPINFOHEADER packedHeader(const unsigned char* packed) {
-    const auto word = [packed](std::size_t index) { return packedWord(packed + 4 * index); };
+    const auto word = [packed](std::size_t index) { return loadWord(packed + 4 * index); };
     const auto signedWord = [word](std::size_t index) { return static_cast<LONG>(word(index)); };
     BITMAPINFOHEADER header;
     header.biSize = word(0);

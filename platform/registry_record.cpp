@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "platform/byte_order.h"
+
 namespace tarn::registry {
 
 namespace {
@@ -22,13 +24,11 @@ std::uint32_t markOf(RecordKind kind) {
 }
 
 void putWord(std::string& bytes, std::size_t at, std::uint32_t word) {
-    for (std::size_t i = 0; i < 4; ++i) bytes[at + i] = static_cast<char>(word >> 8 * i);
+    storeWord(reinterpret_cast<unsigned char*>(&bytes[at]), word);
 }
 
 std::uint32_t wordAt(std::string_view bytes, std::size_t at) {
-    std::uint32_t word = 0;
-    for (std::size_t i = 4; i > 0; --i) word = word << 8 | static_cast<unsigned char>(bytes[at + i - 1]);
-    return word;
+    return loadWord(reinterpret_cast<const unsigned char*>(&bytes[at]));
 }
 
 // FNV-1a of what stands behind the checksum.

@@ -62,8 +62,8 @@ BitmapInfo infoOf(const unsigned char* packed) {
     BitmapInfo info{headerOf(packed), {}};
     if (info.header.biCompression == BI_BITFIELDS) {
         const unsigned char* const stored = packed + headerSize;
-        const DWORD masks[] = {tarn::packedWord(stored), tarn::packedWord(stored + 4),
-                               tarn::packedWord(stored + 8)};
+        const DWORD masks[] = {tarn::loadWord(stored), tarn::loadWord(stored + 4),
+                               tarn::loadWord(stored + 8)};
         std::memcpy(info.colors, masks, sizeof masks);
     } else {
         const auto count = static_cast<std::size_t>(colorCount(info.header));

@@ -7,7 +7,7 @@
 #include <type_traits>
 #include <vector>
 
-#include "core/byte_order.h"
+#include "platform/byte_order.h"
 #include "store/settings.h"
 
 namespace {

@@ -12,9 +12,9 @@
 #include <string_view>
 #include <utility>
 
-#include "core/byte_order.h"
 #include "core/string.h"
 #include "core/variant.h"
+#include "platform/byte_order.h"
 
 namespace tarntest {
 
