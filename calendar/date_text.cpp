@@ -13,6 +13,7 @@
 #include <string_view>
 #include <tuple>
 
+#include "base/ascii.h"
 #include "calendar/market_calendar.h"
 #include "core/number_text.h"
 #include "platform/win32.h"
@@ -20,10 +21,6 @@
 namespace tarn {
 
 namespace {
-
-constexpr bool isDigit(char character) {
-    return character >= '0' && character <= '9';
-}
 
 void putTwoDigits(char* at, std::int32_t number) {
     at[0] = static_cast<char>('0' + number / 10);

@@ -8,7 +8,7 @@
 #include <cstring>
 #include <memory>
 
-#include "core/wrapping.h"
+#include "base/wrapping.h"
 
 tarnObject::~tarnObject() = default;
 std::int32_t tarnObject::objectHook1(std::int32_t /*first*/, std::int32_t /*second*/) {

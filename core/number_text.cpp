@@ -11,7 +11,7 @@
 #include <cstring>
 #include <limits>
 
-#include "core/ascii.h"
+#include "base/ascii.h"
 #include "core/short_decimal.h"
 
 namespace tarn {
@@ -23,10 +23,7 @@ const char* skipSpace(const char* text) {
 }
 
 bool isHexadecimal(const char* text) {
-    const auto isHexDigit = [](char c) {
-        return isDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
-    };
-    return text[0] == '0' && (text[1] == 'x' || text[1] == 'X') &&
+    return text[0] == '0' && toLower(text[1]) == 'x' &&
            (isHexDigit(text[2]) || (text[2] == '.' && isHexDigit(text[3])));
 }
 
@@ -41,7 +38,7 @@ const char* endOfHexadecimal(const char* text) {
 // significant digit.
 bool isTooLarge(const char* text, const char* end, bool hexadecimal) {
     const char letter = hexadecimal ? 'p' : 'e';
-    const char* const mark = std::find_if(text, end, [letter](char c) { return lowerLetter(c) == letter; });
+    const char* const mark = std::find_if(text, end, [letter](char c) { return toLower(c) == letter; });
     const char* const point = std::find(text, mark, '.');
     const char* const first = std::find_if(text, mark, [](char c) { return c != '0' && c != '.'; });
     const std::int64_t places = point - first;  // above 0 in front of the point

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <memory>
 
+#include "base/ascii.h"
 #include "core/number_text.h"
 #include "core/short_decimal.h"
 #include "core/string.h"
@@ -28,7 +29,7 @@ char* sortOut(const char* text, char* kept) {
         }
         bool& seen = c == '.' ? point : slash;
         const bool mark = c == '.' || c == '/';
-        if (mark ? seen : (c != ' ' && (c < '0' || c > '9'))) return nullptr;
+        if (mark ? seen : (c != ' ' && !tarn::isDigit(c))) return nullptr;
         if (mark) seen = true;
         *end++ = c;
     }

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "core/ascii.h"
+#include "base/ascii.h"
 
 namespace tarn {
 

@@ -9,6 +9,7 @@
 #include <limits>
 #include <memory>
 
+#include "base/ascii.h"
 #include "core/number_text.h"
 #include "platform/win32.h"
 
@@ -71,7 +72,7 @@ int tarnString::isValidPrice() const {
     int denominator = 0;
     int denominatorDigits = 0;
     for (const char* c = text; c != text + length; ++c) {
-        if (*c >= '0' && *c <= '9') {
+        if (tarn::isDigit(*c)) {
             if (!slash) continue;
             if (++denominatorDigits > 3) return 0;
             denominator = denominator * 10 + (*c - '0');

@@ -4,9 +4,9 @@
 #include <memory>
 #include <string_view>
 
+#include "base/wrapping.h"
 #include "core/value_text.h"
 #include "core/variant.h"
-#include "core/wrapping.h"
 #include "platform/win32.h"
 
 using tarn::hasTextForm;

@@ -4,9 +4,9 @@
 
 #include <cstdint>
 
+#include "base/wrapping.h"
 #include "core/containers.h"
 #include "core/value_owner.h"
-#include "core/wrapping.h"
 
 namespace tarn {
 

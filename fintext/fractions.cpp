@@ -5,7 +5,7 @@
 #include <bit>
 #include <cstring>
 
-#include "core/ascii.h"
+#include "base/ascii.h"
 #include "core/number_text.h"
 #include "fintext/financial_text.h"
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "core/ascii.h"
+#include "base/ascii.h"
 #include "core/number_text.h"
 #include "core/short_decimal.h"
 #include "core/string.h"
@@ -60,10 +60,10 @@ const char* readGrouped(const char* text, Number& value) {
 // Multiplies by a thousand for each scale letter.
 template <class Number>
 Number scaled(Number value, const char* letters) {
-    const auto isLetter = [](char c, char letter) { return tarn::lowerLetter(c) == letter; };
-    if (isLetter(letters[0], 'k')) return value * 1000;
-    if (!isLetter(letters[0], 'm')) return value;
-    return isLetter(letters[1], 'm') ? value * 1000 * 1000 : value * 1000;
+    const char unit = tarn::toLower(letters[0]);
+    if (unit == 'k') return value * 1000;
+    if (unit != 'm') return value;
+    return tarn::toLower(letters[1]) == 'm' ? value * 1000 * 1000 : value * 1000;
 }
 
 // The length of a text that an operation on texts in place leaves.  Each may add a character at the end.

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "core/ascii.h"
+#include "base/ascii.h"
 #include "core/string.h"
 #include "fintext/financial_text.h"
 

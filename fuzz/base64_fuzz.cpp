@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-#include "fuzz/plain/base64.h"
-#include "fuzz/plain/vector_levels.h"
 #include "fuzz/property.h"
 #include "store/uu_codec.h"
+#include "tests/plain/base64.h"
+#include "tests/plain/vector_levels.h"
 
 namespace {
 

@@ -5,9 +5,9 @@
 #include <vector>
 
 #include "calendar/market_calendar.h"
-#include "fuzz/plain/calendar.h"
 #include "fuzz/property.h"
 #include "platform/host.h"
+#include "tests/plain/calendar.h"
 
 namespace {
 

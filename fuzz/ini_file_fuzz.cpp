@@ -7,11 +7,11 @@
 #include <utility>
 #include <vector>
 
-#include "fuzz/plain/profile.h"
 #include "fuzz/property.h"
-#include "platform/profile_encoding.h"
-#include "platform/profile_text.h"
+#include "platform/profile/encoding.h"
+#include "platform/profile/text.h"
 #include "platform/win32.h"
+#include "tests/plain/profile.h"
 
 namespace {
 

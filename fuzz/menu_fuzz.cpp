@@ -4,12 +4,12 @@
 #include <algorithm>
 #include <vector>
 
-#include "fuzz/plain/menu_shape.h"
-#include "fuzz/plain/scramble.h"
 #include "fuzz/property.h"
 #include "platform/host.h"
 #include "present/menu.h"
 #include "store/file_tools.h"
+#include "tests/plain/menu_shape.h"
+#include "tests/plain/scramble.h"
 
 namespace {
 

@@ -9,8 +9,8 @@
 #include "core/number_text.h"
 #include "core/string.h"
 #include "fintext/financial_text.h"
-#include "fuzz/plain/price.h"
 #include "fuzz/property.h"
+#include "tests/plain/price.h"
 
 namespace {
 

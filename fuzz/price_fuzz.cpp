@@ -6,8 +6,8 @@
 
 #include "core/variant.h"
 #include "fintext/financial_text.h"
-#include "fuzz/plain/price.h"
 #include "fuzz/property.h"
+#include "tests/plain/price.h"
 
 namespace {
 

@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "engine/engine_data.h"
-#include "fuzz/plain/values.h"
 #include "fuzz/property.h"
+#include "tests/plain/values.h"
 
 namespace tarnfuzz {
 

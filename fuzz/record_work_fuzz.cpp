@@ -7,10 +7,10 @@
 #include <vector>
 
 #include "engine/engine_data.h"
-#include "fuzz/plain/column.h"
-#include "fuzz/plain/values.h"
 #include "fuzz/property.h"
 #include "fuzz/record_file.h"
+#include "tests/plain/column.h"
+#include "tests/plain/values.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <algorithm>
 
 #include "fuzz/property.h"
-#include "platform/registry_record.h"
+#include "platform/registry/record.h"
 #include "platform/win32.h"
 
 namespace {

@@ -11,6 +11,7 @@
 #include <string_view>
 #include <utility>
 
+#include "base/ascii.h"
 #include "core/string.h"
 
 namespace {
@@ -117,7 +118,7 @@ void tarnOptionSymbol::parseSymbol(const char* text) {
     rest = withoutLeadingBlanks(rest);
     const std::string_view strike = takeWord(rest);
     rest = withoutLeadingBlanks(rest);
-    if (!rest.empty() && rest.front() >= '0' && rest.front() <= '9') {
+    if (!rest.empty() && tarn::isDigit(rest.front())) {
         const std::string_view fraction = takeWord(rest);
         strikeText = copyOf(std::string(strike).append(1, ' ').append(fraction));
         rest = withoutLeadingBlanks(rest);

@@ -7,7 +7,7 @@
 
 #include <cerrno>
 
-#include "platform/path.h"
+#include "platform/files/path.h"
 
 namespace tarn {
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/drawing.h"
+#include "platform/drawing/global_memory.h"
 #include "platform/host.h"
 #include "platform/win32.h"
 

@@ -3,13 +3,13 @@
 #include <charconv>
 #include <cstring>
 
+#include "base/ascii.h"
 #include "platform/win32.h"
 
 namespace {
 
 int foldCase(char character) {
-    const auto byte = static_cast<unsigned char>(character);
-    return byte >= 'A' && byte <= 'Z' ? byte + ('a' - 'A') : byte;
+    return static_cast<unsigned char>(tarn::toLower(character));
 }
 
 constexpr std::size_t longestInteger = 33;  // 32 digits of radix 2 and the terminator, the caller's promise

@@ -2,14 +2,14 @@
 
 // The Win32 operations, types and constants that the library and its clients use, under their published names
 // and values.  On Windows this is the system's own header; elsewhere the sources beside this file stand
-// behind the declarations, one source per family:
+// behind the declarations, one source or folder per family:
 //
-//   files          platform/files.cpp            profile files  platform/profile_files.cpp
-//   clock          platform/clock.cpp            registry       platform/registry*.cpp
-//   last error     platform/last_error.cpp       menus          platform/menus.cpp
-//   number, text   platform/text_services.cpp    screen         platform/screen.cpp
-//   messages       platform/messages.cpp         drawing        platform/device_contexts, bitmaps, dib.cpp
-//   modules        platform/modules.cpp          resources      platform/resources.cpp, global_memory.cpp
+//   files                   platform/files/        ini files               platform/profile/
+//   registry                platform/registry/     screen, bitmaps,
+//   menus                   platform/menus.cpp       resources, memory     platform/drawing/
+//   messages                platform/messages.cpp  modules                 platform/modules.cpp
+//   numbers and texts       platform/text_services.cpp
+//   clock, last error       platform/clock.cpp, platform/last_error.cpp
 //
 // docs/platform.md tells what each family does where Win32 leaves a choice.  Programs and tests that want
 // another clock, screen or message box than the machine's include platform/host.h.

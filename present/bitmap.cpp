@@ -7,7 +7,7 @@
 #include <memory>
 #include <type_traits>
 
-#include "platform/packed_bitmap.h"
+#include "platform/drawing/packed_bitmap.h"
 #include "platform/win32.h"
 #include "present/screen.h"
 

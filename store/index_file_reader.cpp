@@ -7,9 +7,9 @@
 #include <memory>
 #include <span>
 
+#include "base/byte_order.h"
 #include "core/string.h"
 #include "core/value_owner.h"
-#include "platform/byte_order.h"
 #include "platform/win32.h"
 #include "store/index_data_file.h"
 #include "store/index_format.h"

@@ -8,8 +8,8 @@
 #include <cstring>
 #include <string>
 
+#include "base/byte_order.h"
 #include "core/string.h"
-#include "platform/byte_order.h"
 #include "store/index_format.h"
 
 namespace tarn {

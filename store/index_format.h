@@ -8,8 +8,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "base/byte_order.h"
 #include "core/variant.h"
-#include "platform/byte_order.h"
 
 namespace tarn::indexfile {
 

@@ -7,7 +7,7 @@
 #include <type_traits>
 #include <vector>
 
-#include "platform/byte_order.h"
+#include "base/byte_order.h"
 #include "store/settings.h"
 
 namespace {

@@ -8,7 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "platform/processor.h"
+#include "base/processor.h"
 
 namespace tarn {
 

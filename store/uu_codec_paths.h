@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <string_view>
 
-#include "platform/processor.h"
+#include "base/processor.h"
 
 namespace tarn {
 

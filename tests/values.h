@@ -1,8 +1,8 @@
 #pragma once
 
-// Values for tests, made from the notation in which fuzz/plain/values.h tells them.
+// Values for tests, made from the notation in which tests/plain/values.h tells them.
 
-#include "fuzz/plain/values.h"
+#include "tests/plain/values.h"
 #include "tests/support.h"
 
 namespace tarntest {

@@ -4,7 +4,7 @@
 #include <optional>
 
 #include "calendar/market_calendar.h"
-#include "fuzz/plain/calendar.h"
+#include "tests/plain/calendar.h"
 #include "tests/support.h"
 
 namespace {

@@ -6,7 +6,7 @@
 
 #include "calendar/date_text.h"
 #include "calendar/market_calendar.h"
-#include "fuzz/plain/calendar.h"
+#include "tests/plain/calendar.h"
 #include "tests/support.h"
 
 namespace {

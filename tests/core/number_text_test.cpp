@@ -5,7 +5,7 @@
 #include <bit>
 
 #include "core/variant.h"
-#include "fuzz/plain/price.h"
+#include "tests/plain/price.h"
 #include "tests/support.h"
 
 namespace {

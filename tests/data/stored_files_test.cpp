@@ -1,6 +1,6 @@
 // Reads the files beside this one, which no test and no tool rewrites, and has the library write them again:
 // store/, engine/text_file.cpp, engine/indexed_file.cpp, present/menu_parser.cpp,
-// platform/registry_record.cpp, platform/dib.cpp.
+// platform/registry/record.cpp, platform/drawing/dib.cpp.
 
 #include "engine/engine_data.h"
 #include "present/menu.h"

@@ -1,7 +1,7 @@
 // Columns of rows: engine/multi_data.cpp and engine/column.cpp.
 
-#include "fuzz/plain/column.h"
 #include "tests/engine/shown.h"
+#include "tests/plain/column.h"
 
 namespace {
 

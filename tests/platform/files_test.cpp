@@ -1,4 +1,4 @@
-// Files, handles and sharing modes: platform/files.cpp, and the system's own on Windows.
+// Files, handles and sharing modes: platform/files/operations.cpp, and the system's own on Windows.
 
 #include <atomic>
 #include <thread>

@@ -1,9 +1,9 @@
-// Ini files: platform/profile_files.cpp, profile_text.cpp, profile_encoding.cpp and atomic_file.cpp, and the
+// Ini files: platform/profile/operations.cpp, profile_text.cpp, profile_encoding.cpp and atomic_file.cpp, and the
 // system's own on Windows.
 
-#include "fuzz/plain/profile.h"
-#include "platform/profile_text.h"
-#include "platform/sha256.h"
+#include "platform/profile/text.h"
+#include "platform/registry/sha256.h"
+#include "tests/plain/profile.h"
 #include "tests/process.h"
 #include "tests/support.h"
 

@@ -1,4 +1,4 @@
-// The registry: platform/registry.cpp and registry_*.cpp, and the system's own on Windows.
+// The registry: platform/registry/operations.cpp and registry_*.cpp, and the system's own on Windows.
 
 #include <numeric>
 #include <set>

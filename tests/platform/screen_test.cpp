@@ -1,4 +1,4 @@
-// Device contexts, bitmaps, palettes, memory and resources: platform/screen.cpp, device_contexts.cpp,
+// Device contexts, bitmaps, palettes, memory and resources: platform/drawing/screen.cpp, device_contexts.cpp,
 // bitmaps.cpp, dib.cpp, resources.cpp, global_memory.cpp, and the system's own on Windows.
 
 #include "tests/present/packed_bitmap.h"

@@ -2,8 +2,8 @@
 // present/menu_definition.cpp.
 
 #include "present/menu.h"
-#include "fuzz/plain/menu_shape.h"
 #include "store/file_tools.h"
+#include "tests/plain/menu_shape.h"
 #include "tests/support.h"
 
 namespace {

@@ -2,9 +2,9 @@
 
 #include "store/scramble.h"
 
-#include "fuzz/plain/scramble.h"
-#include "fuzz/plain/vector_levels.h"
 #include "store/file_tools.h"
+#include "tests/plain/scramble.h"
+#include "tests/plain/vector_levels.h"
 #include "tests/support.h"
 
 namespace {

@@ -2,8 +2,8 @@
 
 #include "store/uu_codec.h"
 
-#include "fuzz/plain/base64.h"
-#include "fuzz/plain/vector_levels.h"
+#include "tests/plain/base64.h"
+#include "tests/plain/vector_levels.h"
 #include "tests/support.h"
 
 using namespace std::string_literals;

@@ -1,0 +1,29 @@
+#pragma once
+
+// Internal: the classes of characters as the "C" locale has them, whatever locale the program has set, and the
+// one folding of letters that the library knows: A to Z count as a to z, every other byte as itself.
+
+namespace tarn {
+
+constexpr bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+// A blank, a tab, or one of the four characters that end a line or a page.
+constexpr bool isSpace(char c) {
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+constexpr char toLower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+}
+
+constexpr bool isLetter(char c) {
+    return toLower(c) >= 'a' && toLower(c) <= 'z';
+}
+
+constexpr bool isHexDigit(char c) {
+    return isDigit(c) || (toLower(c) >= 'a' && toLower(c) <= 'f');
+}
+
+}  // namespace tarn

@@ -1,0 +1,150 @@
+// Whole-file replacement.  The temporary name is the same for every writer of a file: who has opened it, has
+// locked it and then still finds it under its name is alone with the file.  A rename or an unlink takes the
+// name away from the locked file, so that everyone who waited for that lock starts again with a new one.
+
+#define _FILE_OFFSET_BITS 64  // files beyond 2 GiB also in 32-bit code
+
+#include "platform/files/replacement.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <span>
+#include <utility>
+
+#include "platform/error_codes.h"
+#include "platform/files/sharing.h"
+
+namespace tarn {
+
+namespace {
+
+constexpr mode_t permissionBits = 0777;
+
+// Waits for the lock on the first byte, which belongs to this open file and goes with it.
+int lockFirstByte(int descriptor) {
+    struct flock lock {};
+    lock.l_type = F_WRLCK;
+    lock.l_whence = SEEK_SET;
+    lock.l_len = 1;
+    return retried([&] { return ::fcntl(descriptor, F_OFD_SETLKW, &lock); });
+}
+
+bool isSameFile(const struct stat& a, const struct stat& b) {
+    return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+}
+
+bool writeAll(int descriptor, std::string_view content) {
+    while (!content.empty()) {
+        const auto count = retried([&] { return ::write(descriptor, content.data(), content.size()); });
+        if (count == -1) return false;
+        content.remove_prefix(static_cast<std::size_t>(count));
+    }
+    return true;
+}
+
+// Fills a buffer from its byte `done` on, as far as the file reaches.  One call may give less than there is.
+bool readInto(int descriptor, std::span<char> buffer, std::size_t& done) {
+    while (done < buffer.size()) {
+        const auto rest = buffer.subspan(done);
+        const auto count = retried([&] { return ::read(descriptor, rest.data(), rest.size()); });
+        if (count == -1) return false;
+        if (count == 0) break;
+        done += static_cast<std::size_t>(count);
+    }
+    return true;
+}
+
+// Gives a new file the owner and the permissions of the one that it replaces.  Only the permissions have to
+// succeed: a file of another's stays writable to who could write it, but can't be given away.
+bool takeOver(int descriptor, const struct stat& made, const struct stat& former) {
+    if (made.st_uid != former.st_uid || made.st_gid != former.st_gid) {
+        if (::fchown(descriptor, former.st_uid, former.st_gid) != 0 && errno != EPERM) return false;
+    } else if (((made.st_mode ^ former.st_mode) & permissionBits) == 0) {
+        return true;
+    }
+    return ::fchmod(descriptor, former.st_mode & permissionBits) == 0;
+}
+
+}  // namespace
+
+Replacement::~Replacement() {
+    if (file_) ::unlinkat(folder_, temporary_.c_str(), 0);
+}
+
+DWORD Replacement::begin(int folder, const std::string& temporary, unsigned permissions) {
+    folder_ = folder;
+    temporary_ = temporary;
+    for (;;) {
+        constexpr int flags = O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY;
+        Descriptor file(retried([&] { return ::openat(folder, temporary.c_str(), flags, permissions); }));
+        if (!file || lockFirstByte(file.number()) != 0) return fromErrno(errno);
+        struct stat opened {};
+        struct stat named {};
+        if (::fstat(file.number(), &opened) != 0) return fromErrno(errno);
+        if (::fstatat(folder, temporary.c_str(), &named, AT_SYMLINK_NOFOLLOW) != 0 ||
+            !isSameFile(opened, named)) {
+            continue;
+        }
+        if (!S_ISREG(opened.st_mode)) return ERROR_ACCESS_DENIED;
+        if (opened.st_nlink != 1 || opened.st_uid != ::geteuid()) {  // another's, under our name
+            if (::unlinkat(folder, temporary.c_str(), 0) != 0) return fromErrno(errno);
+            continue;
+        }
+        if (opened.st_size != 0 && retried([&] { return ::ftruncate(file.number(), 0); }) != 0) {
+            return fromErrno(errno);
+        }
+        file_ = std::move(file);
+        return ERROR_SUCCESS;
+    }
+}
+
+DWORD Replacement::commit(const std::string& target, std::string_view content, const struct stat* former) {
+    struct stat made {};
+    if (former != nullptr &&
+        (::fstat(file_.number(), &made) != 0 || !takeOver(file_.number(), made, *former))) {
+        return fromErrno(errno);
+    }
+    if (!writeAll(file_.number(), content) || retried([&] { return ::fsync(file_.number()); }) != 0 ||
+        ::renameat(folder_, temporary_.c_str(), folder_, target.c_str()) != 0) {
+        return fromErrno(errno);
+    }
+    const Descriptor closed = std::move(file_);
+    return ERROR_SUCCESS;
+}
+
+DWORD readWhole(int folder, const std::string& name, int flags, std::size_t limit, std::string& content) {
+    const Descriptor file(retried([&] {
+        return ::openat(folder, name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | flags);
+    }));
+    if (!file) return fromErrno(errno);
+    if (isReadingDenied(file.number())) return ERROR_SHARING_VIOLATION;
+    char first[16384];
+    std::size_t done = 0;
+    if (!readInto(file.number(), {first, sizeof first}, done)) return fromErrno(errno);
+    std::string bytes(first, done);
+    if (done == sizeof first) {
+        struct stat status {};
+        if (::fstat(file.number(), &status) != 0) return fromErrno(errno);
+        if (!S_ISREG(status.st_mode)) return ERROR_ACCESS_DENIED;
+        if (std::cmp_greater(status.st_size, limit)) return ERROR_FILE_CORRUPT;
+        bytes.resize(std::max(done, static_cast<std::size_t>(status.st_size)));
+        if (!readInto(file.number(), bytes, done)) return fromErrno(errno);
+        bytes.resize(done);
+    }
+    if (done > limit) return ERROR_FILE_CORRUPT;
+    content = std::move(bytes);
+    return ERROR_SUCCESS;
+}
+
+DWORD syncFolder(int folder, const std::string& name) {
+    const Descriptor opened(
+        retried([&] { return ::openat(folder, name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
+    if (!opened) return errno == EACCES ? ERROR_SUCCESS : fromErrno(errno);
+    return retried([&] { return ::fsync(opened.number()); }) == 0 ? ERROR_SUCCESS : fromErrno(errno);
+}
+
+}  // namespace tarn

@@ -1,0 +1,62 @@
+#pragma once
+
+// The layer's own replacement of whole files; programs write settings by platform/win32.h.
+//
+// A file is replaced by writing its new content under a temporary name in the same folder and renaming that,
+// so that a crash at any moment leaves the old file or the new one, and a reader sees one of the two.  The
+// temporary file is at the same time the lock that a read, a change and the rename stand under: it goes with
+// the process that holds it, and what a dead one leaves is taken over by the next.
+//
+//   Replacement replacement;
+//   replacement.begin(AT_FDCWD, "data/.x.new", 0666);   // waits for other writers
+//   replacement.commit("data/x", content, nullptr);     // without it the temporary file just goes
+//
+// Threads: one object belongs to one thread; two objects exclude each other in one process too.
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "platform/files/descriptor.h"
+#include "platform/win32.h"
+
+struct stat;
+
+namespace tarn {
+
+// All names may be relative to an open folder, or to AT_FDCWD.  Each function answers a Win32 code.
+
+class Replacement {
+  public:
+    Replacement() = default;
+    Replacement(const Replacement&) = delete;
+    Replacement& operator=(const Replacement&) = delete;
+    // Gives up what wasn't committed.
+    ~Replacement();
+
+    // Takes the lock by making the temporary file, with these permissions less the process's mask.
+    DWORD begin(int folder, const std::string& temporary, unsigned permissions);
+
+    // Writes the content through to the disk, renames the file, and leaves the folder to the system.  With
+    // `former` it gets the permissions and, as far as the system lets it, the owner of the file that it
+    // replaces.  The lock ends here.
+    DWORD commit(const std::string& target, std::string_view content, const struct stat* former);
+
+  private:
+    int folder_ = -1;
+    std::string temporary_;
+    Descriptor file_;
+};
+
+// Reads a file whole, a small one without asking for its size first.
+//   flags    of open, beside reading: O_NOFOLLOW refuses a symbolic link
+//   content  out: at most `limit` bytes; untouched on failure
+// Bad input: never waits for a pipe and never reads an endless device; what is longer than `limit` answers
+// ERROR_FILE_CORRUPT, a file that another open file denies reading of ERROR_SHARING_VIOLATION.
+DWORD readWhole(int folder, const std::string& name, int flags, std::size_t limit, std::string& content);
+
+// Writes through to the disk what was renamed in a folder.  Without it a crash may bring the former file
+// back, whole.  A folder that may be written but not read is left to the system.
+DWORD syncFolder(int folder, const std::string& name);
+
+}  // namespace tarn

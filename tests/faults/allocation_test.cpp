@@ -1,0 +1,268 @@
+// The end of memory at every allocation of every family: the n-th alone, or it and all behind it.  Then
+// std::bad_alloc comes through or a failure is told, nothing has leaked, and the next call comes out right.
+
+#include <dirent.h>
+#include <dlfcn.h>
+#include <unistd.h>
+
+#include <new>
+
+#include "tests/faults/families.h"
+
+namespace {
+
+struct Memory {
+    long live = 0;       // blocks, and modules that are loaded
+    long countdown = 0;  // the allocation that fails, from 1; 0 lets all pass
+    bool forever = false;
+    long failed = 0;
+    bool elsewhere = false;  // another thread's call succeeds whenever a block is released
+
+    bool mayAllocate() {
+        if (countdown == 0 || --countdown > 0) return true;
+        countdown = forever ? 1 : 0;
+        ++failed;
+        return false;
+    }
+} memory;
+
+void* allocate(std::size_t bytes) {
+    void* const block = memory.mayAllocate() ? std::malloc(bytes) : nullptr;
+    memory.live += block == nullptr ? 0 : 1;
+    return block;
+}
+
+void* allocateOrThrow(std::size_t bytes) {
+    void* const block = allocate(bytes);
+    return block == nullptr ? throw std::bad_alloc() : block;
+}
+
+void release(void* block) {
+    memory.live -= block == nullptr ? 0 : 1;
+    std::free(block);
+    if (memory.elsewhere) SetLastError(ERROR_SUCCESS);
+}
+
+}  // namespace
+
+void* operator new(std::size_t bytes) {
+    return allocateOrThrow(bytes);
+}
+void* operator new[](std::size_t bytes) {
+    return allocateOrThrow(bytes);
+}
+void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept {
+    return allocate(bytes);
+}
+void* operator new[](std::size_t bytes, const std::nothrow_t&) noexcept {
+    return allocate(bytes);
+}
+void operator delete(void* block) noexcept {
+    release(block);
+}
+void operator delete[](void* block) noexcept {
+    release(block);
+}
+void operator delete(void* block, std::size_t) noexcept {
+    release(block);
+}
+void operator delete[](void* block, std::size_t) noexcept {
+    release(block);
+}
+
+// What the library allocates inside the C library; the linker puts these in the place of its calls.
+extern "C" {
+DIR* __real_fdopendir(int descriptor);
+DIR* __wrap_fdopendir(int descriptor) {
+    errno = ENOMEM;
+    return memory.mayAllocate() ? __real_fdopendir(descriptor) : nullptr;
+}
+void* __real_dlopen(const char* file, int flags);
+void* __wrap_dlopen(const char* file, int flags) {
+    void* const module = memory.mayAllocate() ? __real_dlopen(file, flags) : nullptr;
+    memory.live += module == nullptr ? 0 : 1;
+    return module;
+}
+int __real_dlclose(void* module);
+int __wrap_dlclose(void* module) {
+    --memory.live;
+    return __real_dlclose(module);
+}
+}
+
+namespace {
+
+using tarntest::longText;
+
+int lowestFreeDescriptor() {
+    const int descriptor = ::dup(0);
+    ::close(descriptor);
+    return descriptor;
+}
+
+bool hasTemporaryFiles(const std::filesystem::path& folder) {
+    const std::filesystem::recursive_directory_iterator all(folder);
+    return std::any_of(begin(all), end(all),
+                       [](const auto& entry) { return entry.path().extension() == ".new"; });
+}
+
+struct Allocation : tarntest::Families {
+    // Calls `work` until it passes without a failed allocation; `failing` runs a part of it and answers whether it
+    // ran out of memory.
+    template <class Work>
+    void walk(const char* name, Work work) {
+        for (const bool forever : {false, true}) {
+            bool failed = true;
+            for (long nth = 0; failed && !HasFailure(); ++nth) {  // 0 lets all pass, and makes what stays
+                SCOPED_TRACE(std::string(name) + ": " + std::to_string(nth));
+                const long live = memory.live, before = memory.failed;
+                const std::int32_t handles = tarn::openHandles();
+                const int descriptor = lowestFreeDescriptor();
+                work([&](auto part) {
+                    memory.forever = forever, memory.countdown = nth;
+                    bool thrown = false;
+                    try {
+                        part();
+                    } catch (const std::bad_alloc&) {
+                        thrown = true;
+                    }
+                    memory.countdown = 0;
+                    return thrown;
+                });
+                failed = nth == 0 || memory.failed != before;
+                EXPECT_TRUE(nth == 0 || memory.live == live) << memory.live - live;
+                EXPECT_EQ(tarn::openHandles(), handles);
+                EXPECT_EQ(lowestFreeDescriptor(), descriptor);
+                EXPECT_FALSE(hasTemporaryFiles(folder.path()));
+            }
+        }
+    }
+
+    // A single change of one object: a failure leaves what it shows, and the change can be made then.
+    template <class Object, class Change, class Show>
+    void expectKept(const char* name, Object make, Change change, Show show) {
+        auto model = make();
+        change(*model);
+        const std::string after = show(*model);
+        walk(name, [&](auto failing) {
+            auto object = make();
+            const std::string before = show(*object);
+            if (failing([&] { change(*object); })) {
+                EXPECT_EQ(show(*object), before);
+                change(*object);
+            }
+            EXPECT_EQ(show(*object), after);
+        });
+    }
+
+    ~Allocation() override { std::fprintf(stderr, "%ld allocations have failed\n", memory.failed); }
+};
+
+// A table of handles grows with the 2nd, 4th, 8th... handle: as the fourth or fifth allocation of such a context.
+TEST_F(Allocation, ATableThatCantGrowLeavesNoBitmap) {
+    DeleteDC(CreateCompatibleDC(nullptr));  // makes the tables
+    for (int i = 0; i < 1000; ++i) {
+        const long live = memory.live;
+        memory.forever = false, memory.countdown = 4 + i % 2;
+        try {
+            DeleteDC(CreateCompatibleDC(nullptr));
+        } catch (const std::bad_alloc&) {
+            EXPECT_EQ(memory.live, live);
+        }
+        memory.countdown = 0;
+    }
+    EXPECT_GT(memory.failed, 0);
+}
+
+TEST_F(Allocation, EachFailsOnceAndFromThereOn) {
+    for (const auto& family : tarntest::families) {
+        const std::string expected = family.answer(1);
+        EXPECT_EQ(family.answer(1), expected);
+        walk(family.name, [&](auto failing) {
+            std::string answer;
+            const long before = memory.failed;
+            const bool thrown = failing([&] { answer = family.answer(1); });
+            const bool isTold = memory.failed != before && answer == tarntest::told;
+            EXPECT_TRUE(thrown || isTold || answer == expected) << answer;
+            EXPECT_EQ(family.answer(1), expected);
+        });
+    }
+}
+
+TEST_F(Allocation, AFailedChangeLeavesTheObject) {
+    const auto text = tarntest::textValue(longText);
+    const auto shown = [](const auto& record) { return tarntest::describe(record.root); };
+    const auto record = [&] {
+        auto made = std::make_unique<tarnEngineData>();
+        for (std::int32_t i = 0; i < 36; ++i) made->storeMultiData(336 + i % 3, i / 3, &text, 0);  // all full
+        for (std::int32_t i = 0; i < 29; ++i) made->storeData(i, &text);
+        return made;
+    };
+    expectKept(
+        "record store", record, [&](auto& made) { made.storeData(99, &text); }, shown);
+    expectKept(
+        "record insert", record, [&](auto& made) { made.insertMultiData(336, 1, &text); }, shown);
+    expectKept(
+        "record move", record, [](auto& made) { made.moveMultiData(4, 1); }, shown);
+    expectKept(
+        "string", [] { return std::make_unique<tarnString>(longText); },
+        [](auto& made) { made.append(longText); }, [](const auto& made) { return std::string(made.text); });
+    for (const char* place : {"old", "new"}) {
+        std::filesystem::create_directory(folder.file(place));
+        tarntest::fill(folder.file(place) + "/place.ini", std::string("[s]\nplace=") + place);
+    }
+    const std::string before = folder.file("old"), after = folder.file("new");
+    expectKept(
+        "ini directory",
+        [&] {
+            auto made = std::make_unique<tarnIniFile>("place");
+            made->setIniFileDirectory(before.c_str());
+            return made;
+        },
+        [&](auto& made) { made.setIniFileDirectory(after.c_str()); },
+        [](auto& made) {
+            char place[9] = "";
+            return made.readIniString("s", "place", "none", place, 9), std::string(place);
+        });
+    expectKept(
+        "array grow", [] { return std::make_unique<tarnTArray<std::int32_t>>(2); },
+        [](auto& made) {
+            made.grow(9);
+            if (made.capacity == 2) throw std::bad_alloc();  // told by the array alone
+        },
+        [](const auto& made) { return std::to_string(made.capacity); });
+}
+
+std::string boxed;
+
+TEST_F(Allocation, BoxesAndModulesLeaveNothingOpen) {
+    boxed.reserve(200);
+    tarn::setMessageBox([](const char* text, const char* caption, std::uint32_t) {
+        boxed.assign(caption).append(text == nullptr ? "" : text);
+        return 1;
+    });
+    walk("message and module", [](auto failing) {
+        int found = 0;
+        const bool thrown = failing([&] {
+            HINSTANCE module = nullptr;
+            int(__stdcall * function)() = nullptr;
+            showGetLastError(longText);
+            found = loadDllFunc(module, &function, "libm.so.6", "cos", 1);
+            if (module != nullptr) FreeLibrary(module);
+        });
+        EXPECT_TRUE(thrown || found == 1 || memory.failed > 0);
+        EXPECT_EQ(GetErrorMode(), 0U);
+    });
+    tarn::setMessageBox(nullptr);
+}
+
+TEST(LastError, OfAnotherThreadDoesntMisleadAWrite) {
+    const tarntest::TemporaryFolder folder;
+    const std::string ini = folder.file("new.ini");
+    memory.elsewhere = true;
+    EXPECT_TRUE(WritePrivateProfileStringA("s", "k", "v", ini.c_str()));
+    memory.elsewhere = false;
+    EXPECT_EQ(tarntest::contentOf(ini), "[s]\r\nk=v\r\n");
+}
+
+}  // namespace
