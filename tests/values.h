@@ -5,7 +5,16 @@
 #include "tests/plain/values.h"
 #include "tests/support.h"
 
+// What a failed expectation shows of a value.
+inline void PrintTo(const MOLTVARIANT& value, std::ostream* stream) {
+    *stream << tarntest::readable(&value);
+}
+
 namespace tarntest {
+
+inline void PrintTo(const Owned& value, std::ostream* stream) {
+    *stream << readable(&value);
+}
 
 // The elements of a notation in brackets.
 inline std::vector<std::string> elementsOf(const std::string& content) {

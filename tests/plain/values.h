@@ -8,9 +8,11 @@
 
 #include <algorithm>
 #include <charconv>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "base/byte_order.h"
 #include "core/string.h"
@@ -18,12 +20,16 @@
 
 namespace tarntest {
 
-// A value that destroys its content at the end, for values of any tag that a test builds by hand.
+// A value that destroys its content at the end.  Copies are deep, so that tables may hold such values.
 struct Owned : MOLTVARIANT {
     Owned() = default;
     explicit Owned(const MOLTVARIANT* source) : MOLTVARIANT(source) {}
+    Owned(const Owned& other) : MOLTVARIANT(&other) {}
     Owned(Owned&& other) noexcept : MOLTVARIANT(other) { other.initContent(nullptr); }
-    Owned& operator=(Owned&& other) noexcept { return std::swap<MOLTVARIANT>(*this, other), *this; }
+    Owned& operator=(Owned other) noexcept {
+        std::swap<MOLTVARIANT>(*this, other);
+        return *this;
+    }
     ~Owned() { destroyContent(); }
 
     // Gives the value away, as a value made by new.
@@ -78,6 +84,157 @@ inline Owned blob(std::string_view bytes) {
     std::copy(bytes.begin(), bytes.end(), made.payload.blob.data);
     made.tag = tagBlob;
     return made;
+}
+
+// A pointer form that holds no pointer, by its tag alone.
+inline Owned nothing(std::int32_t tag) {
+    Owned made;
+    made.tag = tag;
+    return made;
+}
+
+// A container's element: a value, or none where the container has a NULL.
+using Element = std::optional<Owned>;
+inline const Element none;
+
+inline MOLTVARIANT* releaseCopy(const Element& element) {
+    return element.has_value() ? Owned(*element).release() : nullptr;
+}
+
+inline Owned vectorOf(const std::vector<Owned>& elements) {
+    Owned made = nothing(tagVector);
+    made.payload.vector = new MOLTVARIANT*[elements.size() + 1]();
+    for (std::size_t i = 0; i < elements.size(); ++i) made.payload.vector[i] = Owned(elements[i]).release();
+    return made;
+}
+
+inline Owned listOf(const std::vector<Element>& elements) {
+    Owned made = nothing(tagList);
+    made.payload.list = new tarnTList<MOLTVARIANT*>;
+    for (const Element& element : elements) made.payload.list->add(releaseCopy(element));
+    return made;
+}
+
+// Cells by their rows, and fields by their ids, in the order in which they are added.
+using Keyed = std::vector<std::pair<std::int32_t, Element>>;
+
+inline Owned columnOf(const Keyed& cells) {
+    Owned made = nothing(tagMulti);
+    made.payload.multi = new multiColumn{new nodeList};
+    for (const auto& [row, cell] : cells) made.payload.multi->nodes->add(releaseCopy(cell), row);
+    return made;
+}
+
+inline Owned recordOf(const Keyed& fields) {
+    Owned made = nothing(tagRecord);
+    made.payload.record = new tarnFieldList;
+    for (const auto& [id, field] : fields) made.payload.record->add(id, releaseCopy(field));
+    return made;
+}
+
+// ----------------------------------------------------------------------------- what a value holds, as a text
+
+inline std::string escaped(std::string_view bytes) {
+    std::string shown = "\"";
+    for (const char c : bytes) {
+        if (c >= ' ' && c <= '~' && c != '"' && c != '\\') {
+            shown += c;
+        } else {
+            shown += "\\" + std::to_string(static_cast<unsigned char>(c)) + ";";
+        }
+    }
+    return shown + '"';
+}
+
+// The shortest text that reads back as the same number.
+inline std::string shortest(double number) {
+    char digits[40] = {};
+    return {digits, std::to_chars(digits, digits + sizeof digits, number).ptr};
+}
+
+inline std::string readable(const MOLTVARIANT* value);
+
+inline std::string readableElements(const MOLTVARIANT& value) {
+    const auto& payload = value.payload;
+    std::string elements;
+    const auto add = [&](const std::string& key, const MOLTVARIANT* element) {
+        elements += (elements.empty() ? "" : ", ") + key + readable(element);
+    };
+    const auto keyed = [](std::int32_t key) { return std::to_string(key) + ": "; };
+    if (value.tag == tagVector) {
+        for (MOLTVARIANT** entry = payload.vector; *entry != nullptr; ++entry) add("", *entry);
+    } else if (value.tag == tagList) {
+        for (std::int32_t i = 0; i < payload.list->count; ++i) add("", payload.list->getAt(i));
+    } else if (value.tag == tagMulti && payload.multi->nodes != nullptr) {
+        const nodeList& nodes = *payload.multi->nodes;
+        for (std::int32_t i = 0; i < nodes.count; ++i)
+            add(keyed(nodes.cells[i]->key.number), nodes.cells[i]->value);
+    } else if (value.tag == tagRecord) {
+        const tarnFieldList& fields = *payload.record;
+        for (std::int32_t i = 0; i < fields.count; ++i)
+            add(keyed(fields.ids->getAt(i)), fields.values->getAt(i));
+    }
+    return "[" + elements + "]";
+}
+
+inline const char* pointerForm(std::int32_t tag) {
+    switch (tag) {
+        case tagText: return "text ";
+        case tagWideText: return "wide text ";
+        case tagVector: return "vector ";
+        case tagBlock: return "block ";
+        case tagString: return "string ";
+        case tagList: return "list ";
+        case tagMulti: return "column ";
+        case tagRecord: return "record ";
+        default: return "";
+    }
+}
+
+// Everything that a value holds, for people: `double 12.5`, `text "abc"`, `column [0: long 7, 4: empty]`.
+// Two values have the same text just if they hold the same.
+inline std::string readable(const MOLTVARIANT* value) {
+    if (value == nullptr) return "none";
+    const auto& payload = value->payload;
+    const std::string form = pointerForm(value->tag);
+    if (!form.empty() && payload.text == nullptr) return form + "NULL";
+    switch (value->tag) {
+        case tagEmpty: return "empty";
+        case tagByte: return "byte " + std::to_string(payload.byteValue);
+        case tagShort: return "short " + std::to_string(payload.shortValue);
+        case tagLong: return "long " + std::to_string(payload.longValue);
+        case tagFloat: return "float " + shortest(static_cast<double>(payload.floatValue));
+        case tagDouble: return "double " + shortest(payload.doubleValue);
+        case tagChar: return "character " + std::to_string(payload.charValue);
+        case tagUShort: return "unsigned short " + std::to_string(payload.ushortValue);
+        case tagWord: return "word " + std::to_string(payload.longValue);
+        case tagNumber: return "number " + std::to_string(payload.longValue);
+        case tagText: return form + escaped(payload.text);
+        case tagString: return form + escaped(payload.string->text);
+        case tagWideText: {
+            std::string units;
+            for (const char16_t* unit = payload.wideText; *unit != 0; ++unit) {
+                units += *unit < 128 ? std::string(1, static_cast<char>(*unit))
+                                     : "<" + std::to_string(*unit) + ">";
+            }
+            return form + escaped(units);
+        }
+        case tagBlob:
+            return "blob " + escaped({reinterpret_cast<const char*>(payload.blob.data),
+                                      static_cast<std::size_t>(payload.blob.length)});
+        case tagBlock: return form + escaped({reinterpret_cast<const char*>(payload.block), 16});
+        case tagVector: return form + readableElements(*value);
+        case tagList: return form + readableElements(*value);
+        case tagMulti: return form + readableElements(*value);
+        case tagRecord: return form + readableElements(*value);
+        default:
+            return "tag " + std::to_string(value->tag) + ", payload " +
+                   std::to_string(tarn::loadLittleEndian(payload.plain, 8));
+    }
+}
+
+inline bool operator==(const Owned& a, const MOLTVARIANT& b) {
+    return readable(&a) == readable(&b);
 }
 
 // Everything that a value holds, in the notation: equal texts mean equal values.
