@@ -1,6 +1,7 @@
 #pragma once
 
-// Every public header of the library.  A source that needs one family includes that family's header alone.
+/// @file
+/// Every public header of the library.  A source that needs one family includes that family's header alone.
 
 #include "calendar/market_calendar.h"
 #include "core/containers.h"

@@ -1,6 +1,7 @@
 #pragma once
 
-// TARN_EXPORT marks what a shared build of the library offers; everything else stays hidden in it.
+/// @file
+/// `TARN_EXPORT` marks what a shared build of the library offers; everything else is hidden in it.
 
 #include "platform/linkage.h"
 

@@ -1,6 +1,7 @@
 #pragma once
 
-// How a name leaves a shared library on this system.  Users meet it as TARN_EXPORT of core/export.h.
+/// @file
+/// How a name leaves a shared library on this system.  Users meet it as `TARN_EXPORT` of core/export.h.
 
 #if defined(_WIN32)
 #if defined(TARN_SHARED_BUILD)

@@ -1,21 +1,25 @@
 #pragma once
 
-// The Win32 operations, types and constants that the library and its clients use, under their published names
-// and values.  On Windows this is the system's own header; elsewhere the sources beside this file stand
-// behind the declarations, one source or folder per family:
-//
-//   files                   platform/files/        ini files               platform/profile/
-//   registry                platform/registry/     screen, bitmaps,
-//   menus                   platform/menus.cpp       resources, memory     platform/drawing/
-//   messages                platform/messages.cpp  modules                 platform/modules.cpp
-//   numbers and texts       platform/text_services.cpp
-//   clock, last error       platform/clock.cpp, platform/last_error.cpp
-//
-// docs/platform.md tells what each family does where Win32 leaves a choice.  Programs and tests that want
-// another clock, screen or message box than the machine's include platform/host.h.
-//
-// Threads: every operation may be called from any thread; one handle belongs to one thread at a time.  The
-// last error is one word for the whole process.
+/// @file
+/// The Win32 operations, types and constants that the library and its clients use, under their published
+/// names and values.  On Windows this is the system's own header; elsewhere the sources beside this file
+/// implement the declarations:
+///
+///     files                     platform/files/
+///     ini files                 platform/profile/
+///     registry                  platform/registry/
+///     screen, bitmaps,
+///       resources, memory       platform/drawing/
+///     menus                     platform/menus.cpp
+///     messages, modules         platform/messages.cpp, platform/modules.cpp
+///     numbers and texts         platform/text_services.cpp
+///     clock, last error         platform/clock.cpp, platform/last_error.cpp
+///
+/// docs/platform.md says what each family does where Win32 leaves a choice.  Programs and tests that want
+/// another clock, screen or message box than the machine's include platform/host.h.
+///
+/// Threads: every operation may be called from any thread; one handle belongs to one thread at a time.  The
+/// last error is one word for the whole process.
 
 #if defined(_WIN32)
 
@@ -32,7 +36,8 @@
 
 #include "platform/linkage.h"
 
-// ---------------------------------------------------------------------------------------------- basic types
+/// @name Basic types
+/// @{
 
 using BOOL = std::int32_t;
 using BYTE = std::uint8_t;
@@ -48,8 +53,10 @@ using HANDLE = void*;
 
 constexpr BOOL FALSE = 0;
 constexpr BOOL TRUE = 1;
+/// @}
 
-// ----------------------------------------------------------------------------------------------- last error
+/// @name Last error
+/// @{
 
 constexpr DWORD ERROR_SUCCESS = 0;
 constexpr DWORD ERROR_FILE_NOT_FOUND = 2;
@@ -88,11 +95,14 @@ constexpr DWORD ERROR_RESOURCE_DATA_NOT_FOUND = 1812;
 constexpr DWORD ERROR_RESOURCE_TYPE_NOT_FOUND = 1813;
 constexpr DWORD ERROR_RESOURCE_NAME_NOT_FOUND = 1814;
 
-// One word for the whole process, which an operation that fails sets.
+/// Answers the code of the last failure, one word for the whole process.
 TARN_LINKAGE DWORD GetLastError();
+/// Sets that word.
 TARN_LINKAGE void SetLastError(DWORD code);
+/// @}
 
-// ---------------------------------------------------------------------------------------------------- files
+/// @name Files
+/// @{
 
 struct SECURITY_ATTRIBUTES;
 struct OVERLAPPED;
@@ -116,78 +126,110 @@ constexpr DWORD FILE_CURRENT = 1;
 constexpr DWORD FILE_END = 2;
 constexpr DWORD MAX_PATH = 260;
 
-// Opens or makes a file.  `\` in a name counts as `/`.  Sharing modes hold between all opens that go through
-// this layer, in this and in other processes.  The security attributes and the template must be NULL.
-// Answers INVALID_HANDLE_VALUE if it fails.
-// Owner: the caller, CloseHandle.
+/// Opens or makes a file.  `\` in a name counts as `/`.  Sharing modes hold between all opens that go through
+/// this layer, in this and in other processes.  The security attributes and the template must be NULL.
+/// - Answers INVALID_HANDLE_VALUE if it fails.
+/// - Owner: the caller, CloseHandle.
 TARN_LINKAGE HANDLE CreateFileA(const char* name, DWORD access, DWORD share, SECURITY_ATTRIBUTES* security,
                                 DWORD creation, DWORD flags, HANDLE pattern);
 
-// Answer the low 32 bits of the size or the new position and give out the high ones, unless that argument is
-// NULL; -1 if it fails.
+/// Answers the low 32 bits of the size, INVALID_FILE_SIZE if it fails.
+/// - `high`: out, the high 32 bits; may be NULL
 TARN_LINKAGE DWORD GetFileSize(HANDLE file, DWORD* high);
+/// Moves the file's position and answers its low 32 bits, INVALID_SET_FILE_POINTER if it fails.
+/// - `distanceHigh`: in and out, the high 32 bits; may be NULL
 TARN_LINKAGE DWORD SetFilePointer(HANDLE file, LONG distance, LONG* distanceHigh, DWORD method);
-// Move bytes from or to the file's position and give out how many were moved: fewer at the end of the file,
-// or where the disk takes no more.  The overlapped structure must be NULL.
-// Answer FALSE for a fault of the device and for a handle without that access.
+/// Reads bytes from the file's position.  The overlapped structure must be NULL.
+/// - `bytesRead`: out, how many were read; fewer at the end of the file
+/// - Answers FALSE for a fault of the device and for a handle without read access.
 TARN_LINKAGE BOOL ReadFile(HANDLE file, void* buffer, DWORD bytes, DWORD* bytesRead, OVERLAPPED* overlapped);
+/// Writes bytes at the file's position.  The overlapped structure must be NULL.
+/// - `bytesWritten`: out, how many were written; fewer if the disk takes no more
+/// - Answers FALSE for a fault of the device and for a handle without write access.
 TARN_LINKAGE BOOL WriteFile(HANDLE file, const void* buffer, DWORD bytes, DWORD* bytesWritten,
                             OVERLAPPED* overlapped);
-// Closes a file.  Answers FALSE for what is no open file.
+/// Closes a file.  Answers FALSE for what is no open file.
 TARN_LINKAGE BOOL CloseHandle(HANDLE handle);
-// Answers the length without the NUL, or where the buffer is too small the size that it should have.
+/// Writes the current directory and answers its length without the NUL.  If the buffer is too small, it
+/// answers the size that the buffer should have.
 TARN_LINKAGE DWORD GetCurrentDirectoryA(DWORD size, char* buffer);
+/// @}
 
-// ---------------------------------------------------------------------------------------------------- clock
+/// @name Clock
+/// @{
 
 struct SYSTEMTIME {
-    WORD wYear, wMonth, wDayOfWeek, wDay, wHour, wMinute, wSecond, wMilliseconds;  // Sunday is 0
+    WORD wYear, wMonth, wDayOfWeek, wDay, wHour, wMinute, wSecond, wMilliseconds;  ///< Sunday is 0
 };
 
-// The first in Coordinated Universal Time, the second in the time zone of the environment.
+/// The time in Coordinated Universal Time.
 TARN_LINKAGE void GetSystemTime(SYSTEMTIME* time);
+/// The time in the time zone of the environment.
 TARN_LINKAGE void GetLocalTime(SYSTEMTIME* time);
+/// @}
 
-// ------------------------------------------------------------------------------------------ number and text
+/// @name Number and text
+/// @{
 
-// The radix runs from 2 to 36; only radix 10 writes a sign, every other shows the 32 bits as unsigned.
+/// Writes a number and answers the buffer.  The radix is 2 to 36; only radix 10 writes a sign, every other
+/// shows the 32 bits as unsigned.
 TARN_LINKAGE char* _itoa(int value, char* buffer, int radix);
+/// The same as _itoa.
 TARN_LINKAGE char* _ltoa(LONG value, char* buffer, int radix);
-// Shows up to 17 significant digits, without trailing zeros; no point behind a whole number.
+/// Writes a number with up to 17 significant digits, without trailing zeros and without a point behind a
+/// whole number, and answers the buffer.
 TARN_LINKAGE char* _gcvt(double value, int digits, char* buffer);
-// Compare by unsigned bytes with A to Z folded; lstrcmpiA takes NULL, which stands before every text.
+/// Compares by unsigned bytes, without the case of A to Z.
 TARN_LINKAGE int _stricmp(const char* a, const char* b);
+/// Compares at most `length` bytes in the same way.
 TARN_LINKAGE int _strnicmp(const char* a, const char* b, std::size_t length);
+/// Compares in the same way, and takes NULL, which is before every text.
 TARN_LINKAGE int lstrcmpiA(const char* a, const char* b);
-// Answers the length of a text, of NULL 0.
+/// Answers the length of a text, of NULL 0.
 TARN_LINKAGE int lstrlenA(const char* text);
+/// @}
 
-// -------------------------------------------------------------------------------------------- profile files
+/// @name Profile files
+/// Ini files.  A path without a folder means the current folder.  Names of sections and keys are compared
+/// without the case of A to Z and without blanks at their ends.  A write replaces the file whole, under a
+/// lock that other writers wait for, and keeps every line that it doesn't change.  During a write a crash
+/// leaves the old file or the new one, after it the new one.
+/// @{
 
-// Ini files.  A path without a folder means the current folder.  Names of sections and keys count without the
-// case of A to Z and without blanks at their ends.  A write replaces the file whole, under a lock that other
-// writers wait for, and keeps every line that it doesn't change.
-//
-// Reading: NULL as section lists the sections, NULL as key the section's keys, each name with a NUL and one
-// more at the end.  Answers the characters without the last NUL; what doesn't fit is cut, size - 1 for a
-// value, size - 2 for a list.  The last error tells afterwards: 0, 234 (cut), 2 or 3 (not there, and the
-// default delivered), 32 (held by another who doesn't share it).
+/// Reads a text.  NULL as section lists the sections, NULL as key the section's keys, each name with a NUL
+/// and one more at the end.  What doesn't fit is cut, to size - 1 characters for a text, size - 2 for a list.
+/// The last error is set in any case: 0, 234 (cut), 2 or 3 (not there, and the default delivered), 32 (open
+/// elsewhere and not shared).
+/// - Answers the number of characters without the last NUL.
 TARN_LINKAGE DWORD GetPrivateProfileStringA(const char* section, const char* key, const char* defaultText,
                                             char* buffer, DWORD size, const char* file);
-// Answers the number that the value begins with, modulo 2^32, or the default for a missing or empty one.
+/// Answers the number that the value begins with, modulo 2^32, or the default for a missing or empty one.
 TARN_LINKAGE UINT GetPrivateProfileIntA(const char* section, const char* key, std::int32_t defaultValue,
                                         const char* file);
-// Answers TRUE if the value is a block of just that many bytes and undamaged; else the buffer stays.
+/// Reads a block of bytes.
+/// - Answers TRUE if the value is an undamaged block of exactly `size` bytes; otherwise the buffer stays.
 TARN_LINKAGE BOOL GetPrivateProfileStructA(const char* section, const char* key, void* buffer, UINT size,
                                            const char* file);
-// A NULL text removes the key, a NULL key the section.  During a write a crash leaves the old file or the new
-// one, after it the new one.  NULL for all three flushes, which leaves nothing to do, and answers FALSE.
+/// Writes a text.  A NULL text removes the key, a NULL key the section.  NULL for all three would flush, for
+/// which there is nothing to do, and answers FALSE.
 TARN_LINKAGE BOOL WritePrivateProfileStringA(const char* section, const char* key, const char* text,
                                              const char* file);
+/// Writes a block of bytes.  NULL data removes the key, a NULL key the section.
 TARN_LINKAGE BOOL WritePrivateProfileStructA(const char* section, const char* key, void* data, UINT size,
                                              const char* file);
+/// @}
 
-// ------------------------------------------------------------------------------------------------- registry
+/// @name Registry
+/// Keys and values in the user's data folder; docs/registry-folder.md has the layout.  Anything may be
+/// created below any root.  A name of a key holds 1 to 255 bytes, that of a value up to 16383, and a value 1
+/// MiB; keys are nested 512 deep at most.  Names are compared without the case of A to Z and keep the
+/// spelling that they were made with.
+///
+/// The operations answer 0 or an error: 2 for what isn't there, 5 for a key that still has keys below it, 6
+/// for no handle of an open key, 87 for what is too long or too deep or has NULL where it can't be, 1015 for
+/// what is in the folder and isn't the registry's or is damaged, 1018 for a handle of a deleted key.  The
+/// access mask, options and security attributes are ignored: every handle may do everything.
+/// @{
 
 struct HKEY__;
 using HKEY = HKEY__*;
@@ -195,7 +237,7 @@ using REGSAM = DWORD;
 using LSTATUS = LONG;
 
 struct FILETIME {
-    DWORD dwLowDateTime, dwHighDateTime;  // 100 ns since 1601
+    DWORD dwLowDateTime, dwHighDateTime;  ///< 100 ns since 1601
 };
 
 #define HKEY_CLASSES_ROOT (reinterpret_cast<HKEY>(static_cast<ULONG_PTR>(static_cast<LONG>(0x80000000))))
@@ -224,48 +266,43 @@ constexpr DWORD REG_LINK = 6;
 constexpr DWORD REG_MULTI_SZ = 7;
 constexpr DWORD REG_QWORD = 11;
 
-// Keys and values in the user's data folder; docs/registry-folder.md has the layout.  Anything may be created
-// below any root.  A name of a key holds 1 to 255 bytes, that of a value up to 16383, and a value 1 MiB; keys
-// go 512 deep.  Names count without the case of A to Z and keep the spelling that they were made with.
-//
-// They answer 0 or an error: 2 for what isn't there, 5 for a key that still has keys below it, 6 for no
-// handle of an open key, 87 for what is too long or too deep or has NULL where it can't be, 1015 for what
-// lies in the folder and isn't the registry's or is damaged, 1018 for a handle of a deleted key.  The access
-// mask, options and security attributes are not kept: every handle may do everything.
-
-// Opens a key.
-// Owner: the caller, RegCloseKey.
+/// Opens a key.
+/// - Owner: the caller, RegCloseKey.
 TARN_LINKAGE LSTATUS RegOpenKeyExA(HKEY key, const char* name, DWORD options, REGSAM access, HKEY* result);
-// Opens a key or makes it, and its parents too; the class text is given to the last key alone, and only if it
-// is new.
+/// Opens a key or makes it, and its parents too; the class text is given to the last key alone, and only if
+/// it is new.
+/// - Owner: the caller, RegCloseKey.
 TARN_LINKAGE LSTATUS RegCreateKeyExA(HKEY key, const char* name, DWORD reserved, char* classText,
                                      DWORD options, REGSAM access, const SECURITY_ATTRIBUTES* security,
                                      HKEY* result, DWORD* disposition);
-// Closes a handle; a root stays open.
+/// Closes a handle; a root stays open.
 TARN_LINKAGE LSTATUS RegCloseKey(HKEY key);
-// Delete a key below this one, or a value of this one.
+/// Deletes a key below this one.
 TARN_LINKAGE LSTATUS RegDeleteKeyA(HKEY key, const char* name);
+/// Deletes a value of this key.
 TARN_LINKAGE LSTATUS RegDeleteValueA(HKEY key, const char* name);
-// Gives out a name of the keys below, in the order of their names without case; 259 behind the last, 234 for
-// too small a buffer.
+/// Reads the name of one of the keys below, in the order of their names without case.  Answers 259 behind the
+/// last, 234 for too small a buffer.
 TARN_LINKAGE LSTATUS RegEnumKeyA(HKEY key, DWORD index, char* name, DWORD size);
-// Stores `size` bytes as they are, under any type.
+/// Stores `size` bytes as they are, under any type.
 TARN_LINKAGE LSTATUS RegSetValueExA(HKEY key, const char* name, DWORD reserved, DWORD type, const BYTE* data,
                                     DWORD size);
-// Reads a value.  A text that was stored without its NUL gets one where the buffer has room; 234 and the size
-// for too small a buffer, which then stays.
+/// Reads a value.  A text that was stored without its NUL gets one if the buffer has room.  For too
+/// small a buffer, which then stays, it answers 234 and the size.
 TARN_LINKAGE LSTATUS RegQueryValueExA(HKEY key, const char* name, DWORD* reserved, DWORD* type, BYTE* data,
                                       DWORD* size);
-// Writes the key and its parents through to the disk.
+/// Writes the key and its parents through to the disk.
 TARN_LINKAGE LSTATUS RegFlushKey(HKEY key);
-// Counts what a key holds.  Every out argument may be NULL.  Lengths are in bytes, those of names and classes
-// without the NUL.
+/// Reads how much a key holds.  Every out argument may be NULL.  Lengths are in bytes, those of names and
+/// classes without the NUL.
 TARN_LINKAGE LSTATUS RegQueryInfoKeyA(HKEY key, char* classText, DWORD* classSize, DWORD* reserved,
                                       DWORD* subKeys, DWORD* longestSubKey, DWORD* longestClass,
                                       DWORD* values, DWORD* longestValueName, DWORD* largestValue,
                                       DWORD* securityDescriptor, FILETIME* lastWriteTime);
+/// @}
 
-// ---------------------------------------------------------------------------------------------------- menus
+/// @name Menus
+/// @{
 
 using HMENU = struct HMENU__*;
 using HBITMAP = struct HBITMAP__*;
@@ -287,7 +324,7 @@ constexpr UINT MIIM_FTYPE = 0x100;
 constexpr UINT MFT_OWNERDRAW = MF_OWNERDRAW;
 
 struct MENUITEMINFOA {
-    UINT cbSize;  // sizeof(MENUITEMINFOA), or that without hbmpItem
+    UINT cbSize;  ///< sizeof(MENUITEMINFOA), or that without hbmpItem
     UINT fMask;
     UINT fType;
     UINT fState;
@@ -301,26 +338,33 @@ struct MENUITEMINFOA {
     HBITMAP hbmpItem;
 };
 
-// Makes a menu without entries.
-// Owner: the caller, DestroyMenu, until it is appended to another menu.
+/// Makes a menu without entries.
+/// - Owner: the caller, DestroyMenu, until it is appended to another menu.
 TARN_LINKAGE HMENU CreatePopupMenu();
-// Adds an entry at the end.  With MF_POPUP `id` is a menu, which goes with this one; with MF_OWNERDRAW
-// `content` is the entry's data.
+/// Adds an entry at the end.  With MF_POPUP `id` is a menu, which belongs to this one from now on; with
+/// MF_OWNERDRAW `content` is the entry's data.
 TARN_LINKAGE BOOL AppendMenuA(HMENU menu, UINT flags, ULONG_PTR id, const char* content);
-// Removes an entry, and its menu.  By command a menu is searched with all menus below it, depth first, and
-// the first entry of that id is taken.
+/// Removes an entry and its menu.  By command the menu and all menus below it are searched, depth first, for
+/// the first entry of that id.
 TARN_LINKAGE BOOL DeleteMenu(HMENU menu, UINT item, UINT flags);
-// Destroys a menu and every menu below it.
+/// Destroys a menu and every menu below it.
 TARN_LINKAGE BOOL DestroyMenu(HMENU menu);
-// Read a menu back; the first three answer -1, -1 and NULL for what isn't there.  The state of a popup has
-// the number of its entries in bits 8 to 15.
+/// Answers the number of entries, -1 for what is no menu.
 TARN_LINKAGE int GetMenuItemCount(HMENU menu);
+/// Answers an entry's id, -1 for what isn't there and for a popup.
 TARN_LINKAGE UINT GetMenuItemID(HMENU menu, int position);
+/// Answers an entry's menu, NULL if it has none.
+/// - Owner: the menu.
 TARN_LINKAGE HMENU GetSubMenu(HMENU menu, int position);
+/// Answers an entry's MF_ flags, -1 for what isn't there.  Those of a popup have the number of its entries in
+/// bits 8 to 15.
 TARN_LINKAGE UINT GetMenuState(HMENU menu, UINT item, UINT flags);
+/// Reads the members of an entry that `fMask` asks for.
 TARN_LINKAGE BOOL GetMenuItemInfoA(HMENU menu, UINT item, BOOL byPosition, MENUITEMINFOA* info);
+/// @}
 
-// ------------------------------------------------------------------------------- screen, bitmaps, resources
+/// @name Screen, bitmaps, resources
+/// @{
 
 using HINSTANCE = struct HINSTANCE__*;
 using HMODULE = HINSTANCE;
@@ -332,7 +376,7 @@ using HRSRC = struct HRSRC__*;
 using HGDIOBJ = void*;
 using HGLOBAL = HANDLE;
 using HLOCAL = HANDLE;
-using COLORREF = DWORD;  // 0x00BBGGRR
+using COLORREF = DWORD;  ///< 0x00BBGGRR
 
 constexpr int SM_CXSCREEN = 0, SM_CYSCREEN = 1, SM_CXVSCROLL = 2, SM_CYHSCROLL = 3, SM_CYCAPTION = 4;
 constexpr int SM_CXBORDER = 5, SM_CYBORDER = 6, SM_CXDLGFRAME = 7, SM_CYDLGFRAME = 8;
@@ -393,7 +437,7 @@ struct RGBQUAD {
 };
 struct BITMAPINFOHEADER {
     DWORD biSize;
-    LONG biWidth, biHeight;  // rows run upward when the height is above 0
+    LONG biWidth, biHeight;  ///< rows run upward when the height is above 0
     WORD biPlanes, biBitCount;
     DWORD biCompression, biSizeImage;
     LONG biXPelsPerMeter, biYPelsPerMeter;
@@ -404,63 +448,93 @@ struct BITMAPINFO {
     RGBQUAD bmiColors[1];
 };
 
-// Answer from the screen that platform/host.h describes: 0 for an unknown index.  Nothing is updated.
+/// Answers one of the screen's sizes (platform/host.h describes the screen), 0 for an unknown index.
 TARN_LINKAGE int GetSystemMetrics(int index);
+/// Answers one of the screen's colours, 0 for an unknown index.
 TARN_LINKAGE COLORREF GetSysColor(int index);
+/// Reads the font of icon titles; other actions answer FALSE.  Nothing is updated.
 TARN_LINKAGE BOOL SystemParametersInfoA(UINT action, UINT size, void* out, UINT update);
+/// Reads the version of Windows that the screen's description gives.
 TARN_LINKAGE BOOL GetVersionExA(OSVERSIONINFOA* version);
+/// Answers the desktop's handle, which GetDC accepts.
 TARN_LINKAGE HWND GetDesktopWindow();
 
-// Device contexts.  The screen's shows no pixels; those of a memory device context are its bitmap's.
-// Owner: the caller, ReleaseDC for GetDC and DeleteDC for CreateCompatibleDC.
+/// Makes a device context of the screen, which shows no pixels.
+/// - Owner: the caller, ReleaseDC.
 TARN_LINKAGE HDC GetDC(HWND window);
+/// Releases a device context of GetDC.
 TARN_LINKAGE int ReleaseDC(HWND window, HDC context);
+/// Makes a memory device context, whose pixels are its bitmap's.
+/// - Owner: the caller, DeleteDC.
 TARN_LINKAGE HDC CreateCompatibleDC(HDC context);
+/// Releases a device context of CreateCompatibleDC.
 TARN_LINKAGE BOOL DeleteDC(HDC context);
+/// Answers a size of the context's device, 0 for an unknown index.
 TARN_LINKAGE int GetDeviceCaps(HDC context, int index);
-// Put a bitmap or a palette into the context and answer the one that was there, NULL if it can't be done.
+/// Puts an object into the context and answers the one that was there, NULL if it can't be done.
 TARN_LINKAGE HGDIOBJ SelectObject(HDC context, HGDIOBJ object);
+/// Puts a palette into the context and answers the one that was there, NULL if it can't be done.
 TARN_LINKAGE HPALETTE SelectPalette(HDC context, HPALETTE palette, BOOL background);
-// Answers 0: a true-colour screen maps no entries.
+/// Answers 0: a true-colour screen maps no entries.
 TARN_LINKAGE UINT RealizePalette(HDC context);
-// Fill a rectangle, without its right column and lower row, and read one pixel: CLR_INVALID outside the
-// bitmap.
+/// Writes the four sides of a rectangle.
 TARN_LINKAGE BOOL SetRect(RECT* rectangle, int left, int top, int right, int bottom);
+/// Fills a rectangle of the context's bitmap, without its right column and lower row.
 TARN_LINKAGE int FillRect(HDC context, const RECT* rectangle, HBRUSH brush);
+/// Answers one pixel, CLR_INVALID outside the bitmap.
 TARN_LINKAGE COLORREF GetPixel(HDC context, int x, int y);
 
-// Make bitmaps, palettes and brushes; NULL if it can't be done.
-// Owner: the caller, DeleteObject.
+/// Makes an empty bitmap; NULL if it can't be done.
+/// - Owner: the caller, DeleteObject.
 TARN_LINKAGE HBITMAP CreateCompatibleBitmap(HDC context, int width, int height);
+/// Makes a bitmap with the pixels of a device-independent one if `flags` is CBM_INIT; NULL if it can't be
+/// done.
+/// - Owner: the caller, DeleteObject.
 TARN_LINKAGE HBITMAP CreateDIBitmap(HDC context, const BITMAPINFOHEADER* header, DWORD flags,
                                     const void* pixels, const BITMAPINFO* info, UINT usage);
+/// Makes a palette; NULL if it can't be done.
+/// - Owner: the caller, DeleteObject.
 TARN_LINKAGE HPALETTE CreatePalette(const LOGPALETTE* palette);
+/// Makes a brush of one colour; NULL if it can't be done.
+/// - Owner: the caller, DeleteObject.
 TARN_LINKAGE HBRUSH CreateSolidBrush(COLORREF color);
-// Read palettes and bitmaps back; 0 for what is neither.
+/// Reads entries of a palette and answers how many; 0 for what is no palette.
 TARN_LINKAGE UINT GetPaletteEntries(HPALETTE palette, UINT first, UINT count, PALETTEENTRY* entries);
+/// Reads the description of a bitmap or the number of a palette's entries; 0 for what is neither.
 TARN_LINKAGE int GetObjectA(HANDLE object, int size, void* out);
-// Releases an object; refused while a bitmap is selected.
+/// Releases an object; refused while a bitmap is selected.
 TARN_LINKAGE BOOL DeleteObject(HGDIOBJ object);
 
-// Resources are those of tarn::addResource, which owns them; names are numbers, or texts like "#101".
-// Nothing has to be freed: FreeResource does nothing and answers FALSE.
+/// Finds a resource of tarn::addResource by its name and type, each a number or a text like "#101".
+/// - Owner: the module, as of what LoadResource and LockResource answer; nothing has to be freed.
 TARN_LINKAGE HRSRC FindResourceA(HINSTANCE module, const char* name, const char* type);
+/// Answers the handle of a resource's bytes.
 TARN_LINKAGE HGLOBAL LoadResource(HINSTANCE module, HRSRC resource);
+/// Answers a resource's bytes.
 TARN_LINKAGE void* LockResource(HGLOBAL resource);
+/// Answers the number of a resource's bytes.
 TARN_LINKAGE DWORD SizeofResource(HINSTANCE module, HRSRC resource);
+/// Does nothing and answers FALSE.
 TARN_LINKAGE BOOL FreeResource(HGLOBAL resource);
-// Makes a bitmap of a resource.
-// Owner: the caller, DeleteObject.
+/// Makes a bitmap of a resource.
+/// - Owner: the caller, DeleteObject.
 TARN_LINKAGE HBITMAP LoadBitmapA(HINSTANCE module, const char* name);
 
-// Blocks of memory, zeroed.  Those that are moveable count their locks.  The release answers NULL.
+/// Makes a block of zeroed memory.
+/// - Owner: the caller, GlobalFree.
 TARN_LINKAGE HGLOBAL GlobalAlloc(UINT flags, std::size_t bytes);
+/// Answers the address of a block's bytes; a moveable block counts its locks.
 TARN_LINKAGE void* GlobalLock(HGLOBAL memory);
+/// Takes one lock back.
 TARN_LINKAGE BOOL GlobalUnlock(HGLOBAL memory);
+/// Releases a block and answers NULL.
 TARN_LINKAGE HGLOBAL GlobalFree(HGLOBAL memory);
+/// Releases a text of FormatMessageA, or another block, and answers NULL.
 TARN_LINKAGE HLOCAL LocalFree(HLOCAL memory);
+/// @}
 
-// ---------------------------------------------------------------------------------------- messages, modules
+/// @name Messages, modules
+/// @{
 
 using FARPROC = std::intptr_t(WINAPI*)();
 
@@ -474,26 +548,28 @@ constexpr UINT SEM_FAILCRITICALERRORS = 1;
 constexpr UINT SEM_NOOPENFILEERRORBOX = 0x8000;
 constexpr DWORD DLL_PROCESS_ATTACH = 1;
 
-// Gives out the text of an error code.  With FORMAT_MESSAGE_ALLOCATE_BUFFER `buffer` is the address of a
-// char*, which LocalFree releases.  Inserts (%1) are never filled: a text that holds one is given with
-// FORMAT_MESSAGE_IGNORE_INSERTS alone.
+/// Writes the text of an error code and answers its length.  With FORMAT_MESSAGE_ALLOCATE_BUFFER `buffer` is
+/// the address of a char*, which LocalFree releases.  Inserts (`%1`) are never filled: a text that holds one
+/// is written only with FORMAT_MESSAGE_IGNORE_INSERTS.
 TARN_LINKAGE DWORD FormatMessageA(DWORD flags, const void* source, DWORD code, DWORD language, char* buffer,
                                   DWORD size, std::va_list* arguments);
-// Shows a box: through tarn::setMessageBox, or on standard error, which answers IDOK.
+/// Shows a box: by the function of tarn::setMessageBox, or on standard error, which answers IDOK.
 TARN_LINKAGE int MessageBoxA(HWND owner, const char* text, const char* caption, UINT style);
 
-// Loads a module, again for each call.  `file` may leave out the suffix ".so"; without a folder it is
-// searched for where the system searches.
-// Owner: the caller, FreeLibrary.
+/// Loads a module; each call counts.  `file` may leave out the suffix ".so"; without a folder it is searched
+/// for where the system searches.
+/// - Owner: the caller, FreeLibrary.
 TARN_LINKAGE HMODULE LoadLibraryA(const char* file);
-// Finds a function; the module NULL is the program itself.
+/// Finds a function; the module NULL is the program itself.
 TARN_LINKAGE FARPROC GetProcAddress(HMODULE module, const char* name);
-// Takes one load back.
+/// Takes one load back.
 TARN_LINKAGE BOOL FreeLibrary(HMODULE module);
-// Does nothing; answers FALSE for what is no loaded module.
+/// Does nothing; answers FALSE for what is no loaded module.
 TARN_LINKAGE BOOL DisableThreadLibraryCalls(HMODULE module);
-// Keep a mode that nothing here reads; the first answers the earlier one.
+/// Keeps a mode that nothing here reads, and answers the earlier one.
 TARN_LINKAGE UINT SetErrorMode(UINT mode);
+/// Answers the mode that was kept.
 TARN_LINKAGE UINT GetErrorMode();
+/// @}
 
 #endif

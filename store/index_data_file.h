@@ -1,19 +1,21 @@
 #pragma once
 
-// A set of keyed records of tagged values in memory, saved to one file and loaded from one.  The engine
-// record's file is such a set; other users keep settings and tables in it.
-//
-//   tarnIndexDataFile file;
-//   file.addIndexRecord(7, 0, 2);            // record (id 7, type 0) with two values
-//   file.addDataRecord(7, 0, 1, "abc");      // 1; value 0 stays empty
-//   file.writeIndexDataFile("client.dat");   // 1
-//
-// A record is known by the pair of `id` and `type`, which stands at most once.  Records keep the order in
-// which they came, in memory and in the file, so that saving what was just loaded gives the same bytes.
-// Nothing removes a record but a load.  A file is never changed in place; docs/file-formats.md has its bytes.
-//
-// Threads: no shared state, and one object belongs to one thread at a time.  A file is open, without sharing,
-// only during the call.
+/// @file
+/// A set of keyed records of tagged values in memory, saved to one file and loaded from one.  The engine
+/// record's file is such a set; other users keep settings and tables in it.
+///
+///     tarnIndexDataFile file;
+///     file.addIndexRecord(7, 0, 2);            // record (id 7, type 0) with two values
+///     file.addDataRecord(7, 0, 1, "abc");      // 1; value 0 stays empty
+///     file.writeIndexDataFile("client.dat");   // 1
+///
+/// A record is known by the pair of `id` and `type`, which is there at most once.  Records keep the order in
+/// which they were added, in memory and in the file, so that saving what was just loaded gives the same
+/// bytes.  Only a load removes records.  A save writes the whole file anew over the old one, and a save that
+/// fails has already destroyed the old content; docs/file-formats.md has the file's bytes.
+///
+/// Threads: no shared state, and one object belongs to one thread at a time.  A file is open, without
+/// sharing, only during the call.
 
 #include <cstdint>
 #include <vector>
@@ -21,76 +23,86 @@
 #include "core/export.h"
 #include "core/variant.h"
 
-// On disk: these four words, little-endian.
+/// On disk: these four words, little-endian.
 struct _IndexRecord {
     std::int32_t id;
     std::int32_t type;
-    std::int32_t repeats;  // number of values
-    std::int32_t offset;   // of the first value in the data block; -1 until the first save
+    std::int32_t repeats;  ///< number of values
+    std::int32_t offset;   ///< of the first value in the data block; -1 until the first save
 };
 
-// One set of records.
+/// One set of records.
 class TARN_EXPORT tarnIndexDataFile {
   public:
-    // An empty set.
+    /// An empty set.
     tarnIndexDataFile();
     tarnIndexDataFile(const tarnIndexDataFile&) = delete;
     tarnIndexDataFile& operator=(const tarnIndexDataFile&) = delete;
     virtual ~tarnIndexDataFile();
 
-    // --- Records.  A missing pair of keys answers 0.
+    /// @name Records
+    /// A missing pair of keys answers 0.
+    /// @{
 
-    // Makes a record of `repeats` empty values, none below 1.  An existing record doesn't change.
+    /// Makes a record of `repeats` empty values, none below 1.  An existing record doesn't change.
     void addIndexRecord(std::int32_t id, std::int32_t type, std::int32_t repeats);
 
-    // Adds empty values up to `repeats`; a record never shrinks.  Answers 1 if the record exists.
+    /// Adds empty values up to `repeats`; a record never shrinks.
+    /// - Answers 1 if the record exists.
     std::int32_t updateIndexRecord(std::int32_t id, std::int32_t type, std::int32_t repeats);
 
-    // Answers 1 if the record exists.
+    /// Answers 1 if the record exists.
     int checkIndexRecord(std::int32_t id, std::int32_t type);
 
-    // Store a copy of a text (NULL as an empty text) or a deep copy of a value (NULL as an empty value),
-    // which may be one that the set holds.  Answer 1 if the record exists, also for a `repeat` out of range,
-    // which stores nothing.
+    /// Stores a copy of a text as a value of tag 10; NULL is an empty text.
+    /// - Answers 1 if the record exists, also for a `repeat` out of range, which stores nothing.
     int addDataRecord(std::int32_t id, std::int32_t type, std::int32_t repeat, const char* text);
+    /// Stores a deep copy of a value, which may be one that the set holds; NULL is an empty value.
+    /// - Answers 1 if the record exists, also for a `repeat` out of range, which stores nothing.
     int addDataRecord(std::int32_t id, std::int32_t type, std::int32_t repeat, const MOLTVARIANT* value);
 
-    // Gives out a value as a new text (convertToString); NULL for a missing record and a `repeat` out of
-    // range.  Answers 1 if the record exists.
-    // Owner: the caller, delete[].
+    /// Reads a value as a text, as convertToString makes it.
+    /// - `text`: out, a new text; NULL for a missing record and for a `repeat` out of range
+    /// - Answers 1 if the record exists.
+    /// - Owner: the caller, delete[].
     int getDataRecord(std::int32_t id, std::int32_t type, std::int32_t repeat, char** text);
 
-    // Gives out the stored value itself; NULL for a `repeat` out of range, untouched for a missing record.
-    // Owner: the set; it lives until its place is stored over, the set is loaded again or destroyed.
-    // Answers 1 if the record exists.
+    /// Reads a value.
+    /// - `value`: out, the stored value itself; NULL for a `repeat` out of range, untouched for a missing
+    ///   record
+    /// - Answers 1 if the record exists.
+    /// - Owner: the set; the value is good until another one is stored in its place, or the set is loaded
+    ///   again or destroyed.
     int getDataRecord(std::int32_t id, std::int32_t type, std::int32_t repeat, MOLTVARIANT** value);
 
-    // Answers the record's `repeats`, a negative one unchanged.
+    /// Answers the record's `repeats`, a negative one unchanged.
     std::int32_t getNumberRepeats(std::int32_t id, std::int32_t type);
 
-    // Answers how many records have this type.
+    /// Answers how many records have this type.
     std::int32_t getNumberIndexRecords(std::int32_t type);
+    /// @}
 
-    // --- File
+    /// @name File
+    /// @{
 
-    // Saves the set.  Answers 1, or 0 if the file can't be created or a write fails: what was written until
-    // then stays, the old content is gone. Values of tags 16, 20, 21 and 22 have no form in a file and are
-    // written as empty ones.
+    /// Saves the set.  Values of tags 16, 20, 21 and 22 have no form in a file and are written as empty ones.
+    /// - Answers 1, or 0 if the file can't be created or a write fails.  What was written until then stays;
+    ///   the old content is gone.
     int writeIndexDataFile(const char* fileName);
 
-    // Replaces the set by a file's content.  Answers 0 if the file can't be opened or measured (it is 4 GiB
-    // or larger), and 1 in every other case, also for a file that is no such file: the set is then empty.
-    //
-    // Any content is safe to read:
-    // - A header larger than 12 bytes is passed over to its end.
-    // - An index block that the file doesn't hold whole gives no records, a pair of keys that stands twice
-    //   only its first record.
-    // - A value that the file doesn't hold whole reads as an empty value, and so does every one behind it.
-    // - Vectors nest 64 deep; a deeper one reads as an empty value.
-    // - A value of tag 16, 20, 21 or 22 reads as an empty value; of another tag no more than its 8 bytes
-    //   are kept.
-    // - Records may promise a million values more than the file can hold; beyond that `repeats` is cut.
+    /// Replaces the set by a file's content.  Any content is safe to read:
+    /// - A header larger than 12 bytes is skipped to its end.
+    /// - An index block that the file doesn't hold whole gives no records.  Of records with the same pair of
+    ///   keys only the first is read.
+    /// - A value that the file doesn't hold whole reads as an empty value, and so does every one behind it.
+    /// - Vectors nest 64 deep; a deeper one reads as an empty value.
+    /// - A value of tag 16, 20, 21 or 22 reads as an empty value; of another tag no more than its 8 bytes are
+    ///   kept.
+    /// - Records may promise a million values more than the file can hold; beyond that `repeats` is cut.
+    /// - Answers 0 if the file can't be opened or its length can't be measured (it is 4 GiB or longer), and 1
+    ///   in every other case, also for a file of another kind: the set is then empty.
     int readIndexDataFile(const char* fileName);
+    /// @}
 
   private:
     friend class tarnEngineData;
