@@ -267,9 +267,9 @@ class TARN_EXPORT nodeList {
     struct Block;
 
     nodeCell** search(std::int32_t key);
-    nodeCell* newCell();
-    void newBlock(std::int32_t cellCount);
-    void makeRoom(std::int32_t slots);
+    TARN_HIDDEN nodeCell* newCell();
+    TARN_HIDDEN void newBlock(std::int32_t cellCount);
+    TARN_HIDDEN void makeRoom(std::int32_t slots);
 
     Block* blocks_ = nullptr;        // all cells live here
     nodeCell* freeCells_ = nullptr;  // removed ones, chained through `value`

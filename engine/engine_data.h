@@ -203,15 +203,15 @@ class TARN_EXPORT tarnEngineData : public tarnObject {
     friend class tarn::RecordLoader;
 
     inline std::int32_t findField(const tarnFieldList* list, std::int32_t id, int multi);
-    std::int32_t addColumn(std::int32_t id);
+    TARN_HIDDEN std::int32_t addColumn(std::int32_t id);
     inline nodeList* columnAt(std::int32_t index) const;
-    nodeList* findColumn(std::int32_t id);
-    nodeList* findOrMakeColumn(std::int32_t id);
-    void raiseNumMulti(std::int32_t row);
-    void countRows();
-    void releaseAll();
-    void makeEmpty();
-    int loadTextData(const char* fileName, eLoadType mode);
-    int loadBinaryData(const char* fileName, eLoadType mode);
-    int saveBinaryData(const char* fileName);
+    TARN_HIDDEN nodeList* findColumn(std::int32_t id);
+    TARN_HIDDEN nodeList* findOrMakeColumn(std::int32_t id);
+    TARN_HIDDEN void raiseNumMulti(std::int32_t row);
+    TARN_HIDDEN void countRows();
+    TARN_HIDDEN void releaseAll();
+    TARN_HIDDEN void makeEmpty();
+    TARN_HIDDEN int loadTextData(const char* fileName, eLoadType mode);
+    TARN_HIDDEN int loadBinaryData(const char* fileName, eLoadType mode);
+    TARN_HIDDEN int saveBinaryData(const char* fileName);
 };

@@ -46,8 +46,8 @@ class TARN_EXPORT tarnOptionSymbol {
     int isEqual(const tarnOptionSymbol* other) const;
 
   private:
-    void parseSymbol(const char* text);
-    void clearSymbol();
+    TARN_HIDDEN void parseSymbol(const char* text);
+    TARN_HIDDEN void clearSymbol();
 };
 
 /// Answers the root: up to 3 characters from column 0, whatever they are.

@@ -62,12 +62,12 @@ class TARN_EXPORT tarnParser {
   private:
     friend class tarnMenuParser;
 
-    void setDelimiters(const char* characters);
+    TARN_HIDDEN void setDelimiters(const char* characters);
     // Reads a file into `buffer`, with two bytes of 0 behind it, and unscrambles it if `scrambled` is not 0.
     // Answers the buffer, NULL if the file can't be opened, measured or read.
-    char* loadFile(const char* fileName, int scrambled);
-    void append(_link* token);
-    void releaseTokens();
+    TARN_HIDDEN char* loadFile(const char* fileName, int scrambled);
+    TARN_HIDDEN void append(_link* token);
+    TARN_HIDDEN void releaseTokens();
 
     _link* last_ = nullptr;
 };
@@ -126,9 +126,9 @@ class TARN_EXPORT tarnMenuDef {
 
     explicit tarnMenuDef(tarnMenuDef* above) : parent(above) {}
 
-    void renewMenu();
-    void appendEntry(tarnMenuDef& child) const;
-    void releaseBelow();
+    TARN_HIDDEN void renewMenu();
+    TARN_HIDDEN void appendEntry(tarnMenuDef& child) const;
+    TARN_HIDDEN void releaseBelow();
 };
 
 /// Reads one menu file.

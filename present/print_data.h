@@ -82,7 +82,7 @@ class TARN_EXPORT tarnPrintData {
     [[nodiscard]] std::int32_t getNumMultiData(std::int32_t id) const;
 
   private:
-    tarnTList<_MultiPrintStruct*>* findMultiData(std::int32_t id) const;
+    TARN_HIDDEN tarnTList<_MultiPrintStruct*>* findMultiData(std::int32_t id) const;
 
     tarnTList<_PrintStruct*>* items_;
     mutable const _PrintStruct* lastFound_ = nullptr;  // the first item of its id: rows come in runs

@@ -111,7 +111,7 @@ class TARN_EXPORT tarnBitmap {
                     ItarnResourceMgr* manager);
 
   private:
-    void release();
-    HBITMAP loadPaletteBitmap(std::uint16_t id);
-    static HPALETTE createBitmapPalette(const void* packed, std::int32_t* colors);
+    TARN_HIDDEN void release();
+    TARN_HIDDEN HBITMAP loadPaletteBitmap(std::uint16_t id);
+    TARN_HIDDEN static HPALETTE createBitmapPalette(const void* packed, std::int32_t* colors);
 };

@@ -117,11 +117,11 @@ class TARN_EXPORT tarnIndexDataFile {
         std::int32_t size, version, recordCount;
     };
 
-    void clearIndexData();
-    std::int32_t findIndexRecord(std::int32_t id, std::int32_t type);
-    Record* findRecord(std::int32_t id, std::int32_t type);
-    int store(std::int32_t id, std::int32_t type, std::int32_t repeat, const MOLTVARIANT* value);
-    void readContent(const unsigned char* content, std::size_t size);
+    TARN_HIDDEN void clearIndexData();
+    TARN_HIDDEN std::int32_t findIndexRecord(std::int32_t id, std::int32_t type);
+    TARN_HIDDEN Record* findRecord(std::int32_t id, std::int32_t type);
+    TARN_HIDDEN int store(std::int32_t id, std::int32_t type, std::int32_t repeat, const MOLTVARIANT* value);
+    TARN_HIDDEN void readContent(const unsigned char* content, std::size_t size);
 
     std::vector<Record> records_;
     std::int32_t lastFound_ = 0;  // where the next search looks first
