@@ -1,5 +1,6 @@
-// Loading a record: telling the two forms of a file apart, and reading the text form.  The text is cut at
-// each `^` as it is walked, and every token is looked at once.
+// Loading a record: which of the two forms a file has, and reading the text form.  The text is cut at each
+// `^` as it is walked, and every token is looked at once.
+// Tests: tests/engine/record_files_test.cpp.
 
 #include <cstring>
 #include <memory>
@@ -9,6 +10,8 @@
 #include "engine/engine_data.h"
 #include "engine/record_loader.h"
 #include "platform/win32.h"
+#include "store/file_handle.h"
+#include "store/index_format.h"
 #include "store/whole_file.h"
 
 using tarn::OwnedValue;
@@ -19,14 +22,24 @@ namespace {
 constexpr char separator = '^';
 constexpr char divider = '|';
 constexpr char headerMark = '#';
-constexpr char indexedFileMark = '@';
+
+// On disk: the type codes that have a text form.  Those above 5 are older numbers of their tags.
+enum TypeCode : std::int32_t {
+    codeShort = 2,
+    codeLong = 3,
+    codeFloat = 4,
+    codeDouble = 5,
+    codeChar = 12,
+    codeText = 15,
+    codeNumber = 21,
+};
 
 // The tokens of a text, which it cuts up; runs of separators count as one.
 class TokenCursor {
   public:
     explicit TokenCursor(char* text) : rest_(text) {}
 
-    // The next token, or NULL.  What stands behind the last separator is the last token.
+    // The next token, or NULL.  What follows the last separator is the last token.
     char* next() {
         skipSeparators();
         if (*rest_ == '\0') return nullptr;
@@ -50,20 +63,27 @@ class TokenCursor {
     char* rest_;
 };
 
-// A value of the tag that a type code stands for, from its text; empty for a code without a text form.
-OwnedValue valueOf(std::int32_t code, const char* text) {
-    struct TypeCode {
-        std::int32_t code, tag;
-    };
-    static constexpr TypeCode codes[] = {{2, tagShort}, {3, tagLong},  {4, tagFloat},  {5, tagDouble},
-                                         {12, tagChar}, {15, tagText}, {21, tagNumber}};
-    OwnedValue value(new MOLTVARIANT);
-    for (const TypeCode& known : codes) {
-        if (known.code != code) continue;
-        value->payload.text = newstr(text);
-        value->tag = tagText;
-        convertFromString(value.get(), known.tag);
+std::int32_t tagOf(std::int32_t code) {
+    switch (code) {
+        case codeShort: return tagShort;
+        case codeLong: return tagLong;
+        case codeFloat: return tagFloat;
+        case codeDouble: return tagDouble;
+        case codeChar: return tagChar;
+        case codeText: return tagText;
+        case codeNumber: return tagNumber;
+        default: return tagEmpty;
     }
+}
+
+// A value of a type code from its text; empty for a code without a text form.
+OwnedValue valueOf(std::int32_t code, const char* text) {
+    OwnedValue value(new MOLTVARIANT);
+    const std::int32_t tag = tagOf(code);
+    if (tag == tagEmpty) return value;
+    value->payload.text = newstr(text);
+    value->tag = tagText;
+    convertFromString(value.get(), tag);
     return value;
 }
 
@@ -127,6 +147,15 @@ bool loadRows(TokenCursor& tokens, tarn::RecordLoader& loader) {
     return true;
 }
 
+// Of an empty file `byte` stays as it is.
+bool readFirstByte(const char* fileName, unsigned char& byte) {
+    const tarn::FileHandle file(fileName, GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING,
+                                FILE_ATTRIBUTE_NORMAL);
+    DWORD bytesRead = 0;
+    return file.isOpen() && GetFileSize(file.get(), nullptr) != INVALID_FILE_SIZE &&
+           ReadFile(file.get(), &byte, 1, &bytesRead, nullptr) != 0;
+}
+
 }  // namespace
 
 int tarnEngineData::loadTextData(const char* fileName, eLoadType mode) {
@@ -140,14 +169,7 @@ int tarnEngineData::loadTextData(const char* fileName, eLoadType mode) {
 
 int tarnEngineData::loadData(const char* fileName, eLoadType mode) {
     if (fileName == nullptr || fields == nullptr) return 0;
-    const HANDLE file = CreateFileA(fileName, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                                    FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (file == INVALID_HANDLE_VALUE) return 0;
-    char beginning[2] = {};
-    DWORD bytesRead = 0;
-    const bool readable = GetFileSize(file, nullptr) != INVALID_FILE_SIZE &&
-                          ReadFile(file, beginning, sizeof beginning, &bytesRead, nullptr) != 0;
-    CloseHandle(file);
-    if (!readable) return 0;
-    return beginning[0] == indexedFileMark ? loadBinaryData(fileName, mode) : loadTextData(fileName, mode);
+    unsigned char first = 0;
+    if (!readFirstByte(fileName, first)) return 0;
+    return first == tarn::indexfile::marker ? loadBinaryData(fileName, mode) : loadTextData(fileName, mode);
 }

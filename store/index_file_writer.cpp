@@ -1,6 +1,7 @@
-// Writing an indexed data file in one pass.  The index block stands in front of the values but needs their
+// Writing an indexed data file in one pass.  The index block is in front of the values but needs their
 // lengths, so it is written first with offsets of 0 and once more, over itself, when the values are out.
 // Everything goes through one chunk of memory; only a payload larger than that is written by itself.
+// Tests: tests/store/index_data_file_test.cpp.
 
 #include "store/index_file_writer.h"
 
@@ -48,17 +49,13 @@ std::uint32_t vectorLength(MOLTVARIANT* const* vector) {
 }  // namespace
 
 IndexFileWriter::IndexFileWriter(const char* fileName, std::vector<_IndexRecord>& index)
-    : file_(INVALID_HANDLE_VALUE), good_(false), index_(index), buffer_(new unsigned char[chunk]) {
-    if (fileName == nullptr) return;
-    file_ = CreateFileA(fileName, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
-    good_ = isOpen();
+    : file_(fileName, GENERIC_WRITE, 0, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL),
+      good_(file_.isOpen()),
+      index_(index),
+      buffer_(new unsigned char[chunk]) {
     if (!good_) return;
     for (_IndexRecord& record : index_) record.offset = 0;
     writeIndex();
-}
-
-IndexFileWriter::~IndexFileWriter() {
-    if (file_ != INVALID_HANDLE_VALUE) CloseHandle(file_);
 }
 
 void IndexFileWriter::writeIndex() {
@@ -80,7 +77,7 @@ void IndexFileWriter::beginRecord() {
 
 bool IndexFileWriter::finish() {
     flush();
-    good_ = good_ && SetFilePointer(file_, 0, nullptr, FILE_BEGIN) == 0;
+    good_ = good_ && SetFilePointer(file_.get(), 0, nullptr, FILE_BEGIN) == 0;
     writeIndex();
     flush();
     return good_;
@@ -90,7 +87,7 @@ void IndexFileWriter::flush() {
     DWORD written = 0;
     const auto bytes = static_cast<DWORD>(used_);
     if (good_ && bytes != 0) {
-        good_ = WriteFile(file_, buffer_.get(), bytes, &written, nullptr) != 0 && written == bytes;
+        good_ = WriteFile(file_.get(), buffer_.get(), bytes, &written, nullptr) != 0 && written == bytes;
     }
     used_ = 0;
 }
@@ -105,9 +102,8 @@ void IndexFileWriter::write(const void* bytes, std::size_t count) {
     for (std::size_t done = 0; good_ && done < count;) {
         const auto piece = static_cast<DWORD>(std::min(count - done, largestPiece));
         DWORD written = 0;
-        good_ = WriteFile(file_, static_cast<const unsigned char*>(bytes) + done, piece, &written, nullptr) !=
-                    0 &&
-                written == piece;
+        const auto* const place = static_cast<const unsigned char*>(bytes) + done;
+        good_ = WriteFile(file_.get(), place, piece, &written, nullptr) != 0 && written == piece;
         done += piece;
     }
 }
@@ -126,7 +122,7 @@ void IndexFileWriter::writePrefix(std::int32_t tag, std::uint32_t size) {
     putPrefix(reserve(prefixSize), tag, size);
 }
 
-// Texts are most of what records hold: a short one goes out in one piece with its prefix.
+// Texts are most of what records hold: a short one is written in one piece with its prefix.
 void IndexFileWriter::writeText(std::int32_t tag, const char* text) {
     constexpr std::size_t shortText = chunk - prefixSize;
     const std::size_t size = text == nullptr ? 0 : std::strlen(text) + 1;

@@ -9,24 +9,24 @@
 #include <vector>
 
 #include "core/variant.h"
-#include "platform/win32.h"
+#include "store/file_handle.h"
 #include "store/index_data_file.h"
 
 namespace tarn {
 
 // Call order: beginRecord before the values of each record of `index`, writeValue for each of its values,
-// finish. After a failure everything else does nothing, and finish answers false.
+// finish.  After a failure everything else does nothing, and finish answers false.
 class IndexFileWriter {
   public:
-    // Creates the file, or cuts it to nothing, and writes what stands before the values.  `index` gives all
+    // Creates the file, or cuts it to nothing, and writes what is in front of the values.  `index` gives all
     // records in order; it takes the offsets and has to outlive the writer.
     IndexFileWriter(const char* fileName, std::vector<_IndexRecord>& index);
     IndexFileWriter(const IndexFileWriter&) = delete;
     IndexFileWriter& operator=(const IndexFileWriter&) = delete;
-    ~IndexFileWriter();
+    ~IndexFileWriter() = default;
 
     // False if the file couldn't be created: nothing was touched then.
-    [[nodiscard]] bool isOpen() const { return file_ != INVALID_HANDLE_VALUE; }
+    [[nodiscard]] bool isOpen() const { return file_.isOpen(); }
 
     void beginRecord();
     // NULL writes an empty value.
@@ -53,7 +53,7 @@ class IndexFileWriter {
 
     static constexpr std::size_t chunk = 65536;
 
-    HANDLE file_;
+    FileHandle file_;
     bool good_;
     std::vector<_IndexRecord>& index_;
     std::size_t records_ = 0;   // begun
