@@ -1,5 +1,6 @@
 // The record's indexed form (store/index_data_file.h): an index record of type 0 for a single field, with one
 // value, and of type 1 for a column, with a value for every row of the record.
+// Tests: tests/engine/record_files_test.cpp.
 
 #include <algorithm>
 #include <utility>
@@ -8,6 +9,7 @@
 #include "engine/column.h"
 #include "engine/engine_data.h"
 #include "engine/record_loader.h"
+#include "store/index_data_access.h"
 #include "store/index_data_file.h"
 #include "store/index_file_writer.h"
 
@@ -24,8 +26,8 @@ struct SavedField {
     const MOLTVARIANT* value;
 };
 
-// The fields that have a value, in order.  Should a pair of id and kind stand twice, in a list that a client
-// built by hand, the last value goes to the place of the first.
+// The fields that have a value, in order.  Should there be a pair of id and kind twice, in a list that a
+// client built by hand, the last value takes the place of the first.
 std::vector<SavedField> fieldsToSave(const tarnFieldList& fields) {
     std::vector<SavedField> saved;
     saved.reserve(static_cast<std::size_t>(fields.count));
@@ -56,7 +58,7 @@ void writeColumn(tarn::IndexFileWriter& writer, nodeList* column, std::int32_t r
     for (std::int32_t row = 0; row < rows; ++row) {
         const bool found = cell != end && (*cell)->key.number == row;
         writer.writeValue(found ? (*cell)->value : nullptr);
-        while (found && ++cell != end && (*cell)->key.number == row) continue;  // a row that stands twice
+        while (found && ++cell != end && (*cell)->key.number == row) continue;  // a row that is there twice
     }
 }
 
@@ -92,12 +94,13 @@ int tarnEngineData::loadBinaryData(const char* fileName, eLoadType mode) {
     tarnIndexDataFile file;
     const int result = file.readIndexDataFile(fileName);
     tarn::RecordLoader loader(*this, mode);
-    for (tarnIndexDataFile::Record& record : file.records_) {
+    auto& records = tarn::IndexDataAccess::recordsOf(file);
+    for (auto& record : records) {
         if (record.index.type != typeField || !loader.takesFields() || record.values.empty()) continue;
         OwnedValue value(std::exchange(record.values[0], nullptr));
         loader.storeField(record.index.id, value == nullptr ? OwnedValue(new MOLTVARIANT) : std::move(value));
     }
-    for (tarnIndexDataFile::Record& record : file.records_) {
+    for (auto& record : records) {
         if (record.index.type != typeColumn) continue;
         const auto isCell = [](const MOLTVARIANT* value) {
             return value != nullptr && value->tag != tagEmpty;

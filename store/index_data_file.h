@@ -31,6 +31,10 @@ struct _IndexRecord {
     std::int32_t offset;   ///< of the first value in the data block; -1 until the first save
 };
 
+namespace tarn {
+struct IndexDataAccess;  // store/index_data_access.h
+}
+
 /// One set of records.
 class TARN_EXPORT tarnIndexDataFile {
   public:
@@ -105,7 +109,7 @@ class TARN_EXPORT tarnIndexDataFile {
     /// @}
 
   private:
-    friend class tarnEngineData;
+    friend struct tarn::IndexDataAccess;
 
     // A value that was never stored is a NULL entry until somebody asks for it.
     struct Record {
