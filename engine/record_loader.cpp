@@ -1,7 +1,8 @@
 // Putting a file's content into a record.  See the header for the one idea; the difficult case is loadInsert,
-// where the told outcome is that of inserting row after row: each new row r moves every cell at r or behind
-// it up by one. Rows come in ascending order, so an old cell that a new row has passed never moves again, and
-// the others have moved by as many rows as came.
+// whose outcome is that of inserting row after row: each new row r moves every cell at r or behind it up by
+// one.  Rows come in ascending order, so an old cell that a new row has passed never moves again, and the
+// others have moved by as many rows as came.
+// Tests: tests/engine/record_files_test.cpp.
 
 #include "engine/record_loader.h"
 
@@ -46,13 +47,15 @@ void FieldFinder::add(std::int32_t id, bool column, std::int32_t index) {
 }
 
 RecordLoader::RecordLoader(tarnEngineData& record, eLoadType mode)
-    : record_(record),
+    : record_(prepared(record, mode)),
       inserts_(mode == loadInsert),
-      takesFields_(false),
-      base_(0),
-      finder_((mode == loadReplace ? record.makeEmpty() : void(), *record.fields)) {
-    takesFields_ = record.isEmpty() != 0;
-    if (mode == loadAppend) base_ = std::max(record.numMulti, 0);
+      takesFields_(record.isEmpty() != 0),
+      base_(mode == loadAppend ? std::max(record.numMulti, 0) : 0),
+      finder_(*record.fields) {}
+
+tarnEngineData& RecordLoader::prepared(tarnEngineData& record, eLoadType mode) {
+    if (mode == loadReplace) record.makeEmpty();
+    return record;
 }
 
 RecordLoader::~RecordLoader() {

@@ -12,8 +12,9 @@
 
 namespace tarn {
 
-// Finds fields by id and kind while a load adds more of them.  Fields known for longer stand sorted, new ones
-// wait in a short unsorted tail, so that n fields are found and added in O(n log n) and a bit.
+// Finds fields by id and kind while a load adds more of them.  They are kept in sorted runs whose lengths are
+// the powers of two that add up to their number: n fields are added in O(n log n), and one is found by a
+// binary search in each run.
 class FieldFinder {
   public:
     explicit FieldFinder(const tarnFieldList& fields);
@@ -58,7 +59,7 @@ class RecordLoader {
 
   private:
     // The rows of one column under loadInsert: old cells before position `settled` have their final row,
-    // those behind it, up to `oldCells`, are `moved` rows short of it, and the new cells stand behind them.
+    // those behind it, up to `oldCells`, are `moved` rows short of it, and the new cells follow them.
     struct Insertion {
         nodeList* column = nullptr;
         std::int32_t oldCells = 0;
@@ -71,6 +72,8 @@ class RecordLoader {
         void finish();
     };
 
+    // The record, emptied for loadReplace.
+    static tarnEngineData& prepared(tarnEngineData& record, eLoadType mode);
     std::int32_t columnIndex(std::int32_t id);
     void insertCell(std::int32_t index, std::int32_t row, OwnedValue value);
 
