@@ -1,4 +1,5 @@
 // One column: cells of a keyed list whose key is the row number.
+// Tests: tests/engine/multi_data_test.cpp.
 
 #include "engine/column.h"
 

@@ -1,6 +1,7 @@
 // The record and its single fields.  `root` and `fields` are one thing twice: the payload of the value `root`
 // is `fields`.  A search is a scan of the ids with a memory of one field in front, which every use checks
 // against the list, so that nothing ever has to invalidate it.
+// Tests: tests/engine/engine_data_test.cpp.
 
 #include "engine/engine_data.h"
 
@@ -102,7 +103,7 @@ void tarnEngineData::storeData(std::int32_t id, const MOLTVARIANT* value) {
     const std::int32_t index = findField(fields, id, 0);
     OwnedValue copy = copyOf(value);
     if (index >= 0) {
-        // The old content goes with `copy`, after the new one is in place: `value` may be a part of it.
+        // `copy` destroys the old content, after the new one is in place: `value` may be a part of it.
         std::swap(*fields->values->getAt(index), *copy);
     } else {
         fields->add(id, copy.get());

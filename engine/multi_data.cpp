@@ -1,6 +1,7 @@
 // Columns of rows.  A column's cells carry their row number as key and are sorted lazily, so positions in
 // `cells` and row numbers are two things; every operation below says which it means.  Row numbers wrap at 32
 // bits.
+// Tests: tests/engine/multi_data_test.cpp.
 
 #include <algorithm>
 

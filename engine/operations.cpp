@@ -1,4 +1,5 @@
 // What a record asks of the client's dictionary: the types of its fields and their descriptions.
+// Tests: tests/engine/operations_test.cpp.
 
 #include "core/exception.h"
 #include "core/value_owner.h"
@@ -11,7 +12,7 @@ namespace {
 
 constexpr std::ptrdiff_t descriptionOffset = 71;  // in the dictionary's record
 
-// The tag that the dictionary's type code stands for.
+// The tag that the dictionary's type code means.
 std::int32_t tagOf(std::int16_t typeCode) {
     switch (typeCode) {
         case 1: return tagShort;

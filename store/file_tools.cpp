@@ -1,5 +1,6 @@
-// Whole files and their scrambled form: the opens, lengths and fallbacks stand in whole_file.cpp, the
-// scrambling itself in scramble.cpp.
+// Whole files and their scrambled form: opening, lengths and fallbacks are in whole_file.cpp, the scrambling
+// itself in scramble.cpp.
+// Tests: tests/store/file_tools_test.cpp.
 
 #include "store/file_tools.h"
 

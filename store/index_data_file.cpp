@@ -1,5 +1,6 @@
 // The records in memory.  A search is a scan of the keys; since records are mostly filled and read in their
 // order, the place of the last hit and the one behind it are looked at first.
+// Tests: tests/store/index_data_file_test.cpp.
 
 #include "store/index_data_file.h"
 
@@ -54,7 +55,7 @@ std::int32_t tarnIndexDataFile::updateIndexRecord(std::int32_t id, std::int32_t 
     Record* const record = findRecord(id, type);
     if (record == nullptr) return 0;
     if (repeats > record->index.repeats) {
-        // A record that was made with a negative number gets as many values as the difference tells.
+        // A record that was made with a negative number gets as many values as the difference.
         const auto further =
             static_cast<std::uint32_t>(repeats) - static_cast<std::uint32_t>(record->index.repeats);
         record->values.resize(record->values.size() + further);

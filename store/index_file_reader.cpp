@@ -1,6 +1,7 @@
 // Reading an indexed data file.  The file is read whole and walked once, in sequence, by a cursor that never
 // passes the end.  What the file promises is held against what it has: every value takes at least 8 bytes, so
 // a budget of one place for each 8 bytes, and some to spare, runs down over all repeats and all vectors.
+// Tests: tests/store/index_data_file_test.cpp.
 
 #include <algorithm>
 #include <cstring>
