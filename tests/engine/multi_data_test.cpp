@@ -1,113 +1,167 @@
-// Columns of rows: engine/multi_data.cpp and engine/column.cpp.
+// Columns of rows: engine/multi_data.cpp, engine/column.cpp.
 
-#include "tests/engine/shown.h"
+#include "tests/engine/records.h"
 #include "tests/plain/column.h"
 
 namespace {
 
 using namespace tarntest;
 
-TEST(MultiDataTest, RandomWorkMatchesAModel) {
+struct MultiDataTest : testing::Test {
+    tarnEngineData record;
+
+    void store(int id, int row, const Owned& cell) { record.storeMultiData(id, row, &cell, 0); }
+    void add(int id, int row, const Owned& cell) { record.storeMultiData(id, row, &cell, 1); }
+    void insert(int id, int row, const Owned& cell) { record.insertMultiData(id, row, &cell); }
+};
+
+using Numbers = tarnplain::Column<std::int32_t>;
+
+TEST_F(MultiDataTest, RandomWorkMatchesAModel) {
     std::mt19937 random(8);
     const auto below = [&](unsigned limit) { return static_cast<std::int32_t>(random() % limit); };
-    for (int round = 0; round < 30; ++round) {
-        tarnEngineData record;
-        std::map<std::int32_t, tarnplain::Column<std::int32_t>> model;
-        std::int32_t rows = 0;
-        for (std::int32_t step = 0; step < 300; ++step) {
-            const std::int32_t id = below(3), other = below(12), work = below(8);
-            const std::int32_t row = work == 2 ? rows : below(12);
-            const Owned value = number(tagLong, step);
-            if (work < 2 || (work == 2 && !model[id].contains(row))) {
-                record.storeMultiData(id, row, &value, work == 2);
-                model[id][row] = step;
-                rows = std::max(rows, row + 1);
-            } else if (work == 3) {
-                record.insertMultiData(id, row, &value);
-                tarnplain::put(model[id], row, std::optional(step));
-                rows = std::max(rows, model[id].rbegin()->first + 1);
-            } else if (work == 4) {
-                record.removeMultiData(id, row);
-                if (model.contains(id)) model[id].erase(row);
-            } else if (work == 5 && rows != 0) {
-                record.removeMultiData(row);
-                for (auto& [key, column] : model) tarnplain::taken(column, row);
-                --rows;
-            } else if (work > 5) {
-                record.moveMultiData(row, other);
-                for (auto& [key, column] : model)
-                    tarnplain::put(column, other, tarnplain::taken(column, row));
-            }
-            ASSERT_EQ(record.getNumMulti(), rows);
-            for (const auto& [key, column] : model) {
-                for (std::int32_t r = 0; r < rows + 3; ++r) {
-                    MOLTVARIANT out;
-                    const bool found = record.getMultiData(key, r, &out) >= 0;
-                    const auto cell = column.find(r);
-                    ASSERT_EQ(found, cell != column.end() && cell->second.has_value());
-                    ASSERT_EQ(out.payload.longValue, found ? *cell->second : 0);
-                }
+    Numbers single;
+    std::map<std::int32_t, Numbers> columns;
+    std::int32_t rows = 0;
+    const auto expectNumber = [](std::int32_t index, const MOLTVARIANT& out, const Numbers& cells,
+                                 std::int32_t key) {
+        const auto cell = cells.find(key);
+        const bool isThere = cell != cells.end() && cell->second.has_value();
+        ASSERT_EQ(index >= 0, isThere);
+        ASSERT_EQ(isThere ? whole(*cell->second) : Owned(), out);
+    };
+    for (std::int32_t step = 0; step < 3'000; ++step) {
+        const std::int32_t id = below(4), row = below(12), to = below(12), work = below(10);
+        const Owned value = whole(step);
+        if (step % 200 == 0) {
+            record.removeMultiData();
+            columns.clear();
+            rows = 0;
+        } else if (work == 0) {
+            record.storeData(id, &value);
+            single[id] = step;
+        } else if (work == 1) {
+            record.removeData(id);
+            single.erase(id);
+        } else if (work < 4) {
+            store(id, row, value);
+            columns[id][row] = step;
+            rows = std::max(rows, row + 1);
+        } else if (work == 4) {
+            insert(id, row, value);
+            tarnplain::put(columns[id], row, std::optional(step));
+            rows = std::max(rows, columns[id].rbegin()->first + 1);
+        } else if (work < 7) {
+            record.removeMultiData(id, row);
+            if (columns.contains(id)) columns[id].erase(row);
+        } else if (work == 7) {
+            record.removeMultiData(row);
+            for (auto& [key, column] : columns) tarnplain::taken(column, row);
+            --rows;
+        } else {
+            record.moveMultiData(row, to);
+            for (auto& [key, column] : columns) tarnplain::put(column, to, tarnplain::taken(column, row));
+        }
+        ASSERT_EQ(record.getNumMulti(), rows);
+        for (std::int32_t key = 0; key < 4; ++key) {
+            Owned out = whole(-1);
+            expectNumber(record.getData(key, &out), out, single, key);
+            const auto column = columns.find(key);
+            for (std::int32_t r = 0; r < 15; ++r) {
+                const std::int32_t index = record.getMultiData(key, r, &out);
+                expectNumber(index, out, column == columns.end() ? Numbers() : column->second, r);
             }
         }
+        ASSERT_FALSE(HasFailure()) << "step " << step;
     }
 }
 
-TEST(MultiDataTest, PositionsAreNotRowsWhileASortIsPending) {
-    tarnEngineData record;
-    const Owned ten = number(tagLong, 10), sameNumber = number(tagNumber, 10);
-    storeLong(record, 7, 5, 5, 1), storeLong(record, 7, 1, 10, 1);
-    EXPECT_EQ(record.findMultiData(7, &ten), 1);
+TEST_F(MultiDataTest, AValueIsFoundByItsPositionInItsOwnColumn) {
+    const Owned ten = whole(10), sameNumber = number(tagNumber, 10);
     MOLTVARIANT out;
-    EXPECT_EQ(record.getMultiData(7, 5, &out), 0);  // the column's index, not the row
+    store(6, 0, whole(10));
+    store(6, 1, whole(5));
+    add(7, 5, whole(5));
+    add(7, 1, whole(10));
+    EXPECT_EQ(record.findMultiData(6, &ten), 0);
+    EXPECT_EQ(record.findMultiData(7, &ten), 1);    // a position, while the column isn't sorted
+    EXPECT_EQ(record.getMultiData(7, 5, &out), 1);  // the column's index, not the row
     EXPECT_EQ(record.findMultiData(7, &ten), 0);
     EXPECT_EQ(record.findMultiData(7, nullptr), -1);
     EXPECT_EQ(record.findMultiData(8, &ten), -1);
     EXPECT_EQ(record.findMultiData(7, &sameNumber), -1);
+    record.moveMultiData(0, 9);  // column 7 gets a cell without a value, which equals nothing
+    const Owned empty;
+    EXPECT_EQ(record.findMultiData(7, &empty), -1);
 }
 
-// A record after a list of steps: what is done, a field and a row or two rows, a value.
-void work(tarnEngineData& record, const std::string& list) {
-    for (const std::string& step : split(list, ',')) {
-        std::istringstream words(step);
-        std::string done, notation;
-        std::int32_t a = 0, b = 0;
-        words >> done >> a >> b >> notation;
-        const Owned value = valueOf(notation);
-        const MOLTVARIANT* const given = notation.empty() ? nullptr : &value;
-        if (done == "store" || done == "add") record.storeMultiData(a, b, given, done == "add" ? 1 : 0);
-        if (done == "field") record.storeData(a, given);
-        if (done == "insert") record.insertMultiData(a, b, given);
-        if (done == "remove") record.removeMultiData(a, b);
-        if (done == "cut") record.removeMultiData(a);
-        if (done == "rows") record.setNumMulti(a);
-        if (done == "append") record.appendMultiData(&record);
-    }
+TEST_F(MultiDataTest, OfARowThatWasAddedTwiceTheFirstIsFound) {
+    add(7, 4, whole(1));
+    add(7, 4, whole(2));
+    store(7, 4, whole(3));
+    expectRecord(record, {{7, columnOf({{4, whole(3)}, {4, whole(2)}})}}, 5);
+    record.removeMultiData(7, 4);
+    expectRecord(record, {{7, columnOf({{4, whole(2)}})}}, 5);
 }
 
-constexpr char steps[] =
-#include "tests/engine/steps.txt"
-    ;
-
-TEST(MultiDataTest, StepsEndOtherwise) {
-    expectAnswers(steps, [](const std::string& kind, const std::vector<std::string>& cells) {
-        tarnEngineData record, other;
-        work(record, cells[0]);
-        work(other, kind == "append" ? cells[1] : "");
-        if (kind == "append") record.appendMultiData(&other);
-        return shown(record);
-    });
-}
-
-TEST(MultiDataTest, ACellTakesAViewOfItself) {
-    tarnEngineData record;
+TEST_F(MultiDataTest, NullIsStoredAsAnEmptyValue) {
+    record.storeMultiData(7, 2, nullptr, 0);
+    record.insertMultiData(7, 2, nullptr);
+    expectRecord(record, {{7, columnOf({{2, Owned()}, {3, Owned()}})}}, 4);
     MOLTVARIANT out;
-    work(record, "store 7 0 3:5,store 7 0 10:abc,store 7 1");
-    EXPECT_TRUE(record.getMultiData(7, 1, &out) == 0 && out.tag == tagEmpty);
-    record.getMultiData(7, 0, &out);
-    record.storeMultiData(7, 0, &out, 0);
-    record.getMultiData(7, 0, &out);
-    record.insertMultiData(7, 0, &out);
-    EXPECT_EQ(shown(record), "7=21:[0=10:abc,1=10:abc,2=0:0] 3");
+    EXPECT_EQ(record.getMultiData(7, 2, &out), 0);
+}
+
+TEST_F(MultiDataTest, TheCountOfRowsIsWhatTheStepsMakeIt) {
+    record.removeMultiData(3);
+    EXPECT_EQ(record.getNumMulti(), -1);
+    record.setNumMulti(7);
+    record.removeMultiData(3, 3);
+    EXPECT_EQ(record.getNumMulti(), 7);
+    store(1, INT32_MAX, whole(1));
+    expectRecord(record, {{1, columnOf({{INT32_MAX, whole(1)}})}}, INT32_MIN);
+    insert(1, 5, whole(2));  // the row above wraps too, and sorts in front
+    expectRecord(record, {{1, columnOf({{INT32_MIN, whole(1)}, {5, whole(2)}})}}, 6);
+}
+
+// An empty cell and a single field stay behind, but for the field -26; of a column no more cells count than
+// there are rows.
+TEST_F(MultiDataTest, AppendedRowsKeepTheirDistance) {
+    const Owned seven = whole(7), x = text("x");
+    store(1, 0, whole(0));
+    store(1, 1, whole(1));
+    tarnEngineData other;
+    other.storeMultiData(2, 2, &seven, 0);
+    other.storeMultiData(1, 0, &seven, 0);
+    other.storeMultiData(1, 1, nullptr, 0);
+    other.storeMultiData(1, 2, &seven, 0);
+    other.setNumMulti(2);
+    other.storeData(-26, &x);
+    other.storeData(5, &x);
+    record.appendMultiData(&other);
+    expectRecord(record, {{1, rowsOf({whole(0), whole(1), seven})}, {2, columnOf({{4, seven}})}, {-26, x}},
+                 5);
+}
+
+TEST_F(MultiDataTest, ARecordAppendedToItselfDoubles) {
+    const Owned one = whole(1), two = whole(2);
+    store(1, 0, one);
+    store(2, 1, two);
+    record.appendMultiData(&record);
+    const Owned upper = columnOf({{0, one}, {2, one}}), lower = columnOf({{1, two}, {3, two}});
+    expectRecord(record, {{1, upper}, {2, lower}, {-26, Owned()}}, 4);
+}
+
+TEST_F(MultiDataTest, ACellTakesAViewOfItself) {
+    const Owned abc = text("abc");
+    MOLTVARIANT view;
+    store(7, 0, whole(5));
+    record.storeMultiData(7, 0, &abc, 0);
+    record.getMultiData(7, 0, &view);
+    record.storeMultiData(7, 0, &view, 0);
+    record.getMultiData(7, 0, &view);
+    record.insertMultiData(7, 0, &view);
+    expectRecord(record, {{7, rowsOf({abc, abc})}}, 2);
 }
 
 }  // namespace

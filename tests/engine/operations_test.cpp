@@ -1,8 +1,7 @@
-// engine/operations.cpp.
+// The dictionary's types and descriptions: engine/operations.cpp.
 
 #include "core/exception.h"
-#include "engine/engine_data.h"
-#include "tests/values.h"
+#include "tests/engine/records.h"
 
 namespace {
 
@@ -18,37 +17,54 @@ struct Host : tarnGlobalInterfaces, tarnFieldDictionary, tarnFieldDescriptions {
     const void* getFieldRecord(std::int32_t id) override { return id == 5 ? entry : nullptr; }
 };
 
-TEST(Operations, TheDictionaryDecidesWhatATextBecomes) {
-    const std::tuple<std::int32_t, std::string, const char*> rows[] = {{1, "70000", "2:4464"},
-                                                                       {3, "no number", "3:0"},
-                                                                       {2, "-12 or so", "3:-12"},
-                                                                       {4, "abc", "6:97"},
-                                                                       {4, "", "6:0"},
-                                                                       {5, "text", "10:text"},
-                                                                       {6, "1.5", "4:1.5"},
-                                                                       {0x10007, "-2.25e1", "5:-22.5"},
-                                                                       {0x70000, "0", "10:0"},
-                                                                       {-8, "8", "10:8"}};
-    for (const char* tag : {"10:", "17:"}) {
-        tarnEngineData record;
-        Host host;
-        std::string expected = "22:[";
-        for (const auto& [code, given, result] : rows) {
-            const Owned field = valueOf(tag + given);
-            expected += std::to_string(record.fields->count) + "=" + result + ",";
-            record.storeData(record.fields->count, &field);
-            host.codes.push_back(code);
+TEST(Operations, ATextBecomesTheDictionarysType) {
+    const struct {
+        std::int32_t code;
+        const char* given;
+        Owned becomes;
+    } cases[] = {
+        {1, "70000", number(tagShort, 4464)},
+        {2, "-12 or so", whole(-12)},
+        {3, "no number", whole(0)},
+        {4, "abc", number(tagChar, 'a')},
+        {4, "", number(tagChar, 0)},
+        {5, "text", text("text")},
+        {6, "1.5", number(tagFloat, 1.5)},
+        {0x10007, "-2.25e1", real(-22.5)},  // the low 16 bits count
+        {0x70000, "0", text("0")},
+        {-8, "8", text("8")},
+    };
+    for (const auto& each : cases) {
+        for (const std::int32_t tag : {tagText, tagString}) {
+            Host host;
+            host.codes = {0, each.code};
+            const Owned given = text(each.given, tag);
+            tarnEngineData record;
+            record.storeData(1, &given);
+            record.convertOperation(&host);
+            EXPECT_EQ(recordOf({{1, each.becomes}}), contentOf(record)) << each.code << ' ' << each.given;
         }
-        for (const char* unasked : {"3:5", "10:NULL", "17:NULL"}) {
-            const Owned field = valueOf(unasked);
-            record.storeData(record.fields->count, &field);
-        }
-        record.convertOperation(nullptr);
-        record.convertOperation(&host);
-        EXPECT_EQ(describe(record.getRootData()), expected + "10=3:5,11=10:NULL,12=17:NULL]");
-        record.descriptions = &host;
-        EXPECT_EQ(tarnEngineData(&record).getDataDescription(5), host.entry + 71);
     }
+}
+
+TEST(Operations, WhatIsNoTextIsLeftAlone) {
+    const Keyed fields = {
+        {1, whole(5)}, {2, text(nullptr)}, {3, text(nullptr, tagString)}, {4, columnOf({})}};
+    tarnEngineData record;
+    Host host;
+    record.setRootData(recordOf(fields).release());
+    record.convertOperation(nullptr);
+    record.convertOperation(&host);
+    expectRecord(record, fields, 0);
+}
+
+TEST(Operations, ADescriptionStartsInsideTheDictionarysRecord) {
+    tarnEngineData record;
+    Host host;
+    EXPECT_EQ(record.getDataDescription(5), nullptr);
+    record.descriptions = &host;
+    EXPECT_EQ(tarnEngineData(&record).getDataDescription(5), host.entry + 71);
+    EXPECT_EQ(record.getDataDescription(6), nullptr);
 }
 
 }  // namespace
