@@ -1,8 +1,6 @@
-// Whole files and their translation: store/file_tools.cpp and store/whole_file.cpp.
+// Whole files and their translation: store/file_tools.cpp, store/whole_file.cpp, store/file_handle.h.
 
 #include "store/file_tools.h"
-
-#include <optional>
 
 #include "tests/support.h"
 
@@ -12,55 +10,55 @@ using namespace tarntest;
 
 struct FileTools : testing::Test {
     TemporaryFolder folder;
-    std::string name = folder.file("file"), form = folder.file("form");
+    std::string here = folder.path().string(), name = folder.file("file"), form = folder.file("form");
 
-    // What readFile answers, nothing for NULL; the terminator is part of the contract.
-    static std::optional<std::string> read(const char* file) {
+    static void expectRead(const std::string& file, const std::string& content) {
+        std::int32_t size = 77;
+        const std::unique_ptr<char[]> data(readFile(file.c_str(), size));
+        ASSERT_NE(data, nullptr) << file;
+        EXPECT_EQ(std::string(data.get(), static_cast<std::size_t>(size)), content) << file;
+        EXPECT_EQ(data[static_cast<std::size_t>(size)], '\0');
+    }
+    static void expectUnreadable(const char* file) {
         std::int32_t size = 77;
         const std::unique_ptr<char[]> data(readFile(file, size));
-        EXPECT_TRUE(data == nullptr ? size == 0 : data[static_cast<std::size_t>(size)] == '\0');
-        if (data == nullptr) return std::nullopt;
-        return std::string(data.get(), static_cast<std::size_t>(size));
-    }
-    static int write(const std::string& file, const std::string& data) {
-        return writeFile(file.c_str(), data.data(), static_cast<std::int32_t>(data.size()));
+        EXPECT_EQ(data, nullptr) << file;
+        EXPECT_EQ(size, 0);
     }
 };
 
-TEST_F(FileTools, EveryByteGoesToDiskAndBack) {
+TEST_F(FileTools, EveryByteIsWrittenAndReadBack) {
     std::string all(70'000, '\0');
     for (std::size_t i = 0; i < all.size(); ++i) all[i] = static_cast<char>(i);
     for (const std::string& text : {all, std::string("\0\r\n\x1A", 4), std::string()}) {  // each shorter
-        EXPECT_NE(write(name, text), 0);
+        EXPECT_NE(writeFile(name.c_str(), text.data(), static_cast<std::int32_t>(text.size())), 0);
         EXPECT_EQ(contentOf(name), text);
-        EXPECT_EQ(read(name.c_str()), text);
+        expectRead(name, text);
     }
 }
 
 TEST_F(FileTools, WhatCantBeReadIsNull) {
-    const std::string here = folder.path().string();
     for (const char* file : {form.c_str(), here.c_str(), "", static_cast<const char*>(nullptr)})
-        EXPECT_EQ(read(file), std::nullopt);
+        expectUnreadable(file);
     // Lengths that 32 bits would take for -2147483648, and for 5.
     for (const std::uintmax_t size : {std::uintmax_t{1} << 31, (std::uintmax_t{1} << 32) + 5}) {
         fill(name, "");
         std::filesystem::resize_file(name, size);
-        EXPECT_EQ(read(name.c_str()), std::nullopt);
+        expectUnreadable(name.c_str());
     }
 }
 
-TEST_F(FileTools, ARefusedWriteOrAnUnreadableSourceLeavesTheTargetAlone) {
+TEST_F(FileTools, ARefusedWriteLeavesTheFileAlone) {
     fill(name, "content");
-    const std::string here = folder.path().string();
-    EXPECT_EQ(writeFile(name.c_str(), "text", -1) + writeFile(name.c_str(), nullptr, 4), 0);
-    EXPECT_EQ(writeFile(nullptr, "text", 4) + write(here, "text"), 0);
-    for (const char* source : {form.c_str(), here.c_str(), static_cast<const char*>(nullptr)})
-        translateFile(source == nullptr ? 1 : 2, source, name.c_str());
-    translateFile(1, name.c_str(), nullptr);
-    const HANDLE reader = CreateFileA(name.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                      OPEN_EXISTING, 0, nullptr);
-    EXPECT_TRUE(write(name, "text") == 0 && !read(name.c_str()));
-    CloseHandle(reader);
+    EXPECT_EQ(writeFile(name.c_str(), "text", -1), 0);
+    EXPECT_EQ(writeFile(name.c_str(), nullptr, 4), 0);
+    EXPECT_EQ(writeFile(nullptr, "text", 4), 0);
+    EXPECT_EQ(writeFile(here.c_str(), "text", 4), 0);
+    const HANDLE held = CreateFileA(name.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                    OPEN_EXISTING, 0, nullptr);
+    EXPECT_EQ(writeFile(name.c_str(), "text", 4), 0);
+    expectUnreadable(name.c_str());
+    CloseHandle(held);
     EXPECT_EQ(contentOf(name), "content");
     EXPECT_NE(writeFile(name.c_str(), nullptr, 0), 0);
     EXPECT_EQ(contentOf(name), "");
@@ -68,8 +66,8 @@ TEST_F(FileTools, ARefusedWriteOrAnUnreadableSourceLeavesTheTargetAlone) {
 
 TEST_F(FileTools, AFullDiskFailsTheWrite) {
     if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "/dev/full";
-    EXPECT_EQ(write("/dev/full", "text"), 0);
-    EXPECT_EQ(read("/dev/full"), "");  // a device has no length
+    EXPECT_EQ(writeFile("/dev/full", "text", 4), 0);
+    expectRead("/dev/full", "");  // a device has no length
 }
 
 TEST_F(FileTools, TranslationFillsUpWithBlanksAndKeepsThem) {
@@ -89,6 +87,15 @@ TEST_F(FileTools, TranslationFillsUpWithBlanksAndKeepsThem) {
     unscramble(odd.data(), 20);
     translateFile(1, name.c_str(), form.c_str());
     EXPECT_EQ(contentOf(form), odd);
+}
+
+TEST_F(FileTools, AnUnreadableSourceLeavesTheTargetAlone) {
+    fill(name, "content");
+    translateFile(2, form.c_str(), name.c_str());
+    translateFile(2, here.c_str(), name.c_str());
+    translateFile(1, nullptr, name.c_str());
+    translateFile(1, name.c_str(), nullptr);
+    EXPECT_EQ(contentOf(name), "content");
 }
 
 }  // namespace

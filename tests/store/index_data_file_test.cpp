@@ -8,34 +8,56 @@
 namespace {
 
 using namespace tarntest;
+using namespace std::string_literals;
 
-// The bytes of a file: a number is a word, ' begins characters, % is a NUL.
-std::string bytesOf(const std::string& parts) {
-    std::istringstream stream(parts);
-    std::string bytes;
-    for (std::string part; stream >> part;) {
-        if (part[0] == '\'') std::replace(part.begin(), part.end(), '%', '\0');
-        if (part[0] == '\'') bytes += part.substr(1);
-        for (int shift = part[0] == '\'' ? 32 : 0; shift < 32; shift += 8)
-            bytes += static_cast<char>(std::stoul(part, nullptr, 0) >> shift);
-    }
+// ----------------------------------------------------------------------------- a file's bytes, piece by piece
+
+std::string word(std::uint32_t number) {
+    std::string bytes(4, '\0');
+    for (std::size_t i = 0; i < 4; ++i) bytes[i] = static_cast<char>(number >> (8 * i));
     return bytes;
 }
+std::string header(std::uint32_t size, std::uint32_t version, std::uint32_t records) {
+    return "@" + word(size) + word(version) + word(records);
+}
+std::string record(std::uint32_t id, std::uint32_t type, std::uint32_t repeats, std::uint32_t offset = 0) {
+    return word(id) + word(type) + word(repeats) + word(offset);
+}
+// The front of a value with a payload of so many bytes.
+std::string prefix(std::uint32_t tag, std::uint32_t size) {
+    return word(tag) + word(size);
+}
+std::string value(std::uint32_t tag, const std::string& payload) {
+    return prefix(tag, static_cast<std::uint32_t>(payload.size())) + payload;
+}
+std::string longValue(std::uint32_t number) {
+    return value(tagLong, word(number));
+}
+std::string vectorFront(std::uint32_t count) {
+    return value(tagVector, "") + word(count);
+}
+const std::string emptyValue = value(tagEmpty, std::string(8, '\0'));
 
-// The records with an id below 20: "id.type(repeats) value value ", up to three values.
-std::string shown(tarnIndexDataFile& file) {
-    std::string text;
-    for (std::int32_t key = 0; key < 40; ++key) {
-        const std::int32_t id = key / 2, type = key % 2, repeats = file.getNumberRepeats(id, type);
-        if (file.checkIndexRecord(id, type) == 0) continue;
-        text += std::to_string(id) + "." + std::to_string(type) + "(" + std::to_string(repeats) + ") ";
-        for (std::int32_t repeat = 0; repeat < std::min(repeats, 3); ++repeat) {
-            MOLTVARIANT* value = nullptr;
-            file.getDataRecord(id, type, repeat, &value);
-            text += describe(value) + " ";
+// ----------------------------------------------------------------------------- a set's records
+
+struct Held {
+    std::int32_t id, type, repeats;
+    std::vector<Owned> values;  // those that are looked at
+};
+
+// The set has these records, and no other of type 0 or 1.
+void expectRecords(tarnIndexDataFile& set, const std::vector<Held>& expected) {
+    const std::int32_t count = set.getNumberIndexRecords(0) + set.getNumberIndexRecords(1);
+    EXPECT_EQ(static_cast<std::size_t>(count), expected.size());
+    for (const Held& each : expected) {
+        EXPECT_EQ(set.checkIndexRecord(each.id, each.type), 1);
+        EXPECT_EQ(set.getNumberRepeats(each.id, each.type), each.repeats);
+        for (std::size_t i = 0; i < each.values.size(); ++i) {
+            MOLTVARIANT* stored = nullptr;
+            set.getDataRecord(each.id, each.type, static_cast<std::int32_t>(i), &stored);
+            EXPECT_EQ(readable(stored), readable(&each.values[i]));
         }
     }
-    return text;
 }
 
 struct IndexDataFileTest : testing::Test {
@@ -43,123 +65,222 @@ struct IndexDataFileTest : testing::Test {
     std::string name = folder.file("a.dat");
     tarnIndexDataFile file, loaded;
 
-    std::string saved() {
+    void add(std::int32_t id, std::int32_t type, const Owned& stored) {
+        file.addIndexRecord(id, type, 1);
+        EXPECT_EQ(file.addDataRecord(id, type, 0, &stored), 1);
+    }
+    std::string savedBytes() {
         EXPECT_EQ(file.writeIndexDataFile(name.c_str()), 1);
         return contentOf(name);
     }
-    std::string shownOf(const std::string& bytes) {
+    void load(const std::string& bytes) {
         fill(name, bytes);
         EXPECT_EQ(loaded.readIndexDataFile(name.c_str()), 1);
-        return shown(loaded);
+    }
+    // Loads the data of two records of one value.
+    void expectTwoValues(const std::string& data, const Owned& first, const Owned& second) {
+        load(header(12, 1, 2) + record(1, 0, 1) + record(2, 0, 1) + data);
+        expectRecords(loaded, {{1, 0, 1, {first}}, {2, 0, 1, {second}}});
     }
 };
 
 TEST_F(IndexDataFileTest, RecordsKeepTheirFirstRepeatsAndOnlyGrow) {
-    for (const std::int32_t repeats : {2, 9}) file.addIndexRecord(1, 0, repeats);
+    file.addIndexRecord(1, 0, 2);
+    file.addIndexRecord(1, 0, 9);
     file.addIndexRecord(1, 1, -4);
     for (const std::int32_t repeat : {-1, 1, 2}) EXPECT_EQ(file.addDataRecord(1, 0, repeat, "x"), 1);
-    EXPECT_EQ(shown(file), "1.0(2) 0:0 10:x 1.1(-4) ");
-    for (const std::int32_t repeats : {1, 3}) EXPECT_EQ(file.updateIndexRecord(1, 0, repeats), 1);
-    EXPECT_EQ(file.updateIndexRecord(2, 0, 2) + file.addDataRecord(7, 0, 0, "x"), 0);
-    EXPECT_TRUE(file.addDataRecord(1, 0, 2, "y") == 1 && file.updateIndexRecord(1, 1, 1) == 1);
-    EXPECT_EQ(shown(file), "1.0(3) 0:0 10:x 10:y 1.1(1) 0:0 ");
+    expectRecords(file, {{1, 0, 2, {Owned(), text("x")}}, {1, 1, -4, {}}});
+    EXPECT_EQ(file.updateIndexRecord(1, 0, 1), 1);
+    EXPECT_EQ(file.updateIndexRecord(1, 0, 3), 1);
+    EXPECT_EQ(file.updateIndexRecord(1, 1, 1), 1);
+    EXPECT_EQ(file.addDataRecord(1, 0, 2, "y"), 1);
+    expectRecords(file, {{1, 0, 3, {Owned(), text("x"), text("y")}}, {1, 1, 1, {Owned()}}});
+    EXPECT_EQ(file.updateIndexRecord(2, 0, 2), 0);
+    EXPECT_EQ(file.addDataRecord(7, 0, 0, "x"), 0);
     EXPECT_EQ(file.getNumberIndexRecords(0), 1);
 }
 
 TEST_F(IndexDataFileTest, ValuesAreCopiedInAndTextsOut) {
     file.addIndexRecord(1, 0, 2);
-    for (const char* expected : {"0", ""}) {  // never filled, then filled with NULL
-        char* out = nullptr;
-        EXPECT_EQ(file.getDataRecord(1, 0, 0, &out), 1);
+    const auto expectText = [&](std::int32_t repeat, const char* expected) {
+        char untouched = 0, *out = &untouched;
+        EXPECT_EQ(file.getDataRecord(1, 0, repeat, &out), 1);
         EXPECT_STREQ(std::unique_ptr<char[]>(out).get(), expected);
-        EXPECT_TRUE(file.getDataRecord(1, 0, 2, &out) == 1 && out == nullptr);
-        file.addDataRecord(1, 0, 0, static_cast<const char*>(nullptr));
-    }
-    const Owned list = valueOf("20:[10:inner]");
+    };
+    expectText(0, "0");  // a place that was never filled reads as a number
+    expectText(2, nullptr);
+    file.addDataRecord(1, 0, 0, static_cast<const char*>(nullptr));
+    expectText(0, "");
+
+    const Owned list = listOf({text("inner")});
     MOLTVARIANT marker, *stored = nullptr;
     file.addDataRecord(1, 0, 0, &list);
     file.getDataRecord(1, 0, 0, &stored);
     file.addDataRecord(1, 0, 0, stored->payload.list->getAt(0));  // a part of the value that it replaces
-    EXPECT_EQ(shown(file), "1.0(2) 10:inner 0:0 ");
+    expectRecords(file, {{1, 0, 2, {text("inner"), Owned()}}});
     stored = &marker;
-    EXPECT_TRUE(file.getDataRecord(9, 0, 0, &stored) == 0 && stored == &marker);
+    EXPECT_EQ(file.getDataRecord(9, 0, 0, &stored), 0);
+    EXPECT_EQ(stored, &marker);
 }
 
-// Offsets leave out the prefixes of a vector's elements.
-TEST_F(IndexDataFileTest, ABytesPlaceOrAnOffsetIsWrong) {
-    EXPECT_EQ(saved(), bytesOf("'@ 12 1 0"));
-    constexpr const char* values[] = {"10:abc", "0:", "13:[5:1,10:ab]", "15:12345", "3:42"};
-    for (std::int32_t i = 0; i < 7; ++i) {
-        const Owned value = valueOf(values[i % 5]);
-        file.addIndexRecord(i, 1, i < 5 ? 1 : 0);
-        file.addDataRecord(i, 1, 0, &value);
-    }
-    EXPECT_EQ(saved(),
-              bytesOf("'@ 12 1 7  0 1 1 0  1 1 1 12  2 1 1 28  3 1 1 51  4 1 1 68  5 1 0 80  6 1 0 80"
-                      " 10 4 'abc%  0 8 0 0  13 11 2 5 8 0 0x3FF00000 10 3 'ab%  15 9 5 '12345  3 4 42"));
-    EXPECT_EQ(file.writeIndexDataFile(folder.path().string().c_str()) + file.writeIndexDataFile(nullptr), 0);
+TEST_F(IndexDataFileTest, EveryFormHasItsBytes) {
+    EXPECT_EQ(savedBytes(), header(12, 1, 0));
+    add(0, 1, text("abc"));
+    file.addIndexRecord(1, 1, 1);
+    add(2, 1, vectorOf({number(tagDouble, 1), text("ab")}));
+    add(3, 1, blob("12345"));
+    add(4, 1, number(tagLong, 42));
+    file.addIndexRecord(5, 1, 0);
+    add(6, 1, wideText(u"w"));
+    // Offsets leave out the prefixes of a vector's elements.
+    EXPECT_EQ(savedBytes(),
+              header(12, 1, 7) + record(0, 1, 1, 0) + record(1, 1, 1, 12) + record(2, 1, 1, 28) +
+                  record(3, 1, 1, 51) + record(4, 1, 1, 68) + record(5, 1, 0, 80) + record(6, 1, 1, 80) +
+                  value(tagText, "abc\0"s) + emptyValue + prefix(tagVector, 11) + word(2) +
+                  value(tagDouble, word(0) + word(0x3FF00000)) + value(tagText, "ab\0"s) +
+                  prefix(tagBlob, 9) + word(5) + "12345" + longValue(42) + value(tagWideText, "w\0\0\0"s));
+    EXPECT_EQ(file.writeIndexDataFile(folder.path().string().c_str()), 0);
+    EXPECT_EQ(file.writeIndexDataFile(nullptr), 0);
 }
 
 // One record of each form, read back as the format says, and then every truncation and flipped byte of it.
-TEST_F(IndexDataFileTest, AFormReadsBackOtherwiseOrDamageIsNotSafe) {
-    // Those that come back in another form are at the end.
-    const auto values = split(
-        "2:-2|4:1.5|5:-1e+300|7:65535|1:200|14:7|9:9|10:|10:NULL|17:abc|11:wide|15:a_b|"
-        "13:[10:a,13:[],3:1]|17:NULL|13:NULL|16:0123456789abcdef|20:[]",
-        '|');
-    const std::string changed[] = {"17:", "13:[]", "0:0", "0:0"};
-    std::string expected;
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        const auto id = static_cast<std::int32_t>(i);
-        const Owned value = valueOf(values[i]);
+TEST_F(IndexDataFileTest, EveryFormReadsBackAndItsDamageIsSafe) {
+    Owned block = nothing(tagBlock);
+    block.payload.block = new unsigned char[16]();
+    const Owned same[] = {number(tagShort, -2),
+                          number(tagFloat, 1.5),
+                          number(tagDouble, -1e300),
+                          number(tagUShort, 65535),
+                          number(tagByte, 200),
+                          number(tagNumber, 7),
+                          number(9, 9),
+                          text(""),
+                          text(nullptr),
+                          text("abc", tagString),
+                          wideText(u"wide"),
+                          blob("a b"),
+                          vectorOf({text("a"), vectorOf({}), number(tagLong, 1)})};
+    const std::pair<Owned, Owned> changed[] = {{text(nullptr, tagString), text("", tagString)},
+                                               {nothing(tagVector), vectorOf({})},
+                                               {block, Owned()},
+                                               {listOf({}), Owned()}};
+    std::vector<Held> expected;
+    const auto addForm = [&](const Owned& saved, const Owned& read) {
+        const auto id = static_cast<std::int32_t>(expected.size());
         file.addIndexRecord(id, id % 2, 2);
-        file.addDataRecord(id, id % 2, 1, &value);
-        expected += std::to_string(i) + "." + std::to_string(i % 2) + "(2) 0:0 " +
-                    (i < 13 ? values[i] : changed[i - 13]) + " ";
-    }
-    const std::string good = saved();
-    for (int round = 0; round < 2; ++round) {
-        EXPECT_EQ(shownOf(contentOf(name)), expected);
-        ASSERT_EQ(loaded.writeIndexDataFile(name.c_str()), 1);
-    }
+        file.addDataRecord(id, id % 2, 1, &saved);
+        expected.push_back({id, id % 2, 2, {Owned(), read}});
+    };
+    for (const Owned& form : same) addForm(form, form);
+    for (const auto& [saved, read] : changed) addForm(saved, read);
+    const std::string good = savedBytes();
+    load(good);
+    expectRecords(loaded, expected);
+    ASSERT_EQ(loaded.writeIndexDataFile(name.c_str()), 1);
+    EXPECT_EQ(loaded.readIndexDataFile(name.c_str()), 1);
+    expectRecords(loaded, expected);
     for (std::size_t i = 0; i < good.size(); ++i) {
-        shownOf(good.substr(0, i));
+        load(good.substr(0, i));
         for (const unsigned flip : {0x01U, 0x80U}) {
             std::string damaged = good;
             damaged[i] = static_cast<char>(static_cast<unsigned char>(damaged[i]) ^ flip);
-            shownOf(damaged);
+            load(damaged);
         }
     }
 }
 
-constexpr char hostileFiles[] =
-#include "tests/store/hostile_files.txt"
-    ;
-
-TEST_F(IndexDataFileTest, WhatAFilePromisesAndDoesntHoldReadsAsEmpty) {
-    const auto valuesOf = [&](const std::string& data) {
-        const std::string values = shownOf(bytesOf("'@ 12 1 2 1 0 1 0 2 0 1 0") + data);
-        const std::size_t second = values.find(" 2.0(1) ");
-        return values.substr(7, second - 7) + values.substr(second + 7, values.size() - second - 8);
+TEST_F(IndexDataFileTest, AFileHoldsLessThanItPromises) {
+    const Owned four = number(tagLong, 4);
+    const std::string fourHeld = longValue(4), one = record(7, 0, 1);
+    const struct {
+        std::string bytes;
+        std::vector<Held> records;
+    } cases[] = {
+        {"", {}},
+        {"@", {}},
+        {"x" + header(12, 1, 1).substr(1) + one + fourHeld, {}},
+        {header(12, 1, 1) + one.substr(0, 15), {}},
+        {header(12, 1, 1) + one, {{7, 0, 1, {Owned()}}}},
+        // Headers: a count that they leave out, a word more, an end behind the file, another version.
+        {header(8, 1, 1) + one + fourHeld, {}},
+        {header(16, 1, 1) + word(99) + one + fourHeld, {{7, 0, 1, {four}}}},
+        {header(0xFFFFFFFF, 1, 1) + one, {}},
+        {header(12, 1, 0xFFFFFFFF) + one, {}},
+        {header(12, 77, 1) + one + fourHeld, {{7, 0, 1, {four}}}},
+        // A pair of keys that is there twice counts once.
+        {header(12, 1, 3) + record(1, 0, 1) + record(2, 0, 1) + record(1, 0, 5) + longValue(1) + fourHeld,
+         {{1, 0, 1, {number(tagLong, 1)}}, {2, 0, 1, {four}}}},
+        // A million values more than the file can hold, in all, vectors included.
+        {header(12, 1, 2) + record(1, 0, 0x7FFFFFFF) + record(2, 1, 5) + fourHeld,
+         {{1, 0, 1'000'001, {four, Owned(), Owned()}}, {2, 1, 0, {}}}},
+        {header(12, 1, 1) + record(1, 0, 1'000'003) + vectorFront(1) + fourHeld + fourHeld,
+         {{1, 0, 1'000'003, {vectorOf({four}), four, Owned()}}}},
+        {header(12, 1, 1) + record(1, 0, 1'000'004) + vectorFront(1) + fourHeld + fourHeld,
+         {{1, 0, 1'000'004, {Owned(), Owned(), Owned()}}}},
+        {header(12, 1, 1) + record(1, 0, 1'000'003) + vectorFront(1) + vectorFront(1) + fourHeld,
+         {{1, 0, 1'000'003, {Owned(), Owned(), Owned()}}}},
     };
-    expectAnswers(hostileFiles, [&](const std::string& kind, const std::vector<std::string>& cells) {
+    for (const auto& each : cases) {
         loaded.addIndexRecord(1, 0, 1);  // gone with the next load
-        return kind == "file" ? shownOf(bytesOf(cells[0])) : valuesOf(bytesOf(cells[0]));
-    });
-    // 64 vectors in each other hold a value; what lies deeper is passed over.
-    for (const int depth : {64, 65, 100'000}) {
-        std::string deep, open, close;
-        for (int i = 0; i < depth; ++i) deep += bytesOf("13 0 1");
-        for (int i = 0; i < 64; ++i) open += "13:[", close += "]";
-        for (const auto& [value, shown] :
-             {std::pair("3 4 5", "3:5"), {"15 4 3 'abc", "15:abc"}, {"13 0 2 15 4 3 'abc 3 4 5", "0:0"}})
-            EXPECT_EQ(valuesOf(deep + bytesOf(value) + bytesOf("3 4 4")),
-                      open + (depth > 64 ? "0:0" : shown) + close + " 3:4");
-        for (const char* cut : {"", "3 4", "3 4 '123", "15 4 4 'abc", "13 0"})
-            EXPECT_EQ(valuesOf(deep + bytesOf(cut)), "0:0 0:0");
+        load(each.bytes);
+        expectRecords(loaded, each.records);
     }
-    EXPECT_TRUE(loaded.readIndexDataFile(folder.file("missing").c_str()) == 0 && shown(loaded).empty());
+    EXPECT_EQ(loaded.readIndexDataFile(folder.file("missing").c_str()), 0);
+    expectRecords(loaded, {});
     EXPECT_EQ(loaded.readIndexDataFile(nullptr), 0);
+}
+
+TEST_F(IndexDataFileTest, AValueThatIsNotWholeReadsAsEmpty) {
+    const Owned empty, four = number(tagLong, 4), five = number(tagLong, 5);
+    const std::string fourHeld = longValue(4), fiveHeld = longValue(5), x(40, 'x');
+    Owned eight = nothing(9), unknown = number(77, 1);
+    tarn::storeLittleEndian(eight.payload.plain, 0x200000001, 8);
+    const struct {
+        std::string data;
+        Owned first, second;
+    } cases[] = {
+        {fourHeld + fiveHeld, four, five},
+        {word(tagLong) + word(4), empty, empty},
+        {fourHeld + prefix(tagLong, 4), four, empty},
+        {prefix(tagText, 100) + "abc", empty, empty},
+        {prefix(tagText, 0xFFFFFFFF) + fourHeld, empty, empty},
+        {value(tagText, x + "\0"s), text(x.c_str()), empty},
+        {value(tagText, x) + fourHeld, text(x.c_str()), four},  // not terminated
+        {value(tagString, "ab") + fourHeld, text("ab", tagString), four},
+        {value(tagWideText, "a\0b"s) + fourHeld, wideText(u"a"), four},
+        {prefix(tagBlob, 4) + word(3) + "abc" + fourHeld, blob("abc"), four},
+        {prefix(tagBlob, 4) + word(4) + "abc", empty, empty},
+        {prefix(tagBlob, 4) + word(0xFFFFFFFF) + fourHeld, empty, empty},
+        {value(9, word(1) + word(2) + word(3)) + fourHeld, eight, four},  // no more than a payload is kept
+        {value(tagList, word(1) + word(2)) + fourHeld, empty, four},
+        {value(77, word(1)) + fourHeld, unknown, four},
+        {vectorFront(2) + fourHeld, empty, empty},
+        {vectorFront(2) + fourHeld + fiveHeld, vectorOf({four, five}), empty},
+    };
+    for (const auto& each : cases) expectTwoValues(each.data, each.first, each.second);
+}
+
+TEST_F(IndexDataFileTest, AVectorTooDeepIsPassedOver) {
+    const Owned empty, four = number(tagLong, 4);
+    const std::string fourHeld = longValue(4), blobHeld = prefix(tagBlob, 4) + word(3) + "abc";
+    const auto fronts = [](int depth) {
+        std::string bytes;
+        for (int i = 0; i < depth; ++i) bytes += vectorFront(1);
+        return bytes;
+    };
+    const auto nested = [](Owned innermost) {
+        for (int i = 0; i < 64; ++i) innermost = vectorOf({innermost});
+        return innermost;
+    };
+    expectTwoValues(fronts(64) + fourHeld + fourHeld, nested(four), four);
+    for (const int depth : {65, 100'000}) {
+        const std::string bytes = fronts(depth);
+        expectTwoValues(bytes + fourHeld + fourHeld, nested(empty), four);
+        expectTwoValues(bytes + vectorFront(2) + blobHeld + fourHeld + fourHeld, nested(empty), four);
+        for (const std::string& cut :
+             {""s, word(tagLong), prefix(tagLong, 4) + "123", prefix(tagBlob, 4) + word(4) + "abc"})
+            expectTwoValues(bytes + cut, empty, empty);
+    }
 }
 
 }  // namespace
