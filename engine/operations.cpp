@@ -15,12 +15,12 @@ constexpr std::ptrdiff_t descriptionOffset = 71;  // in the dictionary's record
 // The tag that the dictionary's type code means.
 std::int32_t tagOf(std::int16_t typeCode) {
     switch (typeCode) {
-        case 1: return tagShort;
-        case 2:
-        case 3: return tagLong;
-        case 4: return tagChar;
-        case 6: return tagFloat;
-        case 7: return tagDouble;
+        case tarn::fieldShort: return tagShort;
+        case tarn::fieldLong:
+        case tarn::fieldSecondLong: return tagLong;
+        case tarn::fieldCharacter: return tagChar;
+        case tarn::fieldFloat: return tagFloat;
+        case tarn::fieldDouble: return tagDouble;
         default: return tagText;
     }
 }
