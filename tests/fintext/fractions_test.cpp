@@ -1,31 +1,102 @@
-// Fractions: fintext/fractions.cpp, over a whole grid.  The table of examples is tests/fintext/examples.txt.
-
-#include <numeric>
+// Fractions and changes: fintext/fractions.cpp, fintext/price_changes.cpp.
 
 #include "fintext/financial_text.h"
-#include "tests/support.h"
+#include "tests/fintext/buffers.h"
 
 namespace {
 
-// A count of 256ths, reduced by the greatest common divisor.
-std::string reduced(int count) {
-    const int whole = count / 256, rest = count % 256, divisor = std::gcd(rest, 256);
-    if (rest == 0) return std::to_string(whole);
-    return (whole == 0 ? "" : std::to_string(whole) + " ") + std::to_string(rest / divisor) + "/" +
-           std::to_string(256 / divisor);
-}
+using tarntest::changed;
+using tarntest::written;
 
 TEST(Fractions, PriceIsNotTheNearest256th) {
     char text[40];
-    for (int count = 0; count < 256 * 40; ++count) {
-        const double price = count / 256.0, tie = (count + 0.5) / 256;
-        ASSERT_EQ(asFraction(text, price), reduced(count));
-        ASSERT_EQ(strToDouble(text), price);
-        ASSERT_EQ(asFraction(text, -tie), "-" + reduced(count + 1));
-        ASSERT_EQ(asFraction(text, std::nextafter(tie, 1e9)), reduced(count + 1));
-        // Just below 1/512 the sum with 0.5 rounds up to 1.
-        ASSERT_EQ(asFraction(text, std::nextafter(tie, 0.0)), reduced(count == 0 ? 1 : count));
+    const auto readBack = [&](double price) { return strToDouble(asFraction(text, price)); };
+    for (int count = 1; count < 256 * 40; ++count) {
+        const double tie = (count + 0.5) / 256;
+        ASSERT_EQ(readBack(tie), (count + 1) / 256.0);
+        ASSERT_EQ(readBack(std::nextafter(-tie, 0.0)), count / -256.0);
+        const char* const slash = std::strchr(text, '/');
+        ASSERT_TRUE(slash == nullptr || slash[-1] % 2 == 1) << text;  // the numerator is odd
     }
+    EXPECT_STREQ(asFraction(text, 2.5), "2 1/2");
+    EXPECT_STREQ(asFraction(text, -0.75), "-3/4");
+    EXPECT_STREQ(asFraction(text, -0.001), "-0");
+    EXPECT_STREQ(asFraction(text, 1e9), "8388607 255/256");
+    EXPECT_EQ(asFraction(nullptr, 1), nullptr);
+}
+
+TEST(Fractions, AnotherPartOfTheTextIsRewritten) {
+    const auto reduced = [](const char* text) {
+        return written([](const char* from, char* to) { asReducedFraction(to, from); }, text);
+    };
+    EXPECT_EQ(reduced("-5 24/64"), "-5 3/8");
+    EXPECT_EQ(reduced("6/9 x"), "6/9");  // an even numerator is written anew
+    EXPECT_EQ(reduced("3/8 x"), "3/8 x");
+    EXPECT_EQ(reduced("x006/ 8/2"), "x3/4");
+    EXPECT_EQ(reduced("4/-8"), "4/-8");
+    EXPECT_EQ(reduced("0/8 x"), "0/8 x");
+
+    const auto rebased = [](const char* text, int denominator) {
+        return written([&](const char* from, char* to) { asUniformFraction(to, from, denominator); }, text);
+    };
+    EXPECT_EQ(rebased("12.9999", 8), "12 8/8");
+    EXPECT_EQ(rebased("2 1/2 x", 8), "2 4/8");
+    EXPECT_EQ(rebased("1/16", 8), "1/8");  // a half goes up
+    EXPECT_EQ(rebased("1/17", 8), "0/8");
+    EXPECT_EQ(rebased("5", 8), "5");
+    EXPECT_EQ(rebased("1/0", 8), "1/0");
+    EXPECT_EQ(rebased("0/4", 8), "0/4");
+    EXPECT_EQ(rebased("-.5/8", 2), "- 1/2");
+    EXPECT_EQ(rebased("1.5", 1), "1.5");
+    EXPECT_EQ(rebased("1.5", 513), "1.5");
+    EXPECT_EQ(rebased("2000000000/1", 512), "2147483647/512");
+}
+
+TEST(PriceChanges, PercentIsOfAnotherPriceOrForm) {
+    const struct {
+        const char *price, *change;
+        std::int32_t decimals;
+        const char *percent, *signedPercent;  // the second with two decimals
+    } rows[] = {
+        {"110", "10", 9, "10.000000000", "+10.00"},
+        {"90", "-10", 10, "-10.0", "-10.00"},
+        {"12 1/2", "1/2", 0, "4.2", "+4.17"},
+        {"10", "0", 1, "0.0", "unch"},
+        {"0", "0", 2, " ", ""},
+        {"1.0000009", "1", 2, " ", "+111111111.10"},
+        {"1", "1.0000009", 2, " ", "+-111111211.10"},
+    };
+    for (const auto& [price, change, decimals, percent, signedPercent] : rows) {
+        char text[40];
+        EXPECT_STREQ(percentChange(text, decimals, price, change), percent);
+        tarntest::inCLocale([&] { return asPercentChange(text, "%.2f", price, change); });
+        EXPECT_STREQ(text, signedPercent);
+    }
+    char buffer[] = "4/2";
+    EXPECT_EQ(asReducedFraction(buffer, buffer), buffer);
+    EXPECT_EQ(asUniformFraction(buffer, buffer, 2), buffer);
+    EXPECT_EQ(percentChange(nullptr, 2, "5", "1"), nullptr);
+    EXPECT_EQ(asPercentChange(nullptr, "%.2f", "5", "1"), nullptr);
+}
+
+ePriceChange sorted(const char* text, const char* result) {
+    char buffer[40];
+    std::strcpy(buffer, text);
+    const ePriceChange change = signPriceChange(buffer);
+    EXPECT_STREQ(buffer, result);
+    return change;
+}
+
+TEST(PriceChanges, SignIsAnother) {
+    EXPECT_EQ(changed(flipSign, "5"), "-5");
+    EXPECT_EQ(changed(flipSign, "-1.25"), "1.25");
+    EXPECT_EQ(changed(flipSign, "-0.75"), "-0.75");
+    EXPECT_EQ(sorted("", ""), ePriceUnchanged);
+    EXPECT_EQ(sorted("0", "0"), ePriceUnchanged);
+    EXPECT_EQ(sorted("0.00", "+0.00"), ePriceUp);
+    EXPECT_EQ(sorted("+2345678901234567890", "++2345678901234"), ePriceUp);
+    EXPECT_EQ(sorted("-2345678901234567890", "-2345678901234"), ePriceDown);
+    EXPECT_EQ(signPriceChange(nullptr), ePriceChangeNone);
 }
 
 }  // namespace

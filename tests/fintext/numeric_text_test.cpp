@@ -1,62 +1,111 @@
-// Numeric text: fintext/numeric_text.cpp, and fintext/number_display.cpp, which rounds for it.  Their table
-// of examples is tests/fintext/examples.txt.
+// Numeric text: fintext/numeric_text.cpp, and fintext/number_display.cpp, which rounds for it.
 
 #include "core/string.h"
-#include "core/variant.h"
 #include "fintext/financial_text.h"
 #include "fintext/number_display.h"
-#include "tests/support.h"
+#include "tests/fintext/buffers.h"
 #include "tests/values.h"
 
 namespace {
 
-std::string rounded(const char* text, std::uint32_t decimals) {
-    char target[1500];
-    formatStringToFloatWithRounding(text, target, decimals);
-    return target;
-}
+using tarntest::changed;
+using tarntest::number;
+using tarntest::written;
 
-// Against printing, reading back, comparing and printing again by the C library.
-TEST(NumericText, RoundingDiffersBesideAHalf) {
-    double power = 10.0;
-    for (int decimals = 0; decimals < 6; ++decimals, power *= 10.0) {
-        const double half = 5.0 / power;
-        for (int i = -15'000; i < 15'000; ++i) {
-            const double edge = (i / 3 + 0.5) * 10.0 / power;
-            const double value = i % 3 == 0 ? edge : std::nextafter(edge, i % 2 == 0 ? 1e9 : -1e9);
-            char text[64], expected[64];
-            tarntest::inCLocale([&] {
-                std::snprintf(text, sizeof text, "%.25f", value);
-                std::snprintf(expected, sizeof expected, "%.*f", decimals, value);
-                const double shown = std::strtod(expected, nullptr), next = shown + 2 * half;
-                return shown + half > value ||
-                       std::snprintf(expected, sizeof expected, "%.*f", decimals, next) > 0;
-            });
-            ASSERT_EQ(rounded(text, static_cast<std::uint32_t>(decimals)), expected) << text;
-        }
+TEST(NumericText, ReaderTakesTextInAnotherDialect) {
+    const struct {
+        const char* text;
+        double price;  // by strToDouble
+        std::int32_t whole;
+        double amount;
+    } rows[] = {
+        {" \t+7.25", 7.25, 0, 0},
+        {"12-3/8", 12.375, 12, 12},
+        {"-12 3/8", -12.375, 0, 0},
+        {"1,234,567", 1 + 234.0 / 567, 1234567, 1234567},
+        {"0 1/2", 0.5, 0, 0},  // a number that is still 0 stays open
+        {"1 2/0", 0.5, 1, 1},
+        {"1 2/4 .5", 1.5, 1, 1},  // nothing is read behind the third number
+        {"5/1.25mk", 5, 5, 5},    // a point makes the whole text a decimal
+        {",1.25mk", 0, 1, 1250},
+        {"5Mm", 5, 5'000'000, 5'000'000},
+        // Whole numbers wrap at 32 bits, and one that is below 0 stays open.
+        {"4294967297", 1, 1, 4294967297.0},
+        {"3000000000k", -1'294'967'296, 2'112'827'392, 3e12},
+        {"3000000000 1/2", -647'710'708, -1'294'967'296, 3e9},
+        {"1 3000000000", 0, 1, 1},
+        {"1 1/3000000000", 0, 1, 1},
+    };
+    for (const auto& each : rows) {
+        EXPECT_EQ(strToDouble(each.text), each.price) << each.text;
+        EXPECT_EQ(fmtToLong(each.text), each.whole) << each.text;
+        EXPECT_EQ(fmtToDouble(each.text), each.amount) << each.text;
     }
-    EXPECT_EQ(rounded("1.5", 4'000'000'000U), "1.5" + std::string(1073, '0'));
+    EXPECT_EQ(strToDouble(nullptr), 0);
+    EXPECT_EQ(fmtToLong(nullptr), 0);
+    EXPECT_EQ(fmtToDouble(nullptr), 0);
 }
 
-std::string shownValue(std::int32_t tag, auto payload) {
-    MOLTVARIANT value;
-    value.tag = tag;
-    std::memcpy(&value.payload, &payload, sizeof payload);
+TEST(NumericText, CharactersAreMiscounted) {
+    EXPECT_EQ(validateFloatFormat("00123.4500", 3, 2), 1);
+    EXPECT_EQ(validateFloatFormat("123.456", 3, 2), 0);
+    EXPECT_EQ(validateFloatFormat("1234.5", 3, 2), 0);
+    EXPECT_EQ(validateFloatFormat("00123", 3, 2), 0);  // zeros count where there is no point
+    EXPECT_EQ(validateFloatFormat("1.2.", 1, 2), 0);   // stripTrailZeros puts a 0 behind the last point
+    EXPECT_EQ(validateFloatFormat("abc", 3, 2), 1);
+    EXPECT_EQ(validateFloatFormat("123456.7", -1, 1), 1);
+    EXPECT_EQ(validateFloatFormat(nullptr, -1, -1), 0);
+    EXPECT_EQ(isAlphaNum("AZaz09"), 1);
+    EXPECT_EQ(isAlphaNum("AZ az"), 0);
+    EXPECT_EQ(isAlphaNum(nullptr), 0);
+}
+
+TEST(NumericText, DecimalsAreCutOrFilledUpWrongly) {
+    EXPECT_EQ(changed(stripTrailDecimal, "12.3456", 2), "12.34");
+    EXPECT_EQ(changed(stripTrailDecimal, "12.34", 0), "12.");
+    EXPECT_EQ(changed(stripTrailDecimal, "1.5", 4'000'000'000U), "1.5");
+    EXPECT_EQ(changed(stripTrailDecimalZeros, "  12.500", 7), "12.5");
+    EXPECT_EQ(changed(stripTrailDecimalZeros, " 120", 7), "120");
+    EXPECT_EQ(changed(stripTrailDecimalZeros, ".000", 7), "");
+    EXPECT_EQ(changed(stripTrailDecimalZeros, "12.50 ", 7), "12.50 ");
+    EXPECT_EQ(changed(stripLeadZeros, " 0 0.5"), ".5");
+    EXPECT_EQ(written(formatStringToFloat, "12", 2), "12");
+    EXPECT_EQ(written(formatStringToFloat, "1.005", 2), "1.00");
+    EXPECT_EQ(written(formatStringToFloat, "1.5/2", 3), "1.5/2");
+    EXPECT_EQ(written(formatStringToFloat, "1.5", 4'000'000'000U), "1.5" + std::string(1073, '0'));
+}
+
+TEST(NumericText, DroppedHalfIsRoundedOtherwise) {
+    EXPECT_EQ(written(formatStringToFloatWithRounding, "12", 2), "12.00");
+    EXPECT_EQ(written(formatStringToFloatWithRounding, "0.5", 0), "1");
+    EXPECT_EQ(written(formatStringToFloatWithRounding, "1.005", 2),
+              "1.01");  // just what 1 and 0.005 add up to
+    EXPECT_EQ(written(formatStringToFloatWithRounding, "0.15", 1),
+              "0.1");  // 0.1 and 0.05 add up to a bit more
+    EXPECT_EQ(written(formatStringToFloatWithRounding, "-1.125", 2), "-1.12");
+    EXPECT_EQ(written(formatStringToFloatWithRounding, "1.5", 4'000'000'000U),
+              "1.5" + std::string(1073, '0'));
+    EXPECT_EQ(written(formatStringToFloatWithRounding, "n/a", 3), "n/a");
+    EXPECT_EQ(written(formatStringToFloatWithRounding, "", 3), "");
+}
+
+std::string shown(const tarntest::Owned& value) {
     tarnString text;
-    tarn::variantToNumberText(tag < 0 ? nullptr : &value, &text);
-    return text.text + std::string(" ");
+    tarn::variantToNumberText(&value, &text);
+    return text.text;
 }
 
-TEST(NumericText, TaggedValueIsReadInAnotherWidth) {
-    constexpr std::int32_t word = 0x000180C8;  // -56 in 8 bits, -32568 in 16
-    tarnString text("12 1/2");
-    std::string shown = shownValue(tagFloat, 0.5F) + shownValue(tagString, &text);
-    for (const std::int32_t tag : {-1, 0, 1, 2, 3, 6, 7, 8, 9, 14})
-        shown += shownValue(tag, tarntest::number(tag, word).payload);
-    for (const double number : {12.0, 12.5, 1.00005, 1e22}) shown += shownValue(tagDouble, number);
-    EXPECT_EQ(shown,
-              "0.5000 12.5000 0 0 -56 -32568 98504 -56 -32568 98504 0 98504 "
-              "12 12.5000 1.0001 10000000000000000000000 ");
+TEST(NumericText, TaggedValueIsShownInAnotherWidth) {
+    for (const std::int32_t tag : {tagByte, tagChar}) EXPECT_EQ(shown(number(tag, 200)), "-56");
+    for (const std::int32_t tag : {tagShort, tagUShort}) EXPECT_EQ(shown(number(tag, 40'000)), "-25536");
+    for (const std::int32_t tag : {tagLong, tagWord, tagNumber})
+        EXPECT_EQ(shown(number(tag, 98'504)), "98504");
+    EXPECT_EQ(shown(number(tagFloat, 0.5)), "0.5000");
+    EXPECT_EQ(shown(number(tagDouble, 1.00005)), "1.0001");
+    EXPECT_EQ(shown(number(tagDouble, 1e22)), "10000000000000000000000");
+    EXPECT_EQ(shown(tarntest::text("12 1/2", tagString)), "12.5000");
+    EXPECT_EQ(shown(tarntest::blob("9")), "0");
+    EXPECT_EQ(tarn::variantToDouble(nullptr), 0);
 }
 
 }  // namespace

@@ -1,81 +1,132 @@
-// Patterned text: fintext/patterned_text.cpp, fintext/clock_text.cpp and fintext/fund_amount.cpp.  The table
-// of examples is tests/fintext/examples.txt.
+// Patterned text and the small ones: fintext/patterned_text.cpp, fintext/fixed_forms.cpp,
+// fintext/text_tools.cpp, fintext/clock_text.cpp, fintext/fund_amount.cpp, fintext/industry_symbols.cpp.
 
+#include "core/string.h"
 #include "engine/engine_data.h"
 #include "fintext/clock_text.h"
 #include "fintext/financial_text.h"
+#include "tests/fintext/buffers.h"
 #include "tests/values.h"
 
 namespace {
 
-// The steps one by one; a round of the group that takes nothing from the text is the last.
-std::string plainPattern(std::string text, const std::string& pattern, int negative) {
-    text = text.substr(0, std::min(text.find('.'), text.size()) + 3);
-    text.erase(0, std::min(text.find_first_not_of(' '), text.size()));
-    text.erase(text.find_last_not_of(' ') + 1);
-    const bool minus = text.starts_with('-');
-    if (minus) text.erase(0, 1);
-    std::string out = !minus ? "" : negative == eNegParens ? ")" : negative == eNegTrailing ? "-" : "";
-    int j = static_cast<int>(pattern.size()) - 1, right = -1, left = -1;
-    const auto at = [&](int place) { return pattern[static_cast<std::size_t>(place)]; };
-    for (std::size_t lengthBefore = 0; !text.empty() && j >= 0; --j) {
-        if (at(j) == '#' || at(j) == '.') {
-            out += text.back();
-            text.pop_back();
-        } else if (at(j) != '*') {
-            out += at(j);
-        } else {
-            (right < 0 ? right : left) = j;
-            if (left >= 0 && lengthBefore == text.size()) break;
-            if (left >= 0) j = right;
-            lengthBefore = text.size();
-        }
-    }
-    for (; right >= 0 && left < 0 && j >= 0; --j) left = at(j) == '*' ? j : -1;
-    if (out.ends_with(',')) out.pop_back();
-    if (minus && negative != eNegTrailing) out += negative == eNegParens ? '(' : '-';
-    while (left > 0) out += at(--left);
-    return {out.rbegin(), out.rend()};
+using tarntest::changed;
+using tarntest::written;
+
+std::string patterned(std::string text, const char* pattern, eNegType negative = eNegParens) {
+    char target[80] = "untouched";
+    formatStringWithPattern(text.data(), pattern, target, negative);
+    formatStringWithPattern(text.data(), pattern, nullptr, negative);
+    formatStringWithPattern(text.data(), nullptr, target, negative);
+    return target;
 }
 
-TEST(PatternedText, ScanDiffersFromItsSteps) {
-    std::mt19937 random(3);
-    for (int i = 0; i < 100'000; ++i) {
-        std::string text = tarntest::randomText(random, "0123456789.- ,", 12);
-        const std::string pattern = tarntest::randomText(random, "###.***,$-", 12),
-                          expected = plainPattern(text, pattern, i % 5);
-        char target[400];
-        formatStringWithPattern(text.data(), pattern.c_str(), target, static_cast<eNegType>(i % 5));
-        ASSERT_EQ(target, expected) << text << "|" << pattern;
-    }
+TEST(PatternedText, PatternTakesCharactersOtherwise) {
+    EXPECT_EQ(patterned("  1234567.899 ", "$*,###*.##"), "$1,234,567.89");
+    EXPECT_EQ(patterned("-1234.56", "$*,###*.##"), "$(1,234.56)");
+    EXPECT_EQ(patterned("-123456", "*,###*", eNegLeading), "-123,456");
+    EXPECT_EQ(patterned("-34.56", "$*,###*.##", eNegTrailing), "$34.56-");
+    EXPECT_EQ(patterned("1.5", "$*,###*.##"), "1.5");  // the prefix isn't reached
+    EXPECT_EQ(patterned("1234", "##-##-##"), "12-34");
+    EXPECT_EQ(patterned("1234", ",###"), "234");  // what is left over is dropped, and so is the last comma
+    EXPECT_EQ(patterned("123456", "a*b#*c#*d#"), "a*b#1c2c3c4c5d6");
+    EXPECT_EQ(patterned("1234", "$*-*##"), "$-34");  // a group without a place is written once
+    EXPECT_EQ(patterned("12", "$*#-*#"), "$1-2");
+    EXPECT_EQ(patterned("345", "#*##"), "345");
+    char target[8];
+    formatStringWithPattern(nullptr, "#", target, eNegParens);
+    EXPECT_STREQ(target, "$0.0");
 }
 
-TEST(PatternedText, NoonOrMidnightIsOnTheWrongHalf) {
+std::string money(const char* text, int style) {
+    tarnString target(text);
+    formatToMoneyFormat(text == nullptr ? nullptr : target.text, target, style);
+    return target.text;
+}
+
+TEST(PatternedText, MoneyIsWrittenOtherwise) {
+    EXPECT_EQ(money("-1234.5", 1), "-$1,234.50");
+    EXPECT_EQ(money("123456", 0), "123,456");
+    EXPECT_EQ(money("1234", 2), "1,234.00");
+    EXPECT_EQ(money("1234.567", 1), "$1,234.567");
+    EXPECT_EQ(money("1,234", 1), "1,234");
+    EXPECT_EQ(money("-.50", 1), "-.50");
+    EXPECT_EQ(money("12.x", 1), "$12.x");
+    EXPECT_EQ(money("", 2), "$0.00");
+    EXPECT_EQ(money(nullptr, 2), "$0.00");
+}
+
+TEST(PatternedText, FormTakesAnotherCharacter) {
+    EXPECT_EQ(written(fmtToTaxId, "123456789"), "123-45-6789");
+    EXPECT_EQ(written(fmtToPhoneNumber, "5551234"), "555-1234");
+    EXPECT_EQ(written(fmtToPhoneNumber, "2125551234"), "(212) 555-1234");
+    EXPECT_EQ(written(fmtToPhoneNumber, "12345678"), "12345678");
+    EXPECT_EQ(written(formatStringToDate, "113019991234"), "11/30/1999");
+    EXPECT_EQ(written(formatStringToDate, "abcd"), "ab/cd");
+    EXPECT_EQ(written(formatStringToDate, ""), " ");
+    EXPECT_EQ(written(formatDateToString, "1/2/345678901"), "12345678");
+    char target[20];
+    EXPECT_EQ(fmtToTaxId("123456789", target), 1);
+    EXPECT_EQ(fmtToTaxId("1234567890", target), 0);
+    EXPECT_EQ(fmtToPhoneNumber("2125551234", target), 1);
+}
+
+std::string newText(char* text) {
+    const std::unique_ptr<char[]> owned(text);
+    return text == nullptr ? "no new text" : text;
+}
+
+TEST(TextTools, AnotherCharacterIsTaken) {
+    EXPECT_EQ(changed(removeDoubleSpaces, "  a   b \t c\n\n"), " a b \t c\n\n");
+    EXPECT_EQ(changed(removeSpace, " a \tb "), "a\tb");
+    EXPECT_EQ(changed(removeNewline, "a\r\n\tb\n"), "a  \tb ");
+    EXPECT_EQ(newText(convertNewline("a\r\nb\n")), "a\r\r\nb\r\n");
+    EXPECT_EQ(newText(convertNewline("a\r")), "no new text");
+    EXPECT_EQ(newText(convertNewline(nullptr)), "no new text");
+    EXPECT_EQ(newText(concatstr("ab", "cd")), "abcd");
+    EXPECT_EQ(newText(concatstr("ab", nullptr)), "no new text");
+    EXPECT_EQ(newText(concatstr(nullptr, "cd")), "no new text");
+    char text[] = "ab\n";
+    EXPECT_EQ(removeNewline(text), 1);
+    EXPECT_EQ(removeNewline(text), 0);
+    EXPECT_STREQ(getInduSymFromID(452), "SP__RA");
+    EXPECT_STREQ(getInduSymFromID(203), "SP__CJ");
+    EXPECT_STREQ(getInduSymFromID(-1), "SP__PH");  // the first of those without an id
+    EXPECT_EQ(getInduSymFromID(111), nullptr);
+}
+
+std::string timeAt(int hour, void (*write)(char*, int), int twelveHour) {
+    const tarntest::HeldClock clock(1999, 1, 9, hour, 30, 5);
+    return changed(write, "", twelveHour);
+}
+
+TEST(ClockText, NoonOrMidnightIsOnTheWrongHalf) {
     if (!tarntest::HeldClock::possible) GTEST_SKIP() << "the clock can't be held here";
-    std::string shown;
-    for (const int hour : {0, 9, 12, 13}) {
-        const tarntest::HeldClock clock(1999, 1, 9, hour, 30, 5);
-        char text[2][40];
-        getLocalTimeStr(text[0], 1), tarn::getLocalDateTimeStr(text[1], hour % 2);
-        shown += text[0] + std::string(",") + text[1] + ";";
-    }
-    EXPECT_EQ(shown,
-              " 00:30:05 AM, 01/09/1999  00:30:05; 09:30:05 AM, 01/09/1999 09:30:05 AM;"
-              " 12:30:05 PM, 01/09/1999  12:30:05; 01:30:05 PM, 01/09/1999 01:30:05 PM;");
+    EXPECT_EQ(timeAt(0, getLocalTimeStr, 1), " 00:30:05 AM");
+    EXPECT_EQ(timeAt(12, getLocalTimeStr, 1), " 12:30:05 PM");
+    EXPECT_EQ(timeAt(13, tarn::getLocalDateTimeStr, 1), " 01/09/1999 01:30:05 PM");
+    EXPECT_EQ(timeAt(13, tarn::getLocalDateTimeStr, 0), " 01/09/1999  13:30:05");
 }
 
-// The fields are filled from the last in rank to the first.
-TEST(PatternedText, FundsAmountComesFromAnotherField) {
+TEST(FundAmount, ComesFromAnotherField) {
     tarnEngineData record;
     char target[40] = "old";
-    std::string found;
-    for (const auto& [field, text] :
-         {std::pair(1750, "0.00"), {1750, "7"}, {595, "-5"}, {595, "100"}, {1664, "abc"}, {1664, "2.5 x"}}) {
-        const auto value = tarntest::valueOf(std::string("10:") + text);
+    const auto unitsWith = [&](std::int32_t field, const char* stored) {
+        const auto value = tarntest::text(stored);
         record.storeData(field, &value);
-        found += std::to_string(getDollarsOrShares(&record, target)) + " " + target + ", ";
-    }
-    EXPECT_EQ(found, "0 old, 1 7, 1 7, 1 100, 1 100, 2 2.5 x, ");
+        EXPECT_EQ(getDollarsOrShares(&record, nullptr), eFundUnitsNone);
+        return getDollarsOrShares(&record, target);
+    };
+    EXPECT_EQ(unitsWith(1750, "0.00"), eFundUnitsNone);
+    EXPECT_STREQ(target, "old");
+    EXPECT_EQ(unitsWith(1750, "7"), eFundUnitsOther);
+    EXPECT_STREQ(target, "7");
+    EXPECT_EQ(unitsWith(595, "100"), eFundUnitsOther);
+    EXPECT_EQ(unitsWith(1664, "abc"), eFundUnitsOther);
+    EXPECT_STREQ(target, "100");
+    EXPECT_EQ(unitsWith(1664, "2.5 x"), eFundUnitsPrimary);
+    EXPECT_STREQ(target, "2.5 x");
+    EXPECT_EQ(getDollarsOrShares(nullptr, target), eFundUnitsNone);
 }
 
 }  // namespace
