@@ -1,4 +1,4 @@
-// Prints the closings of tests/calendar/trading_days_test.cpp: the weekdays of 1997 to 2000 on which
+// Prints the closings of tests/plain/calendar.h: the weekdays of 1997 to 2000 on which
 // QuantLib's calendar of the New York exchange has no trading.  Made once with QuantLib 1.29:
 //
 //   g++ -std=c++17 tools/quantlib_calendar.cpp -lQuantLib -o quantlib_calendar && ./quantlib_calendar

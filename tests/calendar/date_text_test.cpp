@@ -1,5 +1,4 @@
-// Date text and packed dates: calendar/date_text.cpp, calendar/packed_dates.cpp.  The calls and answers of
-// tests/calendar/examples.txt, for all sources of calendar/.
+// Date text and packed dates: calendar/date_text.cpp, calendar/packed_dates.cpp.
 
 #include <optional>
 
@@ -13,76 +12,103 @@ using tarnplain::fieldsOf;
 using tarnplain::mktimeOf32Bits;
 using tarnplain::scan;
 
-constexpr char examples[] =
-#include "tests/calendar/examples.txt"
-    ;
-
-std::string answerOf(const std::string& function, const std::vector<std::string>& cells) {
-    std::string text = cells[0];
-    std::int32_t n[5] = {};
-    for (std::size_t i = 0; i + 1 < cells.size(); ++i)
-        n[i] = static_cast<std::int32_t>(std::strtoll(cells[i].c_str(), nullptr, 0));
-    if (function == "settle") {
-        testing::internal::CaptureStdout();
-        const std::unique_ptr<char[]> result(getSettlementDate(text.c_str(), n[1], n[2]));
-        EXPECT_EQ(testing::internal::GetCapturedStdout(), std::string(result.get()) + " \n");
-        return result.get();
+TEST(DateText, CompactDateIsReadOtherwise) {
+    const struct {
+        const char* text;
+        int isValid, trades, isAhead;  // of 30 November 1999
+    } rows[] = {
+        {"022900", 1, 1, 1},  {"02291900", 0, 0, 0}, {"010190", 1, 0, 1},  // 2090, a Sunday
+        {"010191", 1, 1, 0},  {"113099", 1, 1, 0},   {"120199", 1, 1, 1},   {"13452099", 0, 0, 1},
+        {"1231199", 0, 0, 0}, {" 1+12001", 1, 1, 1}, {"0103000x", 0, 1, 0},  // the market has no first year
+    };
+    const tarntest::HeldClock clock(1999, 11, 30);
+    for (const auto& each : rows) {
+        EXPECT_EQ(isValidDate(each.text), each.isValid) << each.text;
+        EXPECT_EQ(isValidTradeDate(each.text), each.trades) << each.text;
+        EXPECT_EQ(clock.possible ? isFutureDate(each.text) : each.isAhead, each.isAhead) << each.text;
     }
-    if (function == "part") return std::to_string(getUpdateTime(text.data()));
-    if (function == "compact") {
-        const char* const date = text.c_str();
-        const int future = tarntest::HeldClock::possible ? isFutureDate(date) : cells[1][2] - '0';
-        return std::to_string(1000 + isValidDate(date) * 100 + isValidTradeDate(date) * 10 + future)
-            .substr(1);
-    }
-    char out[80] = "~~~~~~~~~~~";
-    if (function == "widen") {
-        std::strcpy(out, text.c_str());
-        EXPECT_EQ(convert2DigitYrTo4(out, out, n[1], n[2]), text == cells[3] ? 0 : 1);
-        return out;
-    }
-    if (!tarntest::HeldClock::possible) return cells.back();
-    const tarntest::HeldClock clock(n[0], n[1], n[2]);
-    text = getCurrentDate(out, n[3]);
-    text += std::string(" ") + getCurrentTradingDate(out, n[3]);
-    return text + ' ' + std::to_string(calculateDaystoExpiration(static_cast<std::uint16_t>(n[4])));
+    for (const auto ask : {isValidDate, isValidTradeDate, isFutureDate}) EXPECT_EQ(ask(nullptr), 0);
 }
 
-TEST(CalendarText, ExampleAnswersOtherwise) {
-    const tarntest::HeldClock clock(1999, 11, 30);
-    const tarntest::HeldZone zone("UTC0");
-    tarntest::expectAnswers(examples, answerOf);
+std::string widened(const char* text, int yearFirst, int lowPivot) {
+    char out[40];
+    std::strcpy(out, text);
+    EXPECT_EQ(convert2DigitYrTo4(nullptr, out, yearFirst, lowPivot), 0);
+    EXPECT_EQ(convert2DigitYrTo4(text, nullptr, yearFirst, lowPivot), 0);
+    const int answer = convert2DigitYrTo4(out, out, yearFirst, lowPivot);
+    EXPECT_EQ(answer, std::strcmp(text, out) == 0 ? 0 : 1) << text;
+    return out;
+}
+
+TEST(DateText, YearIsWidenedToAnotherCentury) {
+    EXPECT_EQ(widened("113089", 0, 0), "11302089");
+    EXPECT_EQ(widened("113090", 0, 0), "11301990");
+    EXPECT_EQ(widened("11/30/09", 0, 1), "11/30/2009");
+    EXPECT_EQ(widened("11/30/10", 0, 1), "11/30/1910");
+    EXPECT_EQ(widened("991130", 1, 0), "19991130");
+    EXPECT_EQ(widened("11/30/99 16:05:00", 0, 0), "11/30/1999 16:05:00");
+    EXPECT_EQ(widened("11301999", 0, 0), "11301999");
+    EXPECT_EQ(widened("11/30/1999, a Tuesday", 0, 0), "11/30/1999, a Tuesday");
 }
 
 // Spoiled texts around the ends of 32-bit time and the hours that daylight saving skips and repeats.
-TEST(DateText, ScanAndComparisonAgreeWithSscanfAndDoubleMktime) {
+TEST(DateText, ScanOrComparisonDiffersFromSscanfAndMktime) {
     const std::string bases[] = {
         "11/30/99",   "04/04/1999 02:30:00", "10/31/1999 01:30:00", "1/2/-2147483649 5:6",
         "          ", "01/19/2038 03:14:07", "01/02/70 00:00:00",   "99999999999/1/2 3:4"};
     std::mt19937 random(17);
-    std::string winter = "01/01/1999", text = winter;
-    std::optional<tarntest::HeldZone> zone;
-    for (int round = 0; round < 80000; ++round) {
-        const char* const zones[] = {"UTC0", "EST5EDT,M4.1.0,M10.5.0", "America/New_York",
-                                     "Australia/Lord_Howe"};
-        if (round % 20000 == 0) zone.reset(), zone.emplace(zones[round / 20000]);
-        std::string previous = text;
-        text = bases[random() % std::size(bases)];
-        for (auto left = random() % 4; left > 0; --left)
-            text[random() % text.size()] = "0123456789/: -+\tx"[random() % 17];
-        if (random() % 20 == 0) text.pop_back();
-        std::tm expected, other, actual;
-        scan(winter, actual);  // in an hour that comes twice, mktime answers by the moment it saw last
-        scan(text, expected);
-        scan(previous, other);
-        const std::int64_t difference = mktimeOf32Bits(expected) - mktimeOf32Bits(other);
-        gettmstruct(winter.data(), actual);
-        ASSERT_EQ(datecmp(text.data(), previous.data()), std::min<std::int64_t>(difference, INT32_MAX))
-            << text << previous;
-        gettmstruct(winter.data(), actual);
-        gettmstruct(text.data(), actual);
-        ASSERT_EQ(fieldsOf(actual), fieldsOf(expected)) << text;
+    std::string winter = "01/01/1999";
+    for (const char* const zone :
+         {"UTC0", "EST5EDT,M4.1.0,M10.5.0", "America/New_York", "Australia/Lord_Howe"}) {
+        const tarntest::HeldZone held(zone);
+        std::string text = winter;
+        for (int round = 0; round < 20000; ++round) {
+            std::string previous = text;
+            text = bases[random() % std::size(bases)];
+            for (auto left = random() % 4; left > 0; --left)
+                text[random() % text.size()] = "0123456789/: -+\tx"[random() % 17];
+            if (random() % 20 == 0) text.pop_back();
+            std::tm expected;
+            std::tm other;
+            std::tm actual;
+            scan(winter, actual);  // in an hour that comes twice, mktime answers by the moment it saw last
+            scan(text, expected);
+            scan(previous, other);
+            const std::int64_t difference = mktimeOf32Bits(expected) - mktimeOf32Bits(other);
+            gettmstruct(winter.data(), actual);
+            ASSERT_EQ(datecmp(text.data(), previous.data()), std::min<std::int64_t>(difference, INT32_MAX))
+                << text << ", " << previous << ", " << zone;
+            gettmstruct(winter.data(), actual);
+            gettmstruct(text.data(), actual);
+            ASSERT_EQ(fieldsOf(actual), fieldsOf(expected)) << text << ", " << zone;
+        }
     }
+}
+
+std::string afterReading(std::string text) {
+    std::tm moment;
+    gettmstruct(text.data(), moment);
+    return text;
+}
+
+TEST(DateText, AnotherTextThanTheNoDateIsRewritten) {
+    EXPECT_EQ(afterReading("12/31/69 16:05:00"), "00/00/00 16:05:00");
+    EXPECT_EQ(afterReading("12/31/1969"), "00/00/1900");
+    EXPECT_EQ(afterReading("12/31/196"), "12/31/196");
+    char text[] = "01/01/70";
+    EXPECT_LT(datecmp(nullptr, text), 0);
+}
+
+TEST(PackedDates, DaysAreCountedFromAnotherDay) {
+    if (!tarntest::HeldClock::possible) GTEST_SKIP() << "the clock can't be held here";
+    const auto daysFrom = [](int year, int month, int day, std::uint16_t swappedDate) {
+        const tarntest::HeldClock clock(year, month, day);
+        return calculateDaystoExpiration(swappedDate);
+    };
+    EXPECT_EQ(daysFrom(1999, 11, 30, 0x353C), 52);
+    EXPECT_EQ(daysFrom(2004, 2, 28, 0x5B44), -1);
+    EXPECT_EQ(daysFrom(2098, 1, 1, 0x2100), 0);  // as packed, 2098 is 1970
+    EXPECT_EQ(daysFrom(2000, 1, 21, 0), -2451565);
 }
 
 }  // namespace

@@ -1,8 +1,5 @@
-// Trading days and settlement: calendar/trading_days.cpp, calendar/settlement.cpp;
+// Trading days and settlement: calendar/trading_days.cpp, calendar/settlement.cpp, calendar/holidays.h, and
 // the count of days in calendar/date_text.h.  The weekdays come from std::chrono.
-
-#include <chrono>
-#include <span>
 
 #include "calendar/date_text.h"
 #include "calendar/market_calendar.h"
@@ -21,49 +18,106 @@ std::string textOf(const char* format, year_month_day date, int modulus = 10000)
     return text;
 }
 
-TEST(TradingDays, EveryDayOfTwoCenturiesIsValidAndTradesAsItShould) {
+TEST(TradingDays, DayOfTwoCenturiesIsMisjudged) {
     for (int y = 1899; y <= 2101; ++y) {
         for (unsigned monthAndDay = 0; monthAndDay < 14 * 33; ++monthAndDay) {
             const year_month_day date = year(y) / month(monthAndDay / 33) / day(monthAndDay % 33);
-            const std::string text = textOf("%02u%02u%04d", date), cut = textOf("%02u%02u%02d", date, 100);
+            const std::string text = textOf("%02u%02u%04d", date);
             ASSERT_EQ(isValidDate(text.c_str()), date.ok() && y >= 1900) << text;
             ASSERT_EQ(isValidTradeDate(text.c_str()), trades(date)) << text;
             if (y >= 1970 && y <= 2097 && date.ok()) {
-                const unsigned fields =
-                    static_cast<unsigned>(y - 1970) << 9 | monthAndDay / 33 << 5 | monthAndDay % 33;
-                const PKDATE packed{static_cast<std::uint16_t>(fields)};
+                PKDATE packed{};
+                packed.value =
+                    static_cast<std::uint16_t>((y - 1970) << 9 | monthAndDay / 33 << 5 | monthAndDay % 33);
                 ASSERT_EQ(DateToJulian(packed), 2440588 + sys_days(date).time_since_epoch().count()) << text;
             }
-            if (y < 1991 || y > 2090) continue;
-            ASSERT_EQ(isValidDate(cut.c_str()), date.ok()) << cut;
-            ASSERT_EQ(isValidTradeDate(cut.c_str()), trades(date)) << cut;
         }
     }
 }
 
-TEST(TradingDays, DaysAreCountedWithoutGapsFromBeforeTheYearOne) {
-    for (std::int64_t i = tarn::dayNumber({-1200, 1, 1}), n = 0; n < 1'300'000; ++i, ++n) {
-        const year_month_day expected{sys_days(year(-1200) / 1 / 1) + days(n)};
-        const tarn::CalendarDate date = tarn::dateOfDay(i);
+TEST(TradingDays, DayHasAnotherNumber) {
+    std::int64_t number = tarn::dayNumber({-1200, 1, 1});
+    for (sys_days day = year(-1200) / 1 / 1; day < year(2400) / 1 / 1; day += days(1), ++number) {
+        const year_month_day expected = day;
+        const tarn::CalendarDate date = tarn::dateOfDay(number);
         ASSERT_EQ(year(static_cast<int>(date.year)) / date.month / date.day, expected);
-        ASSERT_TRUE(tarn::dayNumber(date) == i &&
-                    tarn::isWeekend(i) == (weekday(expected).c_encoding() % 6 == 0));
+        ASSERT_EQ(tarn::dayNumber(date), number);
+        ASSERT_EQ(tarn::isWeekend(number), weekday(day).c_encoding() % 6 == 0);
     }
 }
 
-TEST(Settlement, CountsAgreeWithAWalkDayByDay) {
-    std::mt19937 random(3);
+std::string tradingDay(int year, int month, int day, const char* today) {
+    const tarntest::HeldClock clock(year, month, day);
+    const int fourDigitYear = std::strlen(today) == 10 ? 1 : 0;
+    char text[11];
+    EXPECT_STREQ(getCurrentDate(text, fourDigitYear), today);
+    return getCurrentTradingDate(text, fourDigitYear);
+}
+
+TEST(TradingDays, TodayOrItsTradingDayIsAnother) {
+    EXPECT_EQ(getCurrentDate(nullptr, 1), nullptr);
+    EXPECT_EQ(getCurrentTradingDate(nullptr, 1), nullptr);
+    if (!tarntest::HeldClock::possible) GTEST_SKIP() << "the clock can't be held here";
+    EXPECT_EQ(tradingDay(1999, 11, 25, "11/25/99"), "11/26/99");
+    EXPECT_EQ(tradingDay(1999, 12, 24, "12/24/1999"), "12/27/1999");
+    EXPECT_EQ(tradingDay(1999, 10, 11, "10/11/99"), "10/11/99");  // a holiday of settlement alone
+    EXPECT_EQ(tradingDay(2005, 12, 31, "12/31/2005"), "01/02/2006");
+    EXPECT_EQ(tradingDay(2004, 2, 28, "02/28/04"), "03/01/04");
+    EXPECT_EQ(tradingDay(12345, 1, 1, "01/01/1234"), "01/01/1234");  // behind the calendar's end, and cut
+    EXPECT_EQ(tradingDay(12345, 1, 1, "01/01/345"), "01/01/345");
+}
+
+TEST(TradingDays, MomentIsInAnotherPartOfTheWeek) {
+    const tarntest::HeldZone zone("UTC0");
+    const auto partOf = [](std::string text) { return getUpdateTime(text.data()); };
+    EXPECT_EQ(partOf("11/29/1999 08:59:59"), eUpdateBeforeMarket);  // a Monday
+    EXPECT_EQ(partOf("11/29/1999 09:00:00"), eUpdateDuringMarket);
+    EXPECT_EQ(partOf("12/03/1999 16:59:59"), eUpdateDuringMarket);
+    EXPECT_EQ(partOf("12/03/1999 17:00:00"), eUpdateAfterMarket);
+    EXPECT_EQ(partOf("11/27/1999 12:00:00"), eUpdateWeekend);
+    EXPECT_EQ(partOf("11/28/99 20:00:00"), eUpdateWeekend);
+    EXPECT_EQ(getUpdateTime(static_cast<const std::tm*>(nullptr)), eUpdateWeekend);
+}
+
+std::string settlement(const std::string& date, std::int32_t count, int fourDigitYear = 1) {
     testing::internal::CaptureStdout();
+    const std::unique_ptr<char[]> result(getSettlementDate(date.c_str(), count, fourDigitYear));
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), std::string(result.get()) + " \n");
+    return result.get();
+}
+
+TEST(Settlement, CountDiffersFromAWalkDayByDay) {
+    std::mt19937 random(3);
     for (int round = 0; round < 5000 && !HasFailure(); ++round) {
         const sys_days start = sys_days(year(1996) / 6 / 1) + days(random() % 1950);
-        const int count = static_cast<int>(random() % (round % 4 == 0 ? 1500 : 12)) + 1,
-                  step = round % 2 * 2 - 1;
-        const sys_days expected = tarnplain::settlementDay(start, step * count);
-        const std::string from = textOf("%02u/%02u/%04d", start);
-        const std::unique_ptr<char[]> to(getSettlementDate(from.c_str(), step * count, 1));
-        EXPECT_EQ(to.get(), textOf("%02u/%02u/%04d", expected)) << from;
+        const int longest = round % 4 == 0 ? 1500 : 12;
+        const int count = static_cast<int>(random() % (2 * longest + 1)) - longest;
+        EXPECT_EQ(settlement(textOf("%02u/%02u/%04d", start), count),
+                  textOf("%02u/%02u/%04d", tarnplain::settlementDay(start, count)))
+            << textOf("%02u/%02u/%04d", start) << ", " << count;
     }
-    testing::internal::GetCapturedStdout();
+}
+
+TEST(Settlement, UnusualTextOrEndOfTheCalendarIsReadOtherwise) {
+    EXPECT_EQ(settlement("10/08/99", 1, 0), "10/12/99");
+    EXPECT_EQ(settlement("01/01/90", 0), "01/01/2090");
+    EXPECT_EQ(settlement("01/01/91", 0), "01/01/1991");
+    EXPECT_EQ(settlement("01/01/9", 0), "01/01/0209");
+    EXPECT_EQ(settlement("01/01/", 0), "01/01/0020");
+    EXPECT_EQ(settlement("02/31/99", 1), "03/01/1999");  // a day that its month hasn't
+    EXPECT_EQ(settlement("04/31/99", -1), "04/30/1999");
+    EXPECT_EQ(settlement("02/00/99", 1), "02/01/1999");
+    EXPECT_EQ(settlement("02/-9/99", -1), "01/29/1999");
+    EXPECT_EQ(settlement("13/05/99", 0), "13/05/1999");
+    EXPECT_EQ(settlement("13/05/1999 16:05:00", 1), "13/05/1999");
+    EXPECT_EQ(settlement("11/30", 1), "11/30");
+    EXPECT_EQ(settlement("12/30/9999", 1), "12/31/9999");
+    EXPECT_EQ(settlement("12/31/9999", 1, 0), "12/31/9999");
+    EXPECT_EQ(settlement("01/03/0001", -4, 0), "12/28/00");
+    EXPECT_EQ(settlement("01/01/-1234", 0), "01/01/-123");
+    EXPECT_EQ(settlement("01/01/2001", 1982745), "01/01/9601");  // 400 years have 104,355 weekdays
+    EXPECT_EQ(settlement("06/05/99999999999", -1), "12/31/9999");
+    EXPECT_EQ(getSettlementDate(nullptr, 1, 1), nullptr);
 }
 
 }  // namespace
