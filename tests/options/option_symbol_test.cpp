@@ -1,4 +1,4 @@
-// Option symbols: options/option_symbol.cpp.  The readings are those of tests/options/option_symbols.txt.
+// Option symbols: options/option_symbol.cpp.
 
 #include "options/option_symbol.h"
 
@@ -6,42 +6,77 @@
 
 namespace {
 
-constexpr char readings[] =
-#include "tests/options/option_symbols.txt"
-    ;
-
-std::string membersOf(const tarnOptionSymbol& option) {
-    std::string members;
-    for (const char* text : {option.rootSymbol, option.expirationMonth, option.strikeText, option.sideText})
-        members.append(text == nullptr ? "-" : text).append(",");
-    return members + std::to_string(option.sideType);
+TEST(OptionSymbol, WordIsTakenForAnother) {
+    const struct {
+        const char *text, *root, *month, *strike, *side;
+        int sideType;
+    } rows[] = {
+        {"XYZ JAN 100 CALL", "XYZ", "JAN", "100", "CALL", 2},
+        {"F   JUL  25   1/2  put", "F", "JUL", "25 1/2", "PUT", 3},
+        {"xyz JAN 100 Call", "xyz", "JAN", "100", "CALL", 2},
+        {"XYZ JAN 100", "XYZ", "JAN", "100", nullptr, 1},
+        {"XYZ JAN 100 ", "XYZ", "JAN", "100", nullptr, 1},
+        {"XYZ JAN 25 1/2 ", "XYZ", "JAN", "25 1/2", nullptr, 1},
+        {"XYZ JAN ", "XYZ", "JAN", "", nullptr, 1},
+        {"XYZ JAN 100 cALL", "XYZ", "JAN", "100", nullptr, 0},
+        {"XYZ JAN 100 CALL ", "XYZ", "JAN", "100", nullptr, 0},
+        {"XYZ JAN 1 2 3 CALL", "XYZ", "JAN", "1 2", nullptr, 0},
+        {"XYZ JANUARY 100 CALL", "XYZ", nullptr, nullptr, nullptr, 0},
+        {"XYZ JAN", "XYZ", nullptr, nullptr, nullptr, 0},
+        {" JAN 100 CALL", "", "JAN", "100", "CALL", 2},
+        {"WXYZ JAN 100 CALL", nullptr, nullptr, nullptr, nullptr, 0},
+        {"XYZ\tJAN 100 CALL", nullptr, nullptr, nullptr, nullptr, 0},
+        {"", nullptr, nullptr, nullptr, nullptr, 0},
+    };
+    tarnOptionSymbol option;
+    for (const auto& each : rows) {
+        option.setOptionSymbol(each.text);
+        EXPECT_STREQ(option.symbolText, each.text);
+        EXPECT_STREQ(option.rootSymbol, each.root) << each.text;
+        EXPECT_STREQ(option.expirationMonth, each.month) << each.text;
+        EXPECT_STREQ(option.strikeText, each.strike) << each.text;
+        EXPECT_STREQ(option.sideText, each.side) << each.text;
+        EXPECT_EQ(option.sideType, each.sideType) << each.text;
+    }
 }
 
-// The free functions cut columns without a look at the words.
-TEST(OptionSymbol, ReadingStopsWhereAWordDoesntFit) {
-    tarnOptionSymbol reused;
-    std::vector<std::pair<std::string, std::string>> all;
-    tarntest::expectAnswers(readings, [&](auto&, auto& cells) {
-        const std::string& text = all.emplace_back(cells[0], cells[1]).first;
-        EXPECT_EQ(OptSymToJustSym(text.c_str()), text.substr(0, 3));
-        EXPECT_EQ(OptSymToExpnMth(text.c_str()), text.substr(std::min<std::size_t>(4, text.size()), 3));
-        EXPECT_EQ(OptSymToStrikePrc(text.c_str()), text.substr(std::min<std::size_t>(8, text.size()), 8));
-        reused.setOptionSymbol(text.c_str());
-        return membersOf(reused);
-    });
-    // Symbols are equal by root, month, strike and a side that is known.
-    for (const auto& [text, members] : all) {
-        const tarnOptionSymbol a(text.c_str());
-        for (const auto& [otherText, otherMembers] : all) {
-            const tarnOptionSymbol b(otherText.c_str());
-            const bool equal = members.starts_with(otherMembers.substr(0, otherMembers.size() - 1)) &&
-                               members.find(",-,-,") == members.npos;
-            EXPECT_EQ(a.isEqual(&b), equal ? 1 : 0) << text << ", " << otherText;
-        }
-    }
-    reused.setOptionSymbol("ABC XYZ JAN 5 PUT");
-    reused.setOptionSymbol(reused.symbolText + 4);  // its own text
-    EXPECT_EQ(membersOf(reused), "XYZ,JAN,5,PUT,3");
+TEST(OptionSymbol, TextOfTheObjectIsReadAfterItsRelease) {
+    tarnOptionSymbol option("ABC XYZ JAN 5");
+    const char* const strike = option.strikeText;
+    option.setOptionSymbol(option.symbolText);
+    EXPECT_EQ(option.strikeText, strike);  // nothing is read twice
+    option.setOptionSymbol(option.symbolText + 4);
+    EXPECT_STREQ(option.rootSymbol, "XYZ");
+    option.setOptionSymbol(nullptr);
+    EXPECT_STREQ(option.symbolText, "");
+    EXPECT_EQ(option.rootSymbol, nullptr);
+}
+
+TEST(OptionSymbol, OtherOptionsAreEqual) {
+    const auto areEqual = [](const char* a, const char* b) {
+        const tarnOptionSymbol other(b);
+        return tarnOptionSymbol(a).isEqual(&other);
+    };
+    EXPECT_EQ(areEqual("XYZ JAN 100 CALL", "XYZ  JAN 100 call"), 1);
+    EXPECT_EQ(areEqual("XYZ JAN 100", "XYZ JAN 100 cALL"), 1);
+    EXPECT_EQ(areEqual("XYZ JAN 100 CALL", "XYZ JAN 100 PUT"), 0);
+    EXPECT_EQ(areEqual("XYZ JAN 100 CALL", "XYZ JAN 100"), 0);
+    EXPECT_EQ(areEqual("XYZ JAN 100 CALL", "XYZ JAN 100.00 CALL"), 0);
+    EXPECT_EQ(areEqual("XYZ JAN 100 CALL", "XYZ FEB 100 CALL"), 0);
+    EXPECT_EQ(areEqual("XYZ JAN 100 CALL", "xyz JAN 100 CALL"), 0);
+    EXPECT_EQ(areEqual("XYZ", "XYZ"), 0);
+    EXPECT_EQ(tarnOptionSymbol("XYZ JAN 100").isEqual(nullptr), 0);
+}
+
+// Columns are cut without a look at the words.
+TEST(OptionSymbol, AnotherColumnIsCut) {
+    EXPECT_STREQ(OptSymToJustSym("XYZW JAN"), "XYZ");
+    EXPECT_STREQ(OptSymToExpnMth("XY  JANUARY"), "JAN");
+    EXPECT_STREQ(OptSymToStrikePrc("XYZ JAN 100.00 CALL"), "100.00 C");
+    EXPECT_STREQ(OptSymToStrikePrc("XYZ JAN 5"), "5");
+    for (const auto cut : {OptSymToJustSym, OptSymToExpnMth, OptSymToStrikePrc})
+        EXPECT_STREQ(cut(nullptr), "");
+    EXPECT_STREQ(OptSymToExpnMth("XY"), "");
 }
 
 }  // namespace
