@@ -1,6 +1,7 @@
 // Date text: validation, century rules, and the way to a tm and to seconds.  There is no one century rule;
 // each reader has the one that its texts were written by.  A slashed text is scanned as sscanf scans
-// "%d/%d/%d", by hand, since the scan would otherwise cost more than mktime behind it.
+// "%d/%d/%d", by hand, since the scan would otherwise cost more than the mktime that follows.
+// Tests: tests/calendar/date_text_test.cpp.
 
 #include "calendar/date_text.h"
 
@@ -117,7 +118,7 @@ void overwriteNoDate(char* text, std::size_t length) {
     }
 }
 
-// What stands between the numbers of a date text of this length; empty if no such text has it.
+// What separates the numbers of a date text of this length; empty if no date text has this length.
 std::string_view separatorsOf(std::size_t length) {
     if (length == 8 || length == 10) return "//";
     if (length == 17 || length == 19) return "// ::";
@@ -138,7 +139,7 @@ int scanNumbers(const char* text, std::string_view separators, std::int32_t* num
     if (at == nullptr) return text[std::strspn(text, " \t\n\v\f\r")] == '\0' ? -1 : 0;
     int found = 1;
     for (const char separator : separators) {
-        // A blank stands for any number of them, which the next number passes over itself.
+        // A blank means any white space, which the next number passes over itself.
         if (separator != ' ' && *at++ != separator) break;
         at = scanField(at, *++numbers);
         if (at == nullptr) break;
@@ -149,9 +150,9 @@ int scanNumbers(const char* text, std::string_view separators, std::int32_t* num
 
 namespace {
 
-constexpr std::int32_t noSeconds = -1;  // of a moment that mktime can't tell
+constexpr std::int32_t noSeconds = -1;  // of a moment before 1970 or after 2038
 
-// gettmstruct with the result of its mktime, which already is what a second mktime of `out` would answer.
+// gettmstruct with the result of its mktime, which is what a second mktime of `out` would answer.
 std::int32_t readMoment(char* text, std::tm& out) {
     if (text == nullptr) return noSeconds;
     out = {};

@@ -51,7 +51,7 @@ constexpr std::int32_t daysOfCycle = 146097;  // 400 years, 20871 weeks
 
 // The place of a date with a real month in an unbroken count of days, in which multiples of 7 are Sundays.
 // It is 365 y + y / 4 - y / 100 + y / 400 and the day of the year, less the leap day that is still to come;
-// whole cycles of 400 years go apart, so that the quotients are right for negative years too.
+// whole cycles of 400 years are counted apart, so that the quotients are right for negative years too.
 constexpr std::int64_t dayNumber(const CalendarDate& date) {
     const std::int64_t cycle = floorDivide(date.year, 400);
     const std::int64_t year = date.year - 400 * cycle;  // [0, 399]
@@ -84,9 +84,9 @@ bool readCompactDate(const char* text, CalendarDate& date);
 // last byte is always 0.
 void writeDate(const CalendarDate& date, bool fourDigitYear, char* out);
 
-// Scans numbers with these separators between them, as sscanf scans "%d/%d/%d" for "//"; a blank stands for
+// Scans numbers with these separators between them, as sscanf scans "%d/%d/%d" for "//"; a blank means
 // any white space.  `numbers` has one place more than there are separators and keeps what isn't found.
-// Answers how many were found, and -1 for a text in which nothing stands.
+// Answers how many were found, and -1 for a text of white space alone.
 int scanNumbers(const char* text, std::string_view separators, std::int32_t* numbers);
 
 // Today's local date, with the year taken modulo 128 as the packed field is.

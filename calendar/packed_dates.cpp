@@ -1,5 +1,6 @@
 // Packed dates and day numbers.  A day number is counted in years that begin in March, so that the leap day
 // is the last of its year and the lengths of the months follow from one division.
+// Tests: tests/calendar/date_text_test.cpp, tests/calendar/trading_days_test.cpp.
 
 #include <cstdint>
 

@@ -7,6 +7,7 @@
 //   count            holiday    1                       2       3
 //
 // so that a count of a billion takes no longer than a count of one.
+// Tests: tests/calendar/trading_days_test.cpp.
 
 #include <algorithm>
 #include <array>
@@ -79,12 +80,12 @@ std::int64_t countBackward(std::int64_t from, std::int64_t count) {
     return number;
 }
 
-// `start` itself never counts.  Nothing if no business day lies there.
+// `start` itself never counts.  Nothing where the count leads beyond the calendar.
 std::optional<CalendarDate> businessDaysFrom(CalendarDate start, std::int64_t count) {
     if (count == 0) return start;
     if (!hasRealMonth(start)) return std::nullopt;
     constexpr std::int64_t lastDay = dayNumber({lastCalendarYear, 12, 31});
-    // A day that its month hasn't lies in the gap before the first of it, or behind the last.
+    // A day that its month doesn't have is placed before the first or after the last.
     const std::int32_t length = monthLength(start.year, start.month);
     std::int64_t day = 0;
     if (count > 0) {

@@ -1,4 +1,5 @@
 // Which days the market trades, today's date as text, and the part of the market's week.
+// Tests: tests/calendar/trading_days_test.cpp.
 
 #include <algorithm>
 

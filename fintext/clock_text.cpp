@@ -1,4 +1,4 @@
-// The clock as text.
+// The clock as text.  Tests: tests/fintext/patterned_text_test.cpp.
 
 #include "fintext/clock_text.h"
 

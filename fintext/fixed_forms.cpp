@@ -1,5 +1,6 @@
-// Texts of a fixed form: tax and telephone numbers, and dates with and without their slashes.  Each is put
-// together aside, so that source and target may be the same text.
+// Texts of a fixed form: tax and telephone numbers, and dates with and without their slashes.  Each is made
+// in a buffer of its own first, so that source and target may be the same text.
+// Tests: tests/fintext/patterned_text_test.cpp.
 
 #include <algorithm>
 #include <cstring>

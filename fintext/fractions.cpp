@@ -1,5 +1,5 @@
-// Prices as fractions.  A text holds one fraction, found by its first slash; what stands in front of its
-// numerator, a whole part or a sign, is never looked at.
+// Prices as fractions.  A text holds one fraction, found by its first slash; a whole part or a sign in front
+// of its numerator is never looked at.  Tests: tests/fintext/fractions_test.cpp.
 
 #include <algorithm>
 #include <bit>

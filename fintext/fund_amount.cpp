@@ -1,4 +1,5 @@
 // The amount of a fund, from the record's fields in their order of rank.
+// Tests: tests/fintext/patterned_text_test.cpp.
 
 #include <cstring>
 

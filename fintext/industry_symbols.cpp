@@ -1,4 +1,5 @@
 // The industry symbols of the outside vendor, in the vendor's order, which decides between equal ids.
+// Tests: tests/fintext/patterned_text_test.cpp.
 
 #include <algorithm>
 #include <iterator>

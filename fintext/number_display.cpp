@@ -1,6 +1,7 @@
-// Numbers for display.  The printed text is read back: whether a half was dropped shows in the distance of
-// what is shown from what was meant, both as doubles, so that a decimal half counts as one although its
-// double lies beside it.
+// Numbers for display.  The printed text is read back and half a unit of its last place is added, in doubles:
+// if that doesn't exceed the number, a half or more was dropped.  So 1.005 becomes 1.01 with two decimals,
+// although its double is a little below, while 0.15 stays 0.1 with one, for 0.1 + 0.05 is a little above.
+// Tests: tests/fintext/numeric_text_test.cpp.
 
 #include "fintext/number_display.h"
 

@@ -13,8 +13,9 @@ namespace tarn {
 // Decimals that show every double in full; a target needs fixedRoom (core/number_text.h) of as many.
 constexpr std::uint32_t mostDecimals = 1074;
 
-// Writes a number with at most mostDecimals, a half in the first dropped place going up: 1.005 with two is
-// 1.01, though its double lies a little below.  Answers the terminator's place.
+// Writes a number with at most mostDecimals decimals, and one unit of the last place more where the text and
+// half a unit, added as doubles, don't exceed the number: 1.005 with two decimals is 1.01.  Answers the
+// terminator's place.
 char* writeRounded(char* target, double value, std::uint32_t decimals);
 
 // The number of a tagged value: tags 1 and 6 as signed 8 bits, 2 and 7 as signed 16 bits, 3, 8 and 14, 4, 5,

@@ -1,5 +1,6 @@
 // Numeric text: the three readers, each for its own dialect, and the text operations that trim and re-format
 // decimals in the caller's buffer.  Whole numbers are added up without a sign, so that they may wrap.
+// Tests: tests/fintext/numeric_text_test.cpp.
 
 #include <algorithm>
 #include <cstring>

@@ -1,5 +1,6 @@
 // Amounts through a picture pattern and as money.  A pattern is worked off from its right end, where the last
 // decimal of the text belongs; the output grows backwards and is turned round when it is done.
+// Tests: tests/fintext/patterned_text_test.cpp.
 
 #include <algorithm>
 #include <cstring>
@@ -21,9 +22,9 @@ class PatternScan {
   public:
     PatternScan(std::string_view text, std::string_view pattern) : text_(text), pattern_(pattern) {}
 
-    // Appends to the output, right to left, what stands right of the prefix.
+    // Appends to the output, right to left, everything but the prefix.
     void writeDigits(std::string& output);
-    // What stands left of the repeating group.
+    // The part of the pattern left of the repeating group.
     [[nodiscard]] std::string_view prefix() const;
 
   private:

@@ -1,4 +1,5 @@
 // Changes of a price: in percent of the previous one, sorted by sign, flipped.
+// Tests: tests/fintext/fractions_test.cpp.
 
 #include <algorithm>
 #include <cstdio>

@@ -1,4 +1,4 @@
-// Small text tools: cleaning up in place, and new texts.
+// Small text tools: cleaning up in place, and new texts.  Tests: tests/fintext/patterned_text_test.cpp.
 
 #include <algorithm>
 #include <cstring>

@@ -1,4 +1,5 @@
-// Each routine is a part of what doCalculateBSValue works out; the other out arguments stay unasked for.
+// Each routine is a part of what doCalculateBSValue works out; the other out arguments are NULL.
+// Tests: tests/options/option_value_test.cpp.
 
 #include "options/black_scholes.h"
 

@@ -7,8 +7,8 @@
 //
 //   K' = (1 + r)^-T K,   L = ln(S / K'),   v = sigma sqrt(T),   d1 = L / v + v / 2,   d2 = d1 - v
 //
-// the call is worth S N(d1) - K' N(d2) and the put, by put-call parity, K' - S more.  Everything stands in
-// the header because the search for the implied volatility runs through it many times.
+// the call is worth S N(d1) - K' N(d2) and the put, by put-call parity, K' - S more.  Everything is in the
+// header because the search for the implied volatility runs through it many times.
 //
 // Source: Black and Scholes (1973), equation 13, with ln(1 + r) for their rate.  The cumulative normal is
 // M. Abramowitz and I. Stegun, Handbook of Mathematical Functions (1964), 26.2.17, coefficients to 8

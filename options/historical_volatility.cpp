@@ -1,5 +1,6 @@
 // Historical volatility: the deviation of the logarithmic price changes, over the root of the mean time
-// between rows. The calendar of this routine is its own: every year has 365 days, every month 30.
+// between rows.  The calendar of this routine is its own: every year has 365 days, every month 30.
+// Tests: tests/options/historical_volatility_test.cpp.
 
 #include <cmath>
 #include <optional>

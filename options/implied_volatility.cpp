@@ -1,12 +1,11 @@
-// The search for the implied volatility.  What it answers is the end of a bisection of at most 15 steps, not
-// the root itself, so the root can't simply be handed over.  But the root foretells most steps: the price
-// rises with the volatility, so a trial clearly beside the root misses the market price on that side, and no
-// price is needed to know it.  Two or three prices find the root; the bisection then works out a price only
-// where the forecast and the search tolerance are too close to tell, and takes the same steps as it would
-// without.
+// The search for the implied volatility.  It answers the end of a bisection of at most 15 steps, not the root
+// itself.  But the root predicts most steps: the price rises with the volatility, so a trial clearly beside
+// the root misses the market price on that side, and no price is needed to know it.  Two or three prices find
+// the root; the bisection then works out a price only where the forecast is too close to the search tolerance
+// to decide, and takes the same steps as it would without.
 //
 // Example: a call on 105 at 100, 120 days, 6 percent, valued at 0.30, quoted at 10: the bisection ends at
-// 0.255322 after eleven trials, and two prices decide them all.
+// 0.255322 after eleven trials, and two prices decide them all.  Tests: tests/options/option_value_test.cpp.
 
 #include "options/implied_volatility.h"
 
@@ -29,8 +28,9 @@ struct Forecast {
 constexpr Forecast noForecast;
 
 // Says whether the price at volatilities up to `reach` away from g may be taken from the line with slope
-// vega. Vega grows by d1 d2 / g per 1.00 of volatility, relatively, and |d1 d2| is at most (d1^2 + d2^2) / 2.
-// Where that comes to less than 0.05 over the reach, the line is off by less than 0.031 of vega * reach.
+// vega.  Vega grows by d1 d2 / g per 1.00 of volatility, relatively, and |d1 d2| is at most
+// (d1^2 + d2^2) / 2.  Where that is less than 0.05 over the reach, the line is off by less than 0.031 of
+// vega * reach.
 bool isStraight(const ModelPoint& point, double g, double reach) {
     const double bend = 1 + (point.d1 * point.d1 + point.d2 * point.d2) / 2;
     return reach * bend < 0.05 * g;

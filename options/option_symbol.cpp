@@ -1,5 +1,5 @@
 // Option symbols: a reader that takes words one after the other until one doesn't fit, and three that cut
-// fixed columns.
+// fixed columns.  Tests: tests/options/option_symbol_test.cpp.
 
 #include "options/option_symbol.h"
 

@@ -1,7 +1,7 @@
 // The stages of a valuation: guard, repair of the prices, the European value, the implied volatility, early
 // exercise, and the sensitivities.  The value and the sensitivities each start from the caller's terms and
 // repair them differently; where both come to the same prices, as they do without dividends and splits, the
-// formula runs once for both.
+// formula runs once for both.  Tests: tests/options/option_value_test.cpp.
 
 #include "options/option_value.h"
 
@@ -22,12 +22,12 @@ constexpr std::int32_t scheduleMode = 2;
 constexpr int scheduleEntries = 12;
 constexpr int mostPowersOfTen = 6;
 
-// Two limits are single-precision numbers; the widened value is what prices are compared with.
+// Two limits are single-precision numbers; prices are compared with the widened values.
 constexpr double tinyPriceLimit = 0.02F;  // 0.019999999552965164
 constexpr double lowStrikeRatio = 0.3F;   // 0.30000001192092896
 constexpr double highStrikeRatio = 3.0;
 
-// What the caller says of an option.
+// The caller's arguments.
 struct OptionTerms {
     bool isPut;
     double interestRate;
@@ -59,7 +59,7 @@ struct Valuation {
 
 // ------------------------------------------------------------------------------------------------- guard
 
-// Says no to NaN too, and to infinities.
+// Refuses NaN and infinities too.
 bool isUsable(const OptionTerms& terms) {
     const double largest = std::max(std::max(terms.strikePrice, terms.stockPrice),
                                     std::max(terms.volatility, terms.interestRate));
@@ -117,7 +117,7 @@ RepairedPrices pricesForSensitivities(const OptionTerms& terms, double stock) {
     return {bySchedule ? takeOffSchedule(terms, takeOffExDividends(terms, stock)) : stock, terms.strikePrice};
 }
 
-// Reads a strike that stands in another power of ten in that of the stock price.
+// A strike quoted in another power of ten than the stock price is read in the stock's.
 double scaleStrike(const RepairedPrices& prices) {
     double strike = prices.strike;
     for (int i = 0; i < mostPowersOfTen && strike <= lowStrikeRatio * prices.stock; ++i) strike *= 10;

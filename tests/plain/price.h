@@ -1,6 +1,6 @@
 #pragma once
 
-// The slow plain form of convertToDouble, for tests and fuzz targets.
+// The slow plain form of convertToDouble, for tests and fuzz targets: the text is cleaned first, then parted.
 
 #include <algorithm>
 #include <cstdlib>
@@ -9,7 +9,7 @@
 
 namespace tarnplain {
 
-// The told steps of a price.
+// Answers 1 and the number of a price, or 0.
 inline int price(const std::string& text, double& number) {
     std::string kept;
     char sign = '+';
