@@ -37,7 +37,7 @@ struct OptionTerms {
     double stockPrice;
     std::int32_t daysToExpiration;
     std::int32_t exDividendDays1, exDividendDays2, exDividendDays3;
-    double dividendAmount;
+    double dividendAmount;  // finite
     double splitFactor;
     const std::int32_t* dividendDays;
     const double* dividendAmounts;
@@ -69,6 +69,11 @@ bool isUsable(const OptionTerms& terms) {
 
 // ------------------------------------------------------------------------------------- repair of the prices
 
+// A dividend that isn't finite counts for nothing.
+double finiteAmount(double amount) {
+    return std::isfinite(amount) ? amount : 0;
+}
+
 struct RepairedPrices {
     double stock;  // dividends taken off
     double strike;
@@ -86,7 +91,7 @@ double splitStrike(const OptionTerms& terms, double stock) {
 }
 
 double takeOffExDividends(const OptionTerms& terms, double stock) {
-    if (!(terms.dividendAmount > 0)) return stock;
+    if (terms.dividendAmount <= 0) return stock;
     for (const std::int32_t day : {terms.exDividendDays1, terms.exDividendDays2, terms.exDividendDays3}) {
         const bool counts = day > 0 && day < terms.daysToExpiration && terms.dividendAmount < stock;
         if (counts) stock -= terms.dividendAmount;
@@ -98,9 +103,8 @@ double takeOffExDividends(const OptionTerms& terms, double stock) {
 double takeOffSchedule(const OptionTerms& terms, double stock) {
     if (terms.dividendDays == nullptr || terms.dividendAmounts == nullptr) return stock;
     for (int i = 0; i < scheduleEntries; ++i) {
-        const bool counts =
-            terms.dividendDays[i] < terms.daysToExpiration && terms.dividendAmounts[i] < stock;
-        if (counts) stock -= terms.dividendAmounts[i];
+        const double amount = finiteAmount(terms.dividendAmounts[i]);
+        if (terms.dividendDays[i] < terms.daysToExpiration && amount < stock) stock -= amount;
     }
     return stock;
 }
@@ -222,10 +226,10 @@ std::int32_t doCalculateBSValue(int isPut, double strikePrice, double interestRa
                                 double stockPrice, std::int32_t daysToExpiration, double* gamma,
                                 double* theta, double* vega, double* delta, double* optionValue,
                                 double* impliedVolatility) {
-    const auto [value, sensitivities] =
-        tarn::valuation({isPut != 0, interestRate, volatility, marketPrice, strikePrice, stockPrice,
-                         daysToExpiration, exDividendDays1, exDividendDays2, exDividendDays3, dividendAmount,
-                         splitFactor, dividendDays, dividendAmounts, dividendMode});
+    const auto [value, sensitivities] = tarn::valuation(
+        {isPut != 0, interestRate, volatility, marketPrice, strikePrice, stockPrice, daysToExpiration,
+         exDividendDays1, exDividendDays2, exDividendDays3, tarn::finiteAmount(dividendAmount), splitFactor,
+         dividendDays, dividendAmounts, dividendMode});
     tarn::store(value.value, optionValue);
     tarn::store(value.delta, delta);
     tarn::store(value.impliedVolatility, impliedVolatility);

@@ -175,9 +175,10 @@ TEST(OptionValue, ExpiredAndUnusableTermsGiveTheirFixedAnswers) {
     EXPECT_EQ(ours({.days = INT32_MAX, .amount = 8, .mode = 0, .exDays = {INT32_MAX - 1, -INT32_MAX}})[value],
               92);
     const std::int32_t days[12] = {};
-    const double amounts[12] = {1, inf, nan};
+    const double amounts[12] = {1, inf, nan, -inf};
     EXPECT_EQ(ours({.amount = nan, .split = nan, .mode = 2, .schedule = amounts}), ours({}));
     EXPECT_EQ(ours({.mode = 2, .scheduleDays = days, .schedule = amounts}), ours({.stock = 99}));
+    EXPECT_EQ(ours({.isPut = 1, .amount = inf, .mode = 0, .exDays = {30}}), ours({.isPut = 1}));
     // A search above 1.0 moves down towards 1.0; a price near the value, be it 0, is no reason to search.
     EXPECT_NEAR(ours({.volatility = 1.5, .market = inf})[implied], 1, 1e-4);
     EXPECT_EQ(ours({.stock = 50, .volatility = 0.1})[implied], 0.1);
