@@ -13,6 +13,9 @@
 
 namespace {
 
+// The styles of money with a meaning of their own; any other supplies missing decimals, without a dollar sign.
+enum MoneyStyle : int { plainStyle = 0, dollarStyle = 1 };
+
 bool isPlace(char c) {
     return c == '#' || c == '.';
 }
@@ -116,10 +119,10 @@ void formatToMoneyFormat(const char* text, tarnString& target, int style) {
 
     std::string money;
     if (negative) money += '-';
-    if (style == 1) money += '$';
+    if (style == dollarStyle) money += '$';
     appendGrouped(money, whole);
     money += decimals;
     if (decimals.size() == 2 && tarn::isDigit(decimals[1])) money += '0';
-    if (decimals.empty() && style != 0) money += ".00";
+    if (decimals.empty() && style != plainStyle) money += ".00";
     target.assign(money.c_str());
 }

@@ -16,6 +16,8 @@
 
 namespace {
 
+enum SideType : int { notReadToItsEnd = 0, noSide = 1, callSide = 2, putSide = 3 };
+
 constexpr std::size_t longestRoot = 3;
 constexpr std::size_t lettersOfMonth = 3;
 
@@ -38,18 +40,21 @@ bool sameText(const char* a, const char* b) {
     return a != nullptr && b != nullptr && std::strcmp(a, b) == 0;
 }
 
+// A text without a side and one that wasn't read to its end are of one class.
 int sideClass(int sideType) {
-    return std::max(sideType, 1);  // no side, whether or not the text was read to its end
+    return sideType == notReadToItsEnd ? noSide : sideType;
 }
 
 struct SideWord {
     std::string_view word;
     const char* sideText;
-    int sideType;
+    SideType sideType;
 };
 
-constexpr SideWord sideWords[] = {{"CALL", "CALL", 2}, {"Call", "CALL", 2}, {"call", "CALL", 2},
-                                  {"PUT", "PUT", 3},   {"Put", "PUT", 3},   {"put", "PUT", 3}};
+constexpr SideWord sideWords[] = {
+    {"CALL", "CALL", callSide}, {"Call", "CALL", callSide}, {"call", "CALL", callSide},
+    {"PUT", "PUT", putSide},    {"Put", "PUT", putSide},    {"put", "PUT", putSide},
+};
 
 // Copies up to `size` - 1 characters from a column on; the text may be the buffer itself.
 template <std::size_t size>
@@ -69,7 +74,7 @@ tarnOptionSymbol::tarnOptionSymbol()
       expirationMonth(nullptr),
       strikeText(nullptr),
       sideText(nullptr),
-      sideType(0) {}
+      sideType(notReadToItsEnd) {}
 
 tarnOptionSymbol::tarnOptionSymbol(const char* text) : tarnOptionSymbol() {
     parseSymbol(text);
@@ -126,7 +131,7 @@ void tarnOptionSymbol::parseSymbol(const char* text) {
         strikeText = copyOf(strike);
     }
     if (rest.empty()) {
-        sideType = 1;
+        sideType = noSide;
         return;
     }
 
@@ -141,7 +146,7 @@ void tarnOptionSymbol::clearSymbol() {
         delete[] * text;
         *text = nullptr;
     }
-    sideType = 0;
+    sideType = notReadToItsEnd;
 }
 
 char* OptSymToJustSym(const char* s) {
