@@ -3,7 +3,7 @@
 //
 //   client_window [PICTURE]     PICTURE is the file for the picture, build/gradient.png if none is given
 //
-// It runs in the repository's root.  The clock stands still, so that every run prints the same.
+// It runs in the repository's root.  The clock is stopped, so that every run prints the same.
 
 #include <png.h>
 
@@ -36,7 +36,7 @@ void showEntry(HMENU menu, int position, int depth) {
     const char* const drawn = (info.fType & MFT_OWNERDRAW) != 0 ? "owner-drawn" : "not owner-drawn";
     const int width = 28 - 2 * depth;
     std::printf("%*s", 2 * depth, "");
-    if (node->kind == 3) {
+    if (node->kind == menuSeparator) {
         std::printf("%.*s\n", width, rule);
         return;
     }

@@ -2,18 +2,15 @@
 //
 //   option_sheet [FILE]     FILE is a record file with dates in column 737 and prices in column 336
 //
-// The clock stands at the history's last date, so that the same file gives the same sheet every day.
+// The clock is set to the history's last date, so that the same file gives the same sheet every day.
 
 #include <cmath>
-#include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <string_view>
-#include <thread>
 
 #include "calendar/market_calendar.h"
 #include "core/string.h"
@@ -30,36 +27,7 @@ constexpr std::int32_t priceColumn = 336;
 constexpr std::int32_t volatilityField = 1001;
 constexpr double interestRate = 0.015;
 
-// Says that something is going on when it takes longer than half a second.
-class Progress {
-  public:
-    explicit Progress(const char* what)
-        : watcher_([this, what] {
-              std::unique_lock lock(mutex_);
-              if (!ended_.wait_for(lock, std::chrono::milliseconds(500), [this] { return done_; })) {
-                  std::fprintf(stderr, "%s ...\n", what);
-              }
-          }) {}
-    ~Progress() {
-        {
-            const std::lock_guard lock(mutex_);
-            done_ = true;
-        }
-        ended_.notify_one();
-        watcher_.join();
-    }
-    Progress(const Progress&) = delete;
-    Progress& operator=(const Progress&) = delete;
-
-  private:
-    std::mutex mutex_;
-    std::condition_variable ended_;
-    bool done_ = false;
-    std::thread watcher_;
-};
-
 bool load(tarnEngineData& record, const char* file) {
-    const Progress progress("Loading");
     return record.loadData(file, loadReplace) == 1;
 }
 
@@ -70,8 +38,8 @@ const char* cellText(tarnEngineData& record, std::int32_t column, std::int32_t r
     return cell.tag == tagText && cell.payload.text != nullptr ? cell.payload.text : "";
 }
 
-// The last date of the history as a client shows it, with four digits for the year.  The clock then stands at
-// four in the afternoon of that day.
+// The last date of the history as a client shows it, with four digits for the year.  From then on the
+// clock shows four in the afternoon of that day.
 std::string holdClockAtLastDate(tarnEngineData& record) {
     int month = 0;
     int day = 0;

@@ -1,7 +1,8 @@
-// Menus in memory: each is a list of entries, and an entry may name another menu, which goes when this one
-// goes. Menus nest to any depth and may even be hung into each other in a ring, so nothing here recurses: a
-// search keeps its way back in the menus that it walks through, and a tear-down chains the menus that it has
-// still to release.  Neither allocates, for both run inside destructors.
+// Menus in memory: each is a list of entries, and an entry may name another menu, which is destroyed with this
+// one.  Menus nest to any depth and may even form a ring, so nothing here recurses: a search keeps its way
+// back in the menus that it walks through, and a tear-down chains the menus that it has still to release.
+// Neither allocates, for both run inside destructors.
+// Tests: tests/platform/menus_test.cpp.
 
 #include <algorithm>
 #include <atomic>
@@ -46,7 +47,7 @@ Menu* findMenu(HMENU handle) {
     return menu;
 }
 
-// Where an entry stands; no menu where there is none.
+// The menu and position of an entry; no menu where there is none.
 struct Place {
     Menu* menu = nullptr;
     std::size_t position = 0;
@@ -54,7 +55,7 @@ struct Place {
     [[nodiscard]] Entry& entry() const { return menu->entries[position]; }
 };
 
-// Depth first, a sub-menu before what stands behind it.  A popup is met by its handle when no other entry
+// Depth first, a sub-menu before the entries behind it.  A popup is found by its handle when no other entry
 // fits.
 Place findByCommand(Menu& root, UINT id) {
     const std::uint64_t search = ++searches;

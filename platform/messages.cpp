@@ -1,4 +1,5 @@
 // Messages: a text for each error code that this layer sets, and the message box.
+// Tests: tests/platform/messages_test.cpp.
 
 #include <algorithm>
 #include <atomic>

@@ -1,4 +1,5 @@
-// Modules on dlopen.  A module that is loaded twice has one handle and goes with its last FreeLibrary.
+// Modules on dlopen.  A module that is loaded twice has one handle and is unloaded by its last FreeLibrary.
+// Tests: tests/platform/messages_test.cpp.
 
 #include <dlfcn.h>
 #include <elf.h>
@@ -84,7 +85,7 @@ HMODULE LoadLibraryA(const char* file) {
 
 FARPROC GetProcAddress(HMODULE handle, const char* name) {
     const Module* module = modules.find(handle);
-    const bool named = reinterpret_cast<ULONG_PTR>(name) > 0xFFFF;  // below stand ordinals
+    const bool named = reinterpret_cast<ULONG_PTR>(name) > 0xFFFF;  // a smaller one is an ordinal
     void* address = nullptr;
     if (named && (module != nullptr || handle == nullptr)) {
         address = ::dlsym(module == nullptr ? RTLD_DEFAULT : module->system, name);

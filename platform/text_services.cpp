@@ -1,4 +1,5 @@
 // Number to text and case-independent comparison, on the standard library and the same under every locale.
+// Tests: tests/platform/text_services_test.cpp.
 
 #include <charconv>
 #include <cstring>

@@ -1,5 +1,6 @@
 // Bitmaps from resources and the painted gradient.  A packed bitmap of a resource is measured against the
 // resource's size before any of it is used.
+// Tests: tests/present/bitmap_test.cpp.
 
 #include <cstdlib>
 #include <cstring>
@@ -90,7 +91,7 @@ class Selection {
     HGDIOBJ earlier_;
 };
 
-// Where the bands of the gradient go.
+// Fills bands of the bitmap that is selected into the manager's context.
 struct Gradient {
     HDC context;
     ItarnResourceMgr* manager;

@@ -32,6 +32,9 @@ namespace tarn {
 class MenuBuilder;
 }
 
+/// What a node of a menu tree is: the values of tarnMenuDef::kind.
+enum tarnMenuKind : std::int32_t { menuPopup = 1, menuItem = 2, menuSeparator = 3 };
+
 /// A token: the trimmed text inside the parsed one.
 struct _link {
     char* text;            ///< inside the parsed text, NUL-terminated

@@ -1,6 +1,9 @@
-// A menu tree may be as deep as its text is long, so nothing here recurses.  The walks down keep a list of
-// what is still to be visited; the sweep of a tear-down, which must not allocate, keeps its way back in the
-// tree itself: the slot of the child that it is in holds the node above.
+// The nodes of a menu tree: their children, their menus, their end.
+//
+// A tree may be as deep as its text is long, so nothing here recurses.  The walks down keep a list of what is
+// still to be visited; the sweep of a tear-down, which must not allocate, keeps its way back in the tree
+// itself: the slot of the child that it is in holds the node above.
+// Tests: tests/present/menu_test.cpp.
 
 #include <algorithm>
 #include <bit>
@@ -14,9 +17,9 @@ namespace {
 
 constexpr std::int32_t growth = 16;
 
-// Slots behind a told capacity: a power of two, so that adding n children costs O(n).
-std::size_t realCapacity(std::int32_t told) {
-    return std::bit_ceil(static_cast<std::size_t>(told));
+// The slots of the array behind `childCapacity`: a power of two, so that adding n children costs O(n).
+std::size_t allocatedSlots(std::int32_t capacity) {
+    return std::bit_ceil(static_cast<std::size_t>(capacity));
 }
 
 }  // namespace
@@ -32,8 +35,8 @@ tarnMenuDef::~tarnMenuDef() {
 }
 
 // Deletes all nodes below, children first.  `labelLength`, which nobody reads any more, counts the children
-// visited. A node that goes with its parent doesn't take its entry out of the parent's menu, which goes too:
-// with many children that would search the menu once for each.
+// visited.  A node that is deleted with its parent leaves its entry in the parent's menu, which is destroyed
+// too: removing the entries one by one would search the menu once for each.
 void tarnMenuDef::releaseBelow() {
     tarnMenuDef* above = nullptr;
     tarnMenuDef* node = this;
@@ -57,8 +60,8 @@ void tarnMenuDef::releaseBelow() {
 void tarnMenuDef::addChild(tarnMenuDef* child) {
     if (child == nullptr) return;
     if (childCount >= childCapacity) {
-        const std::size_t wanted = realCapacity(childCapacity + growth);
-        if (children == nullptr || wanted > realCapacity(childCapacity)) {
+        const std::size_t wanted = allocatedSlots(childCapacity + growth);
+        if (children == nullptr || wanted > allocatedSlots(childCapacity)) {
             auto** const grown = new tarnMenuDef*[wanted];
             std::copy_n(children, childCount, grown);
             delete[] children;
@@ -81,7 +84,7 @@ tarnMenuDef* tarnMenuDef::getChild(std::int32_t index) const {
 }
 
 tarnMenuDef* tarnMenuDef::find(std::int32_t wantedId) {
-    std::vector<tarnMenuDef*> pending{this};  // the next one in the text stands last
+    std::vector<tarnMenuDef*> pending{this};  // the next one in the text is last
     while (!pending.empty()) {
         tarnMenuDef* const node = pending.back();
         if (node->id == wantedId) return node;
@@ -111,7 +114,7 @@ void tarnMenuDef::createMenu() {
         unfilled.pop_back();
         for (std::int32_t i = 0; i < node->childCount; ++i) {
             tarnMenuDef* const child = node->children[i];
-            if (child->kind == 1) {
+            if (child->kind == menuPopup) {
                 child->renewMenu();
                 unfilled.push_back(child);
             }
@@ -128,11 +131,11 @@ void tarnMenuDef::renewMenu() {
 void tarnMenuDef::appendEntry(tarnMenuDef& child) const {
     const char* const data = reinterpret_cast<const char*>(&child);
     switch (child.kind) {
-        case 1:
+        case menuPopup:
             AppendMenuA(menu, MF_POPUP | MF_OWNERDRAW, reinterpret_cast<ULONG_PTR>(child.menu), data);
             break;
-        case 2: AppendMenuA(menu, MF_OWNERDRAW, static_cast<UINT>(child.id), data); break;
-        case 3: AppendMenuA(menu, MF_OWNERDRAW, 0, data); break;
+        case menuItem: AppendMenuA(menu, MF_OWNERDRAW, static_cast<UINT>(child.id), data); break;
+        case menuSeparator: AppendMenuA(menu, MF_OWNERDRAW, 0, data); break;
         default: break;
     }
 }

@@ -1,4 +1,5 @@
 // The grammar of menu texts, as one loop over the tokens that knows the popup it is in.
+// Tests: tests/present/menu_test.cpp.
 
 #include <cstring>
 #include <memory>
@@ -24,7 +25,7 @@ class MenuBuilder {
 
     static tarnMenuDef* newRoot() {
         auto* const root = new tarnMenuDef(nullptr);
-        root->kind = 1;
+        root->kind = menuPopup;
         return root;
     }
 
@@ -70,7 +71,7 @@ class MenuBuilder {
         node.labelLength = static_cast<std::int32_t>(token->length);
     }
 
-    static tarnMenuDef* addNode(tarnMenuDef& popup, std::int32_t kind) {
+    static tarnMenuDef* addNode(tarnMenuDef& popup, tarnMenuKind kind) {
         std::unique_ptr<tarnMenuDef> node(new tarnMenuDef(&popup));
         node->kind = kind;
         popup.addChild(node.get());
@@ -81,11 +82,11 @@ class MenuBuilder {
         if (next_ == nullptr) return;
         if (matches(next_, "SEPARATOR")) {
             take();
-            addNode(popup, 3);
+            addNode(popup, menuSeparator);
             return;
         }
         if (!atLeast(4)) return;
-        tarnMenuDef* const item = addNode(popup, 2);
+        tarnMenuDef* const item = addNode(popup, menuItem);
         setLabel(*item, take());
         item->number = readLong(take()->text);
         item->id = readLong(take()->text);
@@ -95,7 +96,7 @@ class MenuBuilder {
     // Answers the popup whose entries come next.
     tarnMenuDef* addPopup(tarnMenuDef& popup) {
         if (!atLeast(2)) return &popup;
-        tarnMenuDef* const below = addNode(popup, 1);
+        tarnMenuDef* const below = addNode(popup, menuPopup);
         setLabel(*below, take());
         below->number = readLong(take()->text);
         return below;

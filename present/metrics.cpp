@@ -1,4 +1,5 @@
 // The screen snapshot: one table of fields per source of values.
+// Tests: tests/present/metrics_test.cpp.
 
 #include "platform/win32.h"
 #include "present/screen.h"

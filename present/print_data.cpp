@@ -1,4 +1,5 @@
 // Print items: records that own a deep copy of their value, and rows that own their texts and blobs alone.
+// Tests: tests/present/print_data_test.cpp.
 
 #include "present/print_data.h"
 
@@ -25,7 +26,7 @@ MOLTVARIANT newText(std::string_view front, std::string_view text) {
     return value;
 }
 
-// `none` stands for a text of NULL.
+// `none` takes the place of a text of NULL.
 MOLTVARIANT copyText(const MOLTVARIANT& source, std::int32_t flags, std::string_view none) {
     const char* const text = tarn::textOf(source);
     const bool bulleted = (flags & printBullet) != 0;

@@ -1,4 +1,4 @@
-// The shared pointer slot.
+// The shared pointer slot.  Tests: tests/shared/shared_test.cpp.
 
 #include "present/startup.h"
 

@@ -1,4 +1,5 @@
 // The token parser: one pass over the text by a table of delimiters, with the outcome of strtok.
+// Tests: tests/present/menu_test.cpp.
 
 #include <array>
 #include <memory>

@@ -1,4 +1,5 @@
 // Bitmaps, palettes and brushes: making them, reading them back, deleting them.
+// Tests: tests/platform/screen_test.cpp.
 
 #include <algorithm>
 #include <cstdlib>

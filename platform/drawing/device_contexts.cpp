@@ -1,5 +1,6 @@
 // Device contexts: the screen's, which show no pixels, and memory device contexts, which draw into the bitmap
 // that is selected into them.  Each memory context starts with a bitmap of its own, of one black pixel.
+// Tests: tests/platform/screen_test.cpp.
 
 #include <algorithm>
 #include <cstdint>

@@ -1,7 +1,8 @@
 // Device-independent bitmaps: rows of pixels of 1, 4, 8, 16, 24 or 32 bits, each row on a multiple of 4
 // bytes, from the bottom up where the height is above 0.  Up to 8 bits a pixel is an entry of the colour
-// table behind the header; above, masks say where its primaries stand, fixed ones or (BI_BITFIELDS) three
+// table behind the header; above, masks say which bits are its primaries, fixed ones or (BI_BITFIELDS) three
 // words behind the first 40 bytes of the header.  Run-length encoded pixels aren't read.
+// Tests: tests/platform/screen_test.cpp, tests/present/bitmap_test.cpp.
 
 #include <algorithm>
 #include <bit>
@@ -24,7 +25,7 @@ struct ColorMasks {
 constexpr ColorMasks masks16{0x7C00, 0x03E0, 0x001F};
 constexpr ColorMasks masks32{0xFF0000, 0x00FF00, 0x0000FF};
 
-// What the published fields come to.
+// What follows from the published fields.
 struct Layout {
     BITMAPINFOHEADER header;
     ColorMasks masks;

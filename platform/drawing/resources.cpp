@@ -1,5 +1,6 @@
 // Resources: blocks of bytes under a module, a type and an id, registered by the program.  A found resource
 // and a loaded one are the same checked handle.
+// Tests: tests/platform/screen_test.cpp.
 
 #include <charconv>
 #include <cstring>
@@ -95,7 +96,7 @@ DWORD SizeofResource(HINSTANCE, HRSRC handle) {
 }
 
 BOOL FreeResource(HGLOBAL) {
-    return FALSE;  // a resource goes with its module
+    return FALSE;  // a resource is released with its module
 }
 
 HBITMAP LoadBitmapA(HINSTANCE module, const char* name) {

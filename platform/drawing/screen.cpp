@@ -1,4 +1,5 @@
 // The screen that the system values describe: the classic one, or the program's own by setScreen.
+// Tests: tests/platform/screen_test.cpp, tests/present/metrics_test.cpp.
 
 #include <algorithm>
 #include <cstring>

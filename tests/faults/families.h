@@ -7,7 +7,7 @@
 #include <atomic>
 
 #include "tarnutil.h"
-#include "tests/present/packed_bitmap.h"
+#include "tests/plain/packed_bitmap.h"
 #include "tests/support.h"
 #include "tests/values.h"
 

@@ -6,10 +6,6 @@ namespace {
 
 constexpr UINT none = ~0U;
 
-UINT handleId(HMENU menu) {
-    return static_cast<UINT>(reinterpret_cast<ULONG_PTR>(menu));
-}
-
 void addItem(HMENU menu, UINT id) {
     ASSERT_TRUE(AppendMenuA(menu, MF_OWNERDRAW, id, reinterpret_cast<const char*>(ULONG_PTR{id} + 1000)));
 }
@@ -19,74 +15,85 @@ HMENU addPopup(HMENU menu, HMENU below = CreatePopupMenu()) {
     return below;
 }
 
-// The ids of a menu in order, those of a sub-menu in brackets; a popup whose menu is gone looks empty.
-std::string shape(HMENU menu) {
-    std::string text;
-    for (int i = 0; i < GetMenuItemCount(menu); ++i) {
-        const HMENU below = GetSubMenu(menu, i);
-        const int id = static_cast<int>(GetMenuItemID(menu, i));
-        text += (i == 0 ? "" : " ") + (below == nullptr ? std::to_string(id) : "[" + shape(below) + "]");
-    }
-    return text;
-}
+using Counts = std::array<int, 3>;
 
+// Item 1, a popup (2, 3, a popup (4)), 3 and 0.
 struct Tree {
-    HMENU root = CreatePopupMenu(), middle = nullptr, deep = nullptr;
+    HMENU root = CreatePopupMenu(), middle = CreatePopupMenu(), deep = CreatePopupMenu();
 
     Tree() {
         addItem(root, 1);
-        middle = addPopup(root);
-        for (const auto& [menu, id] : {std::pair{middle, 2U}, {middle, 3U}, {root, 3U}, {root, 0U}})
-            addItem(menu, id);
-        addItem(deep = addPopup(middle), 4);
+        addPopup(root, middle);
+        for (const UINT id : {3U, 0U}) addItem(root, id);
+        for (const UINT id : {2U, 3U}) addItem(middle, id);
+        addPopup(middle, deep);
+        addItem(deep, 4);
     }
     ~Tree() { DestroyMenu(root); }
+
+    [[nodiscard]] Counts counts() const {
+        return {GetMenuItemCount(root), GetMenuItemCount(middle), GetMenuItemCount(deep)};
+    }
 };
 
 TEST(Menus, EntriesReadBackAsTheyWereAppended) {
-    Tree tree;
-    EXPECT_EQ(shape(tree.root), "1 [2 3 [4]] 3 0");
-    for (const int position : {1, 9, -1}) EXPECT_EQ(GetMenuItemID(tree.root, position), none);
+    const Tree tree;
+    const UINT ids[] = {1, none, 3, 0, none};
+    for (int i = 0; i < 5; ++i) EXPECT_EQ(GetMenuItemID(tree.root, i), ids[i]) << i;
+    EXPECT_EQ(GetSubMenu(tree.root, 1), tree.middle);
     EXPECT_EQ(GetMenuState(tree.root, 0, MF_BYPOSITION), MF_OWNERDRAW);
     EXPECT_EQ(GetMenuState(tree.root, 1, MF_BYPOSITION), MF_POPUP | 3U << 8);
     EXPECT_EQ(GetMenuState(tree.root, 77, MF_BYCOMMAND), none);
     MENUITEMINFOA info{};
-    const auto told = [&](std::size_t size, UINT mask, UINT item, BOOL byPosition) {
-        info.cbSize = static_cast<UINT>(size), info.fMask = mask;
-        return GetMenuItemInfoA(tree.root, item, byPosition, &info) ? 0 : GetLastError();
-    };
+    info.fMask = MIIM_DATA;
+    info.wID = 77;
     for (const std::size_t size : {sizeof info, offsetof(MENUITEMINFOA, hbmpItem)}) {
-        EXPECT_EQ(told(size, MIIM_ID, 1, TRUE) + told(size, MIIM_DATA, 4, FALSE), 0U);
+        info.cbSize = static_cast<UINT>(size);
+        EXPECT_TRUE(GetMenuItemInfoA(tree.root, 4, FALSE, &info));
         EXPECT_EQ(info.dwItemData, 1004U);
-        EXPECT_EQ(info.wID, handleId(tree.middle)) << "what isn't asked for stays";
+        EXPECT_EQ(info.wID, 77U) << "not asked for";
     }
-    EXPECT_EQ(told(sizeof info, MIIM_ID, 4, TRUE), ERROR_MENU_ITEM_NOT_FOUND);
-    EXPECT_EQ(told(12, MIIM_ID, 0, TRUE), ERROR_INVALID_PARAMETER);
+    EXPECT_FALSE(GetMenuItemInfoA(tree.root, 4, TRUE, &info));
+    EXPECT_EQ(GetLastError(), ERROR_MENU_ITEM_NOT_FOUND);
+    info.cbSize = 12;
+    EXPECT_FALSE(GetMenuItemInfoA(tree.root, 0, TRUE, &info));
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
 }
 
 TEST(Menus, DeletionByCommandTakesTheFirstDepthFirst) {
-    tarntest::expectAnswers(
-        "delete:3|1 [2 [4]] 3 0;4|1 [2 3 []] 3 0;1|[2 3 [4]] 3 0;0|1 [2 3 [4]] 3;-1|no 1 [2 3 [4]] 3 0",
-        [](auto&, auto& cells) {
-            const Tree tree;
-            const BOOL gone = DeleteMenu(tree.root, static_cast<UINT>(std::stoi(cells[0])), MF_BYCOMMAND);
-            return (gone ? "" : "no ") + shape(tree.root);
-        });
-    Tree tree;
-    EXPECT_TRUE(DeleteMenu(tree.root, handleId(tree.deep), MF_BYCOMMAND));
-    EXPECT_EQ(GetMenuItemCount(tree.deep), -1) << "a popup's menu goes with its entry";
-    EXPECT_TRUE(DeleteMenu(tree.root, 1, MF_BYPOSITION) && !DeleteMenu(tree.root, 3, MF_BYPOSITION));
-    EXPECT_TRUE(shape(tree.root) == "1 3 0" && GetMenuItemCount(tree.middle) == -1);
+    const struct {
+        UINT command;
+        BOOL deleted;
+        Counts left;
+        UINT stateOfNext;  // of the next entry with this command
+    } rows[] = {
+        {3, TRUE, {4, 2, 1}, MF_OWNERDRAW}, {4, TRUE, {4, 3, 0}, none},     {1, TRUE, {3, 3, 1}, none},
+        {0, TRUE, {3, 3, 1}, none},         {none, FALSE, {4, 3, 1}, none},
+    };
+    for (const auto& each : rows) {
+        const Tree tree;
+        EXPECT_EQ(DeleteMenu(tree.root, each.command, MF_BYCOMMAND), each.deleted) << each.command;
+        EXPECT_EQ(tree.counts(), each.left) << each.command;
+        EXPECT_EQ(GetMenuState(tree.root, each.command, MF_BYCOMMAND), each.stateOfNext) << each.command;
+    }
 }
 
 TEST(Menus, AMenuThatIsGoneIsNowhere) {
-    Tree tree;
-    EXPECT_TRUE(DestroyMenu(tree.middle)) << "the parent's entry stays";
-    EXPECT_TRUE(GetMenuItemCount(tree.deep) == -1 && shape(tree.root) == "1 [] 3 0");
-    EXPECT_TRUE(DeleteMenu(tree.root, 3, MF_BYCOMMAND)) << "the search goes past it";
-    EXPECT_FALSE(DestroyMenu(tree.middle) || DestroyMenu(nullptr));
+    const Tree tree;
+    EXPECT_TRUE(DestroyMenu(tree.middle));
+    EXPECT_EQ(tree.counts(), (Counts{4, -1, -1})) << "the parent's entry stays";
+    EXPECT_TRUE(DeleteMenu(tree.root, 3, MF_BYCOMMAND)) << "the search passes it";
+    for (const HMENU gone : {tree.middle, tree.deep, HMENU{}}) EXPECT_FALSE(DestroyMenu(gone));
     EXPECT_FALSE(AppendMenuA(tree.middle, MF_OWNERDRAW, 1, nullptr));
     EXPECT_FALSE(AppendMenuA(tree.root, MF_POPUP, reinterpret_cast<ULONG_PTR>(tree.root), nullptr));
+
+    const Tree other;
+    const auto handleAsId = static_cast<UINT>(reinterpret_cast<ULONG_PTR>(other.deep));
+    EXPECT_TRUE(DeleteMenu(other.root, handleAsId, MF_BYCOMMAND));
+    EXPECT_EQ(other.counts(), (Counts{4, 2, -1})) << "a popup's menu is destroyed with its entry";
+    EXPECT_TRUE(DeleteMenu(other.root, 1, MF_BYPOSITION));
+    EXPECT_EQ(other.counts(), (Counts{3, -1, -1}));
+    EXPECT_FALSE(DeleteMenu(other.root, 3, MF_BYPOSITION));
 }
 
 #if !defined(_WIN32)
@@ -101,7 +108,10 @@ TEST(Menus, ThousandsOfLevelsAndRingsNeedNoStack) {
     EXPECT_FALSE(DeleteMenu(chain.front(), 7, MF_BYCOMMAND));
     EXPECT_TRUE(DestroyMenu(chain.front()));
     EXPECT_EQ(tarn::openHandles(), before);
-    for (const HMENU old : chain) EXPECT_TRUE(!DestroyMenu(old) && DestroyMenu(CreatePopupMenu()));
+    for (const HMENU old : chain) {
+        EXPECT_FALSE(DestroyMenu(old));
+        EXPECT_TRUE(DestroyMenu(CreatePopupMenu()));
+    }
 }
 
 #endif

@@ -8,36 +8,44 @@
 
 namespace {
 
-TEST(Messages, AllocatedTextsEndTheirLine) {
-    // 193 holds %1.
-    for (const auto& [code, error] : {std::pair{2U, 0U}, {126U, 0U}, {~0U, 317U}, {193U, 87U}}) {
+constexpr DWORD allocated = FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM;
+
+TEST(Messages, AllocatedTextsEndTheirLineAndUnknownCodesHaveNone) {
+    const struct { DWORD code, error; } rows[] = {{2, 0}, {126, 0}, {~0U, 317}, {193, 87}};  // 193 holds %1
+    for (const auto& each : rows) {
         char rubbish = 'x';
         char* text = &rubbish;
         SetLastError(0);
-        const DWORD length = FormatMessageA(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM,
-                                            nullptr, code, 1024, reinterpret_cast<char*>(&text), 0, nullptr);
-        EXPECT_EQ(GetLastError(), error) << code;
+        const DWORD length =
+            FormatMessageA(allocated, nullptr, each.code, 1024, reinterpret_cast<char*>(&text), 0, nullptr);
+        EXPECT_EQ(GetLastError(), each.error) << each.code;
         EXPECT_EQ(length, static_cast<DWORD>(lstrlenA(text)));
-        EXPECT_TRUE(error != 0 || std::strcmp(text + length - 2, "\r\n") == 0);
+        EXPECT_EQ(text == nullptr, each.error != 0) << each.code;
+        EXPECT_TRUE(std::string(length == 0 ? "\r\n" : text).ends_with("\r\n")) << each.code;
         EXPECT_EQ(LocalFree(text), nullptr);
     }
 }
 
-TEST(Modules, WhatCanNotBeLoadedSaysWhy) {
-    const tarntest::TemporaryFolder folder;
-    tarntest::fill(folder.file("text.dll"), "text");
-    tarntest::fill(folder.file("text.so"), "text");
-    for (const std::string name : {"missing.dll", "text", "text.dll"}) {
-        const DWORD error = name[0] == 't' ? 193 : 126;
-        EXPECT_TRUE(!LoadLibraryA(folder.file(name).c_str()) && GetLastError() == error) << name;
-    }
-    for (const char* name : {"tarn-none", ""})
-        EXPECT_TRUE(!LoadLibraryA(name) && GetLastError() == 126) << name;
-    SetErrorMode(0);
-    EXPECT_TRUE(SetErrorMode(SEM_NOOPENFILEERRORBOX) == 0 && SetErrorMode(0) == SEM_NOOPENFILEERRORBOX);
+void expectNoModule(const std::string& file, DWORD error) {
+    EXPECT_EQ(LoadLibraryA(file.c_str()), nullptr) << file;
+    EXPECT_EQ(GetLastError(), error) << file;
 }
 
-TEST(Modules, AModuleGoesWithItsLastRelease) {
+TEST(Modules, WhatCanNotBeLoadedSaysWhy) {
+    const tarntest::TemporaryFolder folder;
+    for (const char* name : {"text.dll", "text.so"}) tarntest::fill(folder.file(name), "text");
+    for (const char* name : {"text", "text.dll"}) expectNoModule(folder.file(name), ERROR_BAD_EXE_FORMAT);
+    for (const char* name : {"tarn-none", ""}) expectNoModule(name, ERROR_MOD_NOT_FOUND);
+    expectNoModule(folder.file("missing.dll"), ERROR_MOD_NOT_FOUND);
+}
+
+TEST(Modules, TheErrorModeIsKept) {
+    SetErrorMode(SEM_NOOPENFILEERRORBOX);
+    EXPECT_EQ(GetErrorMode(), SEM_NOOPENFILEERRORBOX);
+    EXPECT_EQ(SetErrorMode(0), SEM_NOOPENFILEERRORBOX);
+}
+
+TEST(Modules, AModuleIsUnloadedByItsLastRelease) {
 #if defined(_WIN32)
     const std::string name = "kernel32", function = "GetTickCount";
 #else
@@ -49,12 +57,15 @@ TEST(Modules, AModuleGoesWithItsLastRelease) {
 #endif
     const HMODULE module = LoadLibraryA(name.c_str());
     EXPECT_EQ(LoadLibraryA(name.c_str()), module);
-    EXPECT_TRUE(!GetProcAddress(module, "tarnNoSuchFunction") && GetLastError() == ERROR_PROC_NOT_FOUND);
-    EXPECT_TRUE(DisableThreadLibraryCalls(module) && FreeLibrary(module));
+    EXPECT_EQ(GetProcAddress(module, "tarnNoSuchFunction"), nullptr);
+    EXPECT_EQ(GetLastError(), ERROR_PROC_NOT_FOUND);
+    EXPECT_TRUE(DisableThreadLibraryCalls(module));
+    EXPECT_TRUE(FreeLibrary(module));
     EXPECT_NE(GetProcAddress(module, function.c_str()), nullptr);
     EXPECT_TRUE(FreeLibrary(module));
 #if !defined(_WIN32)
-    EXPECT_FALSE(FreeLibrary(module) || DisableThreadLibraryCalls(module));
+    EXPECT_FALSE(FreeLibrary(module));
+    EXPECT_FALSE(DisableThreadLibraryCalls(module));
     EXPECT_EQ(GetProcAddress(module, function.c_str()), nullptr);
 #endif
 }
@@ -62,10 +73,13 @@ TEST(Modules, AModuleGoesWithItsLastRelease) {
 #if !defined(_WIN32)
 
 TEST(Messages, AProgramsOwnBoxGetsWhatTheCallerGave) {
+    static std::string seen;
     tarn::setMessageBox([](const char* text, const char* caption, std::uint32_t style) {
-        return text == nullptr && std::string(caption) == "caption" && style == MB_SETFOREGROUND ? 6 : 0;
+        seen = std::string(text == nullptr ? "NULL" : text) + ", " + caption + ", " + std::to_string(style);
+        return 6;
     });
     EXPECT_EQ(MessageBoxA(nullptr, nullptr, "caption", MB_SETFOREGROUND), 6);
+    EXPECT_EQ(seen, "NULL, caption, 65536");
     tarn::setMessageBox(nullptr);
     testing::internal::CaptureStderr();
     EXPECT_EQ(MessageBoxA(nullptr, "text", "caption", MB_OK), IDOK);

@@ -1,10 +1,12 @@
 // Device contexts, bitmaps, palettes, memory and resources: platform/drawing/screen.cpp, device_contexts.cpp,
 // bitmaps.cpp, dib.cpp, resources.cpp, global_memory.cpp, and the system's own on Windows.
 
-#include "tests/present/packed_bitmap.h"
+#include "tests/plain/packed_bitmap.h"
 #include "tests/support.h"
 
 namespace {
+
+using tarntest::PackedBitmap, tarntest::pixelsOf;
 
 // A memory device context that shows a bitmap; both go with the object.
 struct Canvas {
@@ -17,8 +19,11 @@ struct Canvas {
         : bitmap(CreateCompatibleBitmap(screen, width, height)), first(SelectObject(context, bitmap)) {}
     ~Canvas() {
         SelectObject(context, first);
-        EXPECT_TRUE(DeleteObject(bitmap) && DeleteDC(context) && ReleaseDC(nullptr, screen) == 1);
-        EXPECT_TRUE(!DeleteObject(bitmap) && !DeleteDC(context));
+        EXPECT_TRUE(DeleteObject(bitmap));
+        EXPECT_FALSE(DeleteObject(bitmap));
+        EXPECT_TRUE(DeleteDC(context));
+        EXPECT_FALSE(DeleteDC(context));
+        EXPECT_EQ(ReleaseDC(nullptr, screen), 1);
     }
 };
 
@@ -55,13 +60,15 @@ TEST(Screen, ABitmapIsSelectedIntoOneContextAtATime) {
 }
 
 TEST(Screen, RectanglesFillFromLeftAndTopInToRightAndBottomOut) {
-    const std::pair<RECT, RECT> rows[] = {
-        {{1, 1, 3, 2}, {1, 1, 3, 2}}, {{-5, -5, 99, 99}, {0, 0, 6, 5}},
-        {{2, 2, 2, 4}, {0, 0, 0, 0}}, {{4, 3, 2, 1}, {3, 2, 5, 4}},
-        {{7, 0, 9, 5}, {0, 0, 0, 0}}, {{-2147483647, 0, 2147483647, 1}, {0, 0, 6, 1}}};
+    // A rectangle, and the part of a bitmap of 6 x 5 that it fills.
+    const struct {
+        RECT rectangle, filled;
+    } rows[] = {{{1, 1, 3, 2}, {1, 1, 3, 2}}, {{-5, -5, 99, 99}, {0, 0, 6, 5}},
+                {{2, 2, 2, 4}, {0, 0, 0, 0}}, {{4, 3, 2, 1}, {3, 2, 5, 4}},
+                {{7, 0, 9, 5}, {0, 0, 0, 0}}, {{-2147483647, 0, 2147483647, 1}, {0, 0, 6, 1}}};
     const HBRUSH brush = CreateSolidBrush(RGB(1, 2, 3));
     for (const auto& [rectangle, filled] : rows) {
-        Canvas canvas(6, 5);
+        const Canvas canvas(6, 5);
         EXPECT_EQ(FillRect(canvas.context, &rectangle, brush), 1);
         for (int place = 0; place < 56; ++place) {
             const int x = place % 8 - 1, y = place / 8 - 1;
@@ -71,13 +78,12 @@ TEST(Screen, RectanglesFillFromLeftAndTopInToRightAndBottomOut) {
         }
     }
     EXPECT_TRUE(DeleteObject(brush));
-    Canvas canvas(1, 1);
-    const RECT pixel{0, 0, 1, 1};
-    FillRect(canvas.context, &pixel, reinterpret_cast<HBRUSH>(ULONG_PTR{COLOR_HIGHLIGHT + 1}));
+    const Canvas canvas(1, 1);
+    FillRect(canvas.context, &rows[1].rectangle, reinterpret_cast<HBRUSH>(ULONG_PTR{COLOR_HIGHLIGHT + 1}));
     EXPECT_EQ(GetPixel(canvas.context, 0, 0), GetSysColor(COLOR_HIGHLIGHT));
 }
 
-HBITMAP decode(HDC context, const tarntest::PackedBitmap& packed) {
+HBITMAP decode(HDC context, const PackedBitmap& packed) {
     const BITMAPINFO* info = packed.info();
     const void* pixels = packed.bytes.data() + packed.pixelOffset;
     return CreateDIBitmap(context, &info->bmiHeader, CBM_INIT, pixels, info, DIB_RGB_COLORS);
@@ -87,15 +93,13 @@ TEST(Screen, BitmapsOfEveryDepthDecodeInBothDirections) {
     Canvas target(1, 1);
     for (const int depth : {1, 4, 8, 16, 24, 32}) {
         for (const int height : {5, -5}) {
-            const tarntest::PackedBitmap packed(depth, 7, height);
-            Canvas canvas(decode(target.screen, packed));
-            for (int place = 0; place < 35; ++place) {
-                const COLORREF color = packed.color(static_cast<std::size_t>(place % 7), place / 7);
-                EXPECT_EQ(GetPixel(canvas.context, place % 7, place / 7), color) << depth << ' ' << height;
-            }
+            const PackedBitmap packed(depth, 7, height);
+            const HBITMAP bitmap = decode(target.screen, packed);
+            EXPECT_EQ(pixelsOf(bitmap), packed.colors()) << depth << ' ' << height;
+            DeleteObject(bitmap);
         }
     }
-    tarntest::PackedBitmap bent(4, 3, 3);
+    PackedBitmap bent(4, 3, 3);
     Canvas monochrome(decode(nullptr, bent));
     EXPECT_EQ(measures(monochrome.bitmap), (std::vector<LONG>{3, 2, 1}));
     auto& header = *reinterpret_cast<BITMAPINFOHEADER*>(bent.described.data());
@@ -110,12 +114,14 @@ TEST(Screen, GlobalMemoryCountsItsLocks) {
     const HGLOBAL memory = GlobalAlloc(GHND, 100);
     EXPECT_EQ(GlobalLock(memory), GlobalLock(memory));
     EXPECT_TRUE(GlobalUnlock(memory));
-    for (const DWORD error : {DWORD{ERROR_SUCCESS}, DWORD{ERROR_NOT_LOCKED}}) {
-        EXPECT_TRUE(!GlobalUnlock(memory) && GetLastError() == error);
+    for (const DWORD error : {ERROR_SUCCESS, ERROR_NOT_LOCKED}) {
+        EXPECT_FALSE(GlobalUnlock(memory));
+        EXPECT_EQ(GetLastError(), error);
     }
     EXPECT_EQ(GlobalFree(memory), nullptr);
     const HGLOBAL fixed = GlobalAlloc(0, 100);
-    EXPECT_TRUE(GlobalLock(fixed) == fixed && GlobalUnlock(fixed) && GlobalUnlock(fixed));
+    EXPECT_EQ(GlobalLock(fixed), fixed);
+    for (int i = 0; i < 2; ++i) EXPECT_TRUE(GlobalUnlock(fixed));
     EXPECT_EQ(GlobalFree(fixed), nullptr);
 }
 
@@ -129,25 +135,26 @@ TEST(Screen, ResourcesAreFoundByNumberAndByText) {
     const auto* bytes = static_cast<const char*>(LockResource(LoadResource(module, found)));
     EXPECT_EQ(std::string_view(bytes, SizeofResource(module, found)), "bytes");
     for (const char* name : {MAKEINTRESOURCEA(102), "#101x", "LOGO", "#65637"}) {
-        EXPECT_TRUE(!FindResourceA(module, name, "#10") && GetLastError() == ERROR_RESOURCE_NAME_NOT_FOUND);
+        EXPECT_EQ(FindResourceA(module, name, "#10"), nullptr);
+        EXPECT_EQ(GetLastError(), ERROR_RESOURCE_NAME_NOT_FOUND);
     }
-    EXPECT_TRUE(!FindResourceA(nullptr, "#101", "#10") && GetLastError() == ERROR_RESOURCE_TYPE_NOT_FOUND);
+    EXPECT_EQ(FindResourceA(nullptr, "#101", "#10"), nullptr);
+    EXPECT_EQ(GetLastError(), ERROR_RESOURCE_TYPE_NOT_FOUND);
     tarn::removeResources(module);
     EXPECT_EQ(LockResource(found), nullptr);
 }
 
 TEST(Screen, MaskedBitmapsReadTheirOwnMasks) {
     // 5-6-5 bits: full green, then full red, then a blue of 16 of 31, which shows as 132.
-    tarntest::PackedBitmap packed(16, 3, 1);
-    const std::string rest("\0\xF8\0\0\xE0\7\0\0\x1F\0\0\0\xE0\7\0\xF8\x10\0\0\0", 20);
-    auto& bytes = packed.bytes;
-    bytes[16] = BI_BITFIELDS;
-    bytes.resize(sizeof(BITMAPINFOHEADER));
-    bytes.insert(bytes.end(), rest.begin(), rest.end());
-    tarn::addResource(nullptr, 2, 9, bytes.data(), static_cast<std::uint32_t>(bytes.size()));
-    Canvas canvas(LoadBitmapA(nullptr, "#9"));
-    const COLORREF colors[] = {RGB(0, 255, 0), RGB(255, 0, 0), RGB(0, 0, 132)};
-    for (int x = 0; x < 3; ++x) EXPECT_EQ(GetPixel(canvas.context, x, 0), colors[x]);
+    PackedBitmap packed(16, 3, 1);
+    packed.setWord(4, BI_BITFIELDS);
+    packed.bytes.resize(60);
+    const DWORD masksAndPixels[] = {0xF800, 0x07E0, 0x001F, 0xF80007E0, 0x10};
+    for (std::size_t i = 0; i < 5; ++i) packed.setWord(10 + i, masksAndPixels[i]);
+    tarn::addResource(nullptr, 2, 9, packed.bytes.data(), 60);
+    const HBITMAP bitmap = LoadBitmapA(nullptr, "#9");
+    EXPECT_EQ(pixelsOf(bitmap), (std::vector{RGB(0, 255, 0), RGB(255, 0, 0), RGB(0, 0, 132)}));
+    DeleteObject(bitmap);
     tarn::removeResources(nullptr);
 }
 

@@ -1,4 +1,4 @@
-// Token parser and menu trees: present/token_parser.cpp, present/menu_parser.cpp,
+// Menu texts and their trees: present/token_parser.cpp, present/menu_parser.cpp,
 // present/menu_definition.cpp.
 
 #include "present/menu.h"
@@ -8,11 +8,7 @@
 
 namespace {
 
-using tarnplain::shape;
-
-constexpr char menuTexts[] =
-#include "tests/present/menus.txt"
-    ;
+using namespace tarnplain;
 
 // A parser that has read this text from a file.
 struct Menu {
@@ -27,39 +23,98 @@ struct Menu {
     }
 };
 
-std::string answerOf(const std::string& function, const std::vector<std::string>& cells) {
-    const Menu menu(cells[0], function == "scrambled" ? 1 : 0);
-    if (function == "id") return std::to_string(menu.root->find(std::stoi(cells[1]))->number);
-    return function == "label" ? std::to_string(menu.root->find(cells[1].c_str())) : shape(*menu.root);
+TEST(MenuText, EveryFormOfTheGrammarGivesItsTree) {
+    const MenuNode file = popup("File", 7, {item("Open", 2, 100, "Open a file"), separator()});
+    const struct {
+        const char* text;
+        MenuNode tree;
+    } rows[] = {
+        {"POPUP,File,7,MENUITEM,Open,2,100,Open a file,MENUITEM,SEPARATOR,END", file},
+        {"x, ENDS ,POPUPS,popup,POPUP File,\n"
+         "POPUP\r\n\r\n\tFile\r\n7\n"
+         "MENUITEM\n  Open  ,,2\t100\nOpen a file\nwhat\n"
+         "MENUITEM\nSEPARATOR\nEND,b",
+         file},
+        {"P,Buy Stock,x,M,\"a,-5,12abc,b\",E", popup("Buy Stock", 0, {item("\"a", -5, 12, "b\"")})},
+        {"P,a,1,P,b,2,P,c,3,E,M,S,E,M,x,1,2,3,E,M,S",
+         popup("a", 1, {popup("b", 2, {popup("c", 3), separator()}), item("x", 1, 2, "3")})},
+        {"POP,a,1,ME,S,MENU,SE,MENUITEM,SEPARATORS,1,2,3",
+         popup("a", 1, {separator(), separator(), item("SEPARATORS", 1, 2, "3")})},
+        {"P,a,99999999999,M,b,-99999999999,0,c",
+         popup("a", 2147483647, {item("b", -2147483647 - 1, 0, "c")})},
+        // A blank token begins like POPUP and ends like END.
+        {" ,a,1,M,S, ,M,S", popup("a", 1, {separator()})},
+        // An entry that is cut short ends the text.
+        {"P,a,1,M,b,2,3", popup("a", 1)},
+        {"P,a,1,M,P,b,2", popup("a", 1)},
+        {"P,a,1,P,b", popup("a", 1)},
+        {"P,a", popup("a", -1)},
+        {",\n\t\r", popup(std::nullopt, -1)},
+    };
+    for (const auto& each : rows) {
+        for (const int scrambled : {0, 1})
+            EXPECT_EQ(readable(treeOf(*Menu(each.text, scrambled).root)), readable(each.tree)) << each.text;
+    }
+    EXPECT_EQ(treeOf(*tarnMenuParser().getMenuDef(nullptr, 1)), popup(std::nullopt, -1));
 }
 
-TEST(MenuText, EveryFormOfTheGrammarGivesItsTree) {
-    tarntest::expectAnswers(menuTexts, answerOf);
-    EXPECT_EQ(shape(*tarnMenuParser().getMenuDef(nullptr, 1)), "?#-1()");
+TEST(MenuTree, NodesAreFoundInTheOrderOfTheText) {
+    const Menu menu("P,root,0,M,Fi,1,5,a,P,Deep,2,M,File,3,9,b,M,x,4,5,c,E,M,File,6,9,d,M,S,M,Fill,7,8,e");
+    const struct { std::int32_t id, number; } ids[] = {{5, 1}, {9, 3}, {8, 7}, {-1, 0}};
+    for (const auto& each : ids) EXPECT_EQ(menu.root->find(each.id)->number, each.number) << each.id;
+    EXPECT_EQ(menu.root->find(77), nullptr);
+    const struct {
+        const char* text;
+        std::int32_t index;
+    } labels[] = {{"FILE MENU", 0}, {"deep end", 1}, {"Dee", -1}, {"", -1}, {nullptr, -1}};
+    for (const auto& each : labels) EXPECT_EQ(menu.root->find(each.text), each.index) << each.index;
+}
+
+// Every child of a popup has an owner-drawn entry that leads to it, and every popup below a menu of its own.
+void expectEntries(const tarnMenuDef& node) {
+    ASSERT_EQ(GetMenuItemCount(node.menu), node.childCount);
+    for (std::int32_t i = 0; i < node.childCount; ++i) {
+        const tarnMenuDef& child = *node.getChild(i);
+        MENUITEMINFOA entry{};
+        entry.cbSize = sizeof entry;
+        entry.fMask = MIIM_DATA | MIIM_FTYPE;
+        GetMenuItemInfoA(node.menu, static_cast<UINT>(i), TRUE, &entry);
+        EXPECT_EQ(entry.dwItemData, reinterpret_cast<ULONG_PTR>(&child));
+        EXPECT_EQ(entry.fType, MFT_OWNERDRAW);
+        EXPECT_EQ(GetSubMenu(node.menu, i), child.menu);
+        const std::int32_t ids[] = {-1, -1, child.id, 0};  // by the kind
+        EXPECT_EQ(GetMenuItemID(node.menu, i), static_cast<UINT>(ids[child.kind]));
+        if (child.kind == menuPopup) expectEntries(child);
+    }
 }
 
 TEST(MenuTree, EveryEntryIsOwnerDrawnAndLeadsToItsNode) {
     Menu menu("P,root,0,M,a,1,5,x,P,b,2,M,S,M,c,3,-6,y,E,M,S,M,d,4,7,z");
-    tarnMenuDef &root = *menu.root, *const last = root.getChild(3);
+    tarnMenuDef& root = *menu.root;
     root.createMenu();
     const HMENU first = root.menu;
-    root.createMenu();  // the first menu is released
-    EXPECT_TRUE(GetMenuItemCount(first) == -1 && GetMenuItemCount(root.menu) == 4);
-    for (std::int32_t i = 0; i < 4; ++i) {
-        MENUITEMINFOA entry{};
-        entry.cbSize = sizeof entry;
-        entry.fMask = MIIM_DATA | MIIM_FTYPE;
-        GetMenuItemInfoA(root.menu, static_cast<UINT>(i), TRUE, &entry);
-        EXPECT_EQ(entry.dwItemData, reinterpret_cast<ULONG_PTR>(root.getChild(i)));
-        EXPECT_TRUE(entry.fType == MFT_OWNERDRAW && GetSubMenu(root.menu, i) == root.getChild(i)->menu);
-    }
-    tarnMenuDef* const inner = root.getChild(1)->getChild(1);
-    root.replaceChild(last, inner);
-    EXPECT_TRUE(root.getChild(3) == inner && root.getChild(4) == nullptr && root.childCapacity == 16);
-    root.replaceChild(inner, last);
-    EXPECT_EQ(root.find(nullptr), -1);
+    root.createMenu();
+    EXPECT_EQ(GetMenuItemCount(first), -1) << "the first menu is released";
+    expectEntries(root);
     delete root.children[--root.childCount];
     EXPECT_EQ(GetMenuItemCount(root.menu), 3) << "an item takes its entry away";
+    expectEntries(root);
+}
+
+TEST(MenuTree, ChildrenKeepTheirOrderWhileTheArrayGrowsAndOneIsReplaced) {
+    std::string text = "P,root,0";
+    for (int i = 0; i < 50; ++i) text += ",M,a," + std::to_string(i) + ",1,x";
+    const Menu menu(text);
+    tarnMenuDef& root = *menu.root;
+    EXPECT_EQ(root.childCapacity, 64);
+    for (std::int32_t i = 0; i < 50; ++i) EXPECT_EQ(root.getChild(i)->number, i);
+    for (const std::int32_t outside : {-1, 50}) EXPECT_EQ(root.getChild(outside), nullptr);
+    tarnMenuDef *const second = root.getChild(1), *const third = root.getChild(2);
+    root.replaceChild(&root, second);
+    EXPECT_EQ(root.getChild(1), second) << "no child, no change";
+    root.replaceChild(second, third);
+    EXPECT_EQ(root.getChild(1), third);
+    root.replaceChild(third, second);
 }
 
 #if !defined(_WIN32)

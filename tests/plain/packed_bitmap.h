@@ -1,39 +1,44 @@
 #pragma once
 
 // A packed device-independent bitmap for tests: header, colour table and pixels of fixed random bytes, and
-// the colour at every place, read bit by bit.
+// its colours, read bit by bit; and the pixels of a bitmap that was made of one.
 
 #include <cstdlib>
 #include <cstring>
 #include <random>
 #include <vector>
 
+#include "base/byte_order.h"
 #include "platform/win32.h"
 
 namespace tarntest {
 
 struct PackedBitmap {
-    std::size_t depth, rowBytes, pixelOffset;
+    std::size_t depth, width, rowBytes, pixelOffset;
     int height;                            // below 0: rows from the top
     std::vector<unsigned char> bytes;      // as in a resource, little-endian
     std::vector<unsigned char> described;  // with a header of the machine's own
 
     PackedBitmap(int bits, int columns, int rows)
         : depth(static_cast<std::size_t>(bits)),
+          width(static_cast<std::size_t>(columns)),
           rowBytes(static_cast<std::size_t>((columns * bits + 31) / 32 * 4)),
           pixelOffset(sizeof(BITMAPINFOHEADER) + (bits <= 8 ? std::size_t{4} << bits : 0)),
           height(rows),
           bytes(pixelOffset + rowBytes * static_cast<std::size_t>(std::abs(rows))) {
         std::mt19937 random(static_cast<unsigned>(bits));
         for (unsigned char& byte : bytes) byte = static_cast<unsigned char>(random());
+        described = bytes;
         const auto depthWord = static_cast<WORD>(bits);
         const BITMAPINFOHEADER header{sizeof header, columns, rows, 1, depthWord, 0, 0, 0, 0, 0, 0};
-        const std::int64_t words[10] = {sizeof header, columns, rows, 1 + (bits << 16)};
-        for (std::size_t i = 0; i < sizeof header; ++i)
-            bytes[i] = static_cast<unsigned char>(words[i / 4] >> (8 * (i % 4)));
-        described = bytes;
         std::memcpy(described.data(), &header, sizeof header);
+        const auto word = [](int value) { return static_cast<DWORD>(value); };
+        const DWORD words[10] = {sizeof header, word(columns), word(rows), word(1 + (bits << 16))};
+        for (std::size_t i = 0; i < 10; ++i) setWord(i, words[i]);
     }
+
+    // Puts a word of the header: 0 its size, 1 the width, 2 the height, 4 the compression, 5 the image's size.
+    void setWord(std::size_t index, DWORD value) { tarn::storeWord(bytes.data() + 4 * index, value); }
 
     [[nodiscard]] const BITMAPINFO* info() const {
         return reinterpret_cast<const BITMAPINFO*>(described.data());
@@ -42,10 +47,18 @@ struct PackedBitmap {
         const unsigned char* color = bytes.data() + sizeof(BITMAPINFOHEADER) + 4 * entry;
         return RGB(color[2], color[1], color[0]);
     }
-    // The colour at a place counted from the top left.
-    [[nodiscard]] COLORREF color(std::size_t x, int y) const {
-        const auto line = static_cast<std::size_t>(height < 0 ? y : height - 1 - y);
-        const unsigned char* row = bytes.data() + pixelOffset + line * rowBytes;
+    // The colours of all pixels, row by row from the top left.
+    [[nodiscard]] std::vector<COLORREF> colors() const {
+        std::vector<COLORREF> all;
+        const int rows = std::abs(height);
+        for (int y = 0; y < rows; ++y)
+            for (std::size_t x = 0; x < width; ++x) all.push_back(color(x, height < 0 ? y : rows - 1 - y));
+        return all;
+    }
+
+  private:
+    [[nodiscard]] COLORREF color(std::size_t x, int line) const {
+        const unsigned char* row = bytes.data() + pixelOffset + static_cast<std::size_t>(line) * rowBytes;
         std::size_t value = 0;
         for (std::size_t bit = x * depth; depth <= 8 && bit < (x + 1) * depth; ++bit)
             value = value << 1 | (row[bit / 8] >> (7 - bit % 8) & 1U);
@@ -56,5 +69,19 @@ struct PackedBitmap {
         return RGB(widened(10), widened(5), widened(0));
     }
 };
+
+// All pixels of a bitmap, row by row from the top left, as a memory device context shows them; none for NULL.
+inline std::vector<COLORREF> pixelsOf(HBITMAP bitmap) {
+    std::vector<COLORREF> pixels;
+    BITMAP size{};
+    GetObjectA(bitmap, sizeof size, &size);
+    const HDC context = CreateCompatibleDC(nullptr);
+    const HGDIOBJ earlier = SelectObject(context, bitmap);
+    for (int y = 0; y < size.bmHeight; ++y)
+        for (int x = 0; x < size.bmWidth; ++x) pixels.push_back(GetPixel(context, x, y));
+    SelectObject(context, earlier);
+    DeleteDC(context);
+    return pixels;
+}
 
 }  // namespace tarntest
