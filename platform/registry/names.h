@@ -1,7 +1,7 @@
 #pragma once
 
 // The layer's own translation of registry names into file names; programs give names to the operations of
-// platform/win32.h.  docs/registry-folder.md tells the form.
+// platform/win32.h.  docs/registry-folder.md describes the form.
 //
 // Threads: all functions only read their arguments.
 

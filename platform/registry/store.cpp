@@ -1,6 +1,8 @@
 // Keys as folders, reached step by step from open folder to open folder, so that no path grows with the depth
-// of a key and no symbolic link is followed below a root.  Changes of a key stand under the lock of its
-// folder, which is the temporary file of platform/files/replacement.h; who needs two takes the upper one first.
+// of a key and no symbolic link is followed below a root.  A key is changed under the lock of its folder, which is
+// the temporary file of platform/files/replacement.h; who needs two locks takes the upper one first.
+//
+// Tests: tests/platform/registry_test.cpp.
 
 #define _FILE_OFFSET_BITS 64  // file numbers beyond 32 bits also in 32-bit code
 
@@ -33,7 +35,7 @@ constexpr const char* rootFolders[rootCount] = {"HKEY_CLASSES_ROOT", "HKEY_CURRE
 constexpr mode_t folderPermissions = 0700;
 constexpr unsigned filePermissions = 0600;
 
-// What stands in the way of a folder or file of ours is no missing path but a damaged registry.
+// Something else in the place of a folder or file of ours is no missing path but a damaged registry.
 DWORD storeCode(DWORD code) {
     const bool foreign =
         code == ERROR_PATH_NOT_FOUND || code == ERROR_FILE_CORRUPT || code == ERROR_FILE_EXISTS;
