@@ -43,7 +43,7 @@ struct OpenKey {
     std::size_t root = 0;
     std::size_t depth = 0;  // 0 is the root itself, whose folder is opened for each call
     Folder folder;
-    std::string entry;  // the name of the folder
+    std::string name;  // the last of the path
     Listing listing;
 };
 
@@ -107,8 +107,7 @@ DWORD openPath(const Target& target, const std::vector<std::string_view>& names,
 
 DWORD createPath(const Target& target, const std::vector<std::string_view>& names, const char* classText,
                  Folder& folder, bool& created) {
-    const auto isTooLong = [](std::string_view name) { return name.size() > longestKeyName; };
-    if (target.depth + names.size() > deepestKey || std::any_of(names.begin(), names.end(), isTooLong)) {
+    if (target.depth + names.size() > deepestKey || !std::all_of(names.begin(), names.end(), isKeyName)) {
         return ERROR_INVALID_PARAMETER;
     }
     created = false;
@@ -131,9 +130,9 @@ DWORD openHandle(const Target& target, const std::vector<std::string_view>& name
     key->depth = target.depth + names.size();
     if (key->depth != 0) key->folder = std::move(folder);
     if (!names.empty()) {
-        key->entry = keyEntry(names.back());
+        key->name = names.back();
     } else if (target.open != nullptr) {
-        key->entry = target.open->entry;
+        key->name = target.open->name;
     }
     *result = static_cast<HKEY>(openKeys.open(std::move(key)));
     return *result == nullptr ? ERROR_TOO_MANY_OPEN_FILES : ERROR_SUCCESS;
@@ -144,8 +143,8 @@ DWORD deleteItself(const Target& target) {
     Folder parent;
     const DWORD code = openParent(target.folder(), target.depth == 1, parent);
     if (code != ERROR_SUCCESS) return code;
-    if (!isEntryOf(parent, target.open->entry, target.folder())) return ERROR_KEY_DELETED;
-    return deleteKey(parent, target.open->entry);
+    if (!isEntryOf(parent, target.open->name, target.folder())) return ERROR_KEY_DELETED;
+    return deleteKey(parent, target.open->name);
 }
 
 // ------------------------------------------------------------------------------------- names below a key
@@ -251,10 +250,9 @@ LSTATUS RegDeleteKeyA(HKEY key, const char* name) {
     if (names.empty()) return answer(deleteItself(target));
     const std::string_view last = names.back();
     names.pop_back();
-    if (last.size() > longestKeyName) return answer(ERROR_FILE_NOT_FOUND);
     Folder parent;
     code = openPath(target, names, parent);
-    return answer(code == ERROR_SUCCESS ? deleteKey(parent, keyEntry(last)) : code);
+    return answer(code == ERROR_SUCCESS ? deleteKey(parent, last) : code);
 }
 
 LSTATUS RegDeleteValueA(HKEY key, const char* name) {

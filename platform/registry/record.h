@@ -11,7 +11,6 @@
 
 namespace tarn::registry {
 
-constexpr std::size_t longestKeyName = 255;
 constexpr std::size_t longestValueName = 16383;
 constexpr std::size_t largestValue = 1U << 20;
 

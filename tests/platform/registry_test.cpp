@@ -1,6 +1,7 @@
 // The registry: platform/registry/ (operations.cpp, store.cpp, record.cpp, names.cpp, sha256.cpp), and the system's
 // own on Windows.
 
+#include <functional>
 #include <numeric>
 #include <set>
 
@@ -245,13 +246,16 @@ TEST_F(Registry, NoNameLeavesTheFolderOrMeetsAnother) {
     EXPECT_EQ(std::distance(fs::directory_iterator(data.path()), {}), 1);
 }
 
-TEST_F(Registry, DamagedAndForeignFilesMakeACallFail) {
+// Every file that is cut anywhere, has a wrong bit, or is too long.
+TEST_F(Registry, ADamagedFileIsRefused) {
     set("v", "value", REG_SZ);
     create(key, "sub");
-    for (const bool isKey : {false, true}) {
-        const std::string file = folder / (isKey ? "k-sub/key" : "v-v");
+    const std::pair<fs::path, std::function<bool()>> files[] = {
+        {folder / "v-v", [&] { return get("v") == "error 1015"; }},
+        {folder / "k-sub/key", [&] { return open(key, "sub") == 1015; }},
+    };
+    for (const auto& [file, refused] : files) {
         const std::string good = contentOf(file);
-        const auto refused = [&] { return isKey ? open(key, "sub") == 1015 : get("v") == "error 1015"; };
         for (std::size_t i = 0; i < good.size(); ++i) {
             std::string flipped = good;
             flipped[i] ^= 0x10;
@@ -270,15 +274,72 @@ TEST_F(Registry, DamagedAndForeignFilesMakeACallFail) {
         EXPECT_TRUE(refused()) << "a link";
     }
     EXPECT_EQ(set("v", "healed"), 0);
-    fs::create_directory_symlink(data.path(), folder / "k-link");
-    EXPECT_EQ(open(key, "link"), 1015);
-    char name[9];
-    EXPECT_EQ(RegEnumKeyA(key, 0, name, sizeof name), 1015);
-    fs::create_directory(folder / "k-empty");
-    EXPECT_EQ(open(key, "empty"), 2) << "a folder without a record is no key";
-    fill(folder / "notes.txt", "someone's own");
-    EXPECT_EQ(erase(HKEY_CURRENT_USER, home), 5);
     EXPECT_EQ(get("v"), "healed");
+}
+
+fs::path cleared(const fs::path& entry) {
+    fs::remove_all(entry);
+    return entry;
+}
+
+// What may be in the place of a key; a damaged key is listed by the name that its folder's name spells.
+TEST_F(Registry, ADamagedOrForeignEntryHidesNoKeyAndCanBeDeleted) {
+    const struct {
+        const char* what;
+        void (*putAt)(const fs::path& entry);  // which has no record
+        bool isListed;
+        LSTATUS opened, created;
+    } cases[] = {
+        {"an empty record", [](auto& entry) { fill(entry / "key", ""); }, true, 1015, 1015},
+        {"a folder as record", [](auto& entry) { fs::create_directories(entry / "key/x"); }, true, 1015,
+         1015},
+        {"another's record", [](auto& entry) { fs::copy(entry / "../key", entry / "key"); }, true, 1015,
+         1015},
+        {"no record", [](auto&) {}, false, 2, 0},
+        {"a file", [](auto& entry) { fill(cleared(entry), ""); }, false, 2, 0},
+        {"a link", [](auto& entry) { fs::create_symlink(".", cleared(entry)); }, false, 2, 0},
+    };
+    for (const std::string& name : {"Sub"s, std::string(250, 'N')}) {
+        for (const auto& each : cases) {
+            create(key, name + "\\below");
+            fs::path entry;
+            for (const auto& found : fs::directory_iterator(folder))
+                if (found.is_directory()) entry = found.path();
+            fill(entry / "v-v", "");
+            fs::remove(entry / "key");
+            each.putAt(entry);
+            create(key, "Z");
+            const Names listed = keysOf(key);
+            EXPECT_EQ(listed.size(), each.isListed ? 2U : 1U) << each.what;
+            EXPECT_EQ(listed.back(), "Z") << each.what;
+            const std::string reached = each.isListed ? listed.front() : name;
+            EXPECT_EQ(open(key, reached), each.opened) << each.what;
+            EXPECT_EQ(create(key, reached), each.created) << each.what;
+            EXPECT_EQ(fs::exists(entry / "v-v"), each.created != 0) << each.what << ": its values";
+            EXPECT_EQ(erase(key, reached), 0) << each.what;
+            EXPECT_EQ(keysOf(key), Names{"Z"}) << each.what;
+            EXPECT_FALSE(fs::exists(entry)) << each.what;
+            erase(key, "Z");
+        }
+    }
+}
+
+// Also below what is no key, to any depth, and without following a link.
+TEST_F(Registry, AKeyIsDeletedWithAllThatIsInItsFolder) {
+    std::string deep = "k-top/";
+    for (int depth = 0; depth < 500; ++depth) deep += "k-d/";
+    create(key, "Top");
+    fs::create_directories(folder / deep / "key");
+    fs::create_directories(folder / "k-top/k-c (copy)");
+    fill(folder / "k-top/k-c (copy)/key", "");
+    fill(folder / "k-top/v-v", "");
+    fill(data.file("notes.txt"), "someone's own");
+    fs::create_directory_symlink(data.path(), folder / "k-top/k-link");
+    const FewDescriptors few(64);
+    EXPECT_EQ(erase(key, "Top"), 0);
+    EXPECT_FALSE(fs::exists(folder / "k-top"));
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 1) << "the record of the key above";
+    EXPECT_EQ(contentOf(data.file("notes.txt")), "someone's own");
 }
 
 TEST_F(Registry, AProcessKilledAtAnySystemCallLeavesWholeValuesAndKeys) {
@@ -300,7 +361,7 @@ TEST_F(Registry, AProcessKilledAtAnySystemCallLeavesWholeValuesAndKeys) {
         }
         EXPECT_EQ(keysOf(key), Names{}) << stops;
         EXPECT_EQ(set("v", "again"), 0) << stops;
-        EXPECT_FALSE(fs::exists(folder / ".new")) << stops;
+        EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 2) << stops << ": the record and v";
     }
     EXPECT_GT(stops, 60);
 }
