@@ -105,11 +105,9 @@ DWORD openPath(const Target& target, const std::vector<std::string_view>& names,
     return code;
 }
 
-DWORD createPath(const Target& target, const std::vector<std::string_view>& names, const char* classText,
+// The same for keys that are made where they are missing; the last gets the class text.
+DWORD createOnce(const Target& target, const std::vector<std::string_view>& names, const char* classText,
                  Folder& folder, bool& created) {
-    if (target.depth + names.size() > deepestKey || !std::all_of(names.begin(), names.end(), isKeyName)) {
-        return ERROR_INVALID_PARAMETER;
-    }
     created = false;
     DWORD code = reopen(target.folder(), folder);
     for (const std::string_view name : names) {
@@ -120,6 +118,18 @@ DWORD createPath(const Target& target, const std::vector<std::string_view>& name
         folder = std::move(below);
     }
     return code;
+}
+
+// Begins again from the top when a key on the way was deleted meanwhile.
+DWORD createPath(const Target& target, const std::vector<std::string_view>& names, const char* classText,
+                 Folder& folder, bool& created) {
+    if (target.depth + names.size() > deepestKey || !std::all_of(names.begin(), names.end(), isKeyName)) {
+        return ERROR_INVALID_PARAMETER;
+    }
+    for (;;) {
+        const DWORD code = createOnce(target, names, classText, folder, created);
+        if (code != ERROR_KEY_DELETED || checkAlive(target.folder()) != ERROR_SUCCESS) return code;
+    }
 }
 
 // Makes a handle for the key that the names lead to.

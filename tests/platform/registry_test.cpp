@@ -238,6 +238,12 @@ TEST_F(Registry, NoNameLeavesTheFolderOrMeetsAnother) {
     for (const char* end : {"A", "b", "\\"}) EXPECT_EQ(set(longest + end, end), 0);
     EXPECT_EQ(get(longest + 'a'), "A");
     EXPECT_EQ(set(longest + "cd", ""), 87);
+    for (const std::size_t length :
+         {200U, 201U}) {  // from there on only the first 100 are in the file's name
+        const std::string plain(length, 'l');
+        EXPECT_EQ(set(plain, plain), 0);
+        EXPECT_EQ(fs::exists(folder / ("v-" + plain)), length == 200);
+    }
     EXPECT_EQ(create(key, longest), 87);
     for (const auto& entry : fs::recursive_directory_iterator(folder)) {
         const std::string file = entry.path().filename();
@@ -366,6 +372,24 @@ TEST_F(Registry, AProcessKilledAtAnySystemCallLeavesWholeValuesAndKeys) {
     EXPECT_GT(stops, 60);
 }
 
+TEST_F(Registry, AKeyIsMadeAlsoWhenAnotherProcessDeletesOneOnTheWayToIt) {
+    int stops = 0, deleted = 0;
+    for (bool stopped = true; stopped; ++stops) {
+        create(key, "middle");
+        stopped = atStop(
+            stops, [&] { EXPECT_EQ(create(key, "middle\\sub"), 0); },
+            [&](pid_t child) {
+                const bool isLocked = fs::exists(folder / ".new") || fs::exists(folder / "k-middle/.new");
+                if (!isLocked && erase(key, "middle") == 0) ++deleted;
+                ::ptrace(PTRACE_DETACH, child, nullptr, nullptr);
+                EXPECT_EQ(waitFor(child), 0) << stops;
+            });
+        EXPECT_EQ(erase(key, "middle\\sub"), 0) << stops;
+        EXPECT_EQ(erase(key, "middle"), 0) << stops;
+    }
+    EXPECT_GT(deleted, 10);
+}
+
 TEST_F(Registry, TwoWritersLoseNothingAndAReaderSeesNoHalf) {
     const auto large = [](const std::string& round) { return std::string(20000, round.back()); };
     set("shared", large("0"));
@@ -394,6 +418,9 @@ TEST_F(Registry, RootsAreThereWithoutAFolder) {
     EXPECT_FALSE(fs::exists(data.file("none")));
     EXPECT_EQ(create(root, "x"), 0);
     EXPECT_EQ(open(HKEY_USERS, "X"), 0);
+    EXPECT_EQ(RegSetValueExA(root, "v", 0, REG_BINARY, nullptr, 0), 0);
+    EXPECT_EQ(RegQueryValueExA(HKEY_USERS, "V", nullptr, nullptr, nullptr, nullptr), 0);
+    EXPECT_TRUE(fs::exists(data.file("none/tarnutil/registry/HKEY_USERS/v-v")));
     EXPECT_EQ(RegCloseKey(root), 0);
     setEnvironment("XDG_DATA_HOME", "relative");  // doesn't count
     setEnvironment("HOME", data.file("home").c_str());
