@@ -325,7 +325,7 @@ LSTATUS RegQueryValueExA(HKEY key, const char* name, DWORD*, DWORD* type, BYTE* 
 }
 
 LSTATUS RegFlushKey(HKEY key) {
-    constexpr std::size_t foldersAboveRoots = 2;
+    constexpr std::size_t foldersAboveRoots = 3;  // registry, tarnutil, the data folder
     Target target;
     const DWORD code = resolve(key, false, target);
     if (code == ERROR_FILE_NOT_FOUND) return answer(ERROR_SUCCESS);

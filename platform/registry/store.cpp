@@ -160,12 +160,14 @@ std::string registryPath() {
     return data + "/tarnutil/registry";
 }
 
-// Makes a folder with those above it that are missing.
+// Makes a folder with those above it that are missing, and writes each through to the disk, since a flush of a key
+// only reaches up to the data folder.
 void makeFolders(const std::string& path) {
-    for (std::size_t end = path.find('/', 1); end != std::string::npos; end = path.find('/', end + 1)) {
-        ::mkdir(path.substr(0, end).c_str(), folderPermissions);
+    for (std::size_t end = 0; end != std::string::npos;) {
+        end = path.find('/', end + 1);
+        const std::string folder = path.substr(0, end);
+        if (::mkdir(folder.c_str(), folderPermissions) == 0) syncFolder(AT_FDCWD, folder + "/..");
     }
-    ::mkdir(path.c_str(), folderPermissions);
 }
 
 }  // namespace
@@ -302,16 +304,11 @@ DWORD measureValues(const Folder& key, Measures& measures) {
 }
 
 DWORD flush(const Folder& key, std::size_t foldersAbove) {
-    Folder current;
-    DWORD code = reopen(key, current);
-    for (std::size_t i = 0; code == ERROR_SUCCESS; ++i) {
-        if (retried([&] { return ::fsync(current.number()); }) != 0) return storeError();
-        if (i == foldersAbove) break;
-        Folder above;
-        code = openParent(current, true, above);
-        current = std::move(above);
-    }
-    return code;
+    DWORD code = ERROR_SUCCESS;
+    std::string folder = ".";
+    for (std::size_t i = 0; i <= foldersAbove && code == ERROR_SUCCESS; ++i, folder += "/..")
+        code = syncFolder(key.number(), folder);
+    return storeCode(code);
 }
 
 }  // namespace tarn::registry
