@@ -1,5 +1,7 @@
 // errno to Win32 code: one table, and the one question that errno leaves open, whether a name or its folder
 // is missing.
+//
+// Tests: tests/platform/files_test.cpp.
 
 #include "platform/error_codes.h"
 

@@ -4,7 +4,7 @@
 // address: the family, the slot of its table, and how often that slot was used.  A handle that was closed,
 // that belongs to another family or that never was one is found nowhere, so that it can't do harm.
 //
-// A handle fits 32 bits, since the id of a popup's entry in a menu is its handle, and stands above every
+// A handle fits 32 bits, since the id of a popup's entry in a menu is its handle, and is above every
 // number that Win32 lets a caller pass in a handle's place (colour numbers, resource ids).
 //
 // Threads: the table may be used from any thread; an object that it gives out belongs to the caller's.
@@ -33,7 +33,7 @@ enum class HandleFamily : std::uint32_t {
 // Whether openHandles() shows the handle; the layer's own objects aren't the program's to close.
 enum class Counted : bool { no, yes };
 
-// A table is a global without constructor or destructor: what is open at the end of the process goes with it.
+// A table is a global without constructor or destructor: what is open at the end of the process ends with it.
 template <class Object>
 class HandleTable {
   public:

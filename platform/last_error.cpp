@@ -1,4 +1,6 @@
 // The last error and the count of open handles: two process-wide words, so that nothing here is thread-local.
+//
+// Tests: tests/platform/files_test.cpp.
 
 #include <atomic>
 #include <cstdint>

@@ -1,5 +1,7 @@
 // One open key on the system's registry operations.  The walk that empties a key holds its levels in a list
-// of its own and not on the stack, so that a tree may be as deep as the system lets it.
+// of its own and not on the stack, so that a tree may be as deep as the system allows.
+//
+// Tests: tests/store/registry_test.cpp.
 
 #include <cstring>
 #include <memory>

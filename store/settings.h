@@ -104,7 +104,8 @@ class TARN_EXPORT tarnRegistry {
     int deleteSubKeyTree(const char* name);
     /// Deletes a value of the open key.
     int deleteValue(const char* name);
-    /// Waits until the open key is on the disk.  Until then a power cut may undo what was stored.
+    /// Waits until the open key and the keys above it are on the disk.  Until then a power cut may undo what
+    /// was stored, whole: a value is the former one or the new one.
     int flushKey();
 
     /// Stores a number, 32 bits.

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/ptrace.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -55,10 +56,10 @@ void twoWritersAndAReader(Write write, Read read) {
     std::printf("2 x %d writes beside %d reads\n", rounds, reads);
 }
 
-// Does a piece of work in a child process and kills it at its n-th stop: one before and one behind each
-// system call.  Answers false if the work was done before that.
-template <typename Work>
-bool killedAtStop(int n, Work work) {
+// Does a piece of work in a child process, and something else at its n-th stop: one before and one behind each system
+// call.  Answers false if the work was done before that.
+template <typename Work, typename Then>
+bool atStop(int n, Work work, Then then) {
     const pid_t child = startChild([&] {
         ::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
         ::raise(SIGSTOP);
@@ -69,10 +70,38 @@ bool killedAtStop(int n, Work work) {
         ::ptrace(PTRACE_SYSCALL, child, nullptr, nullptr);
         status = waitFor(child);
     }
-    if (!WIFSTOPPED(status)) return false;
-    ::kill(child, SIGKILL);
-    return waitFor(child) == SIGKILL;
+    if (WIFSTOPPED(status)) {
+        then(child);
+        return true;
+    }
+    EXPECT_EQ(status, 0);
+    return false;
 }
+
+// Kills the child process there.
+template <typename Work>
+bool killedAtStop(int n, Work work) {
+    return atStop(n, work, [](pid_t child) {
+        ::kill(child, SIGKILL);
+        EXPECT_EQ(waitFor(child), SIGKILL);
+    });
+}
+
+// Leaves this process few descriptors until the end of the test.
+class FewDescriptors {
+  public:
+    explicit FewDescriptors(rlim_t count) {
+        ::getrlimit(RLIMIT_NOFILE, &before_);
+        const rlimit few{count, before_.rlim_max};
+        ::setrlimit(RLIMIT_NOFILE, &few);
+    }
+    FewDescriptors(const FewDescriptors&) = delete;
+    FewDescriptors& operator=(const FewDescriptors&) = delete;
+    ~FewDescriptors() { ::setrlimit(RLIMIT_NOFILE, &before_); }
+
+  private:
+    rlimit before_{};
+};
 
 }  // namespace tarntest
 

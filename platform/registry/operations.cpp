@@ -1,6 +1,8 @@
-// The registry operations: handles, paths and buffers.  What lies on the disk stands in registry_store.cpp.
+// The registry operations: handles, paths and buffers.  What lies on the disk is platform/registry/store.cpp's.
 // Nothing is kept between calls but the open folders of the handles, and the names below a key while a
 // program walks through them.
+//
+// Tests: tests/platform/registry_test.cpp.
 
 #define _FILE_OFFSET_BITS 64  // times and file numbers of 64 bits also in 32-bit code
 
@@ -28,8 +30,7 @@ LSTATUS answer(DWORD code) {
     return static_cast<LSTATUS>(code);
 }
 
-// ----------------------------------------------------------------------------------------- keys and their
-// paths
+// ---------------------------------------------------------------------------------------- keys and their paths
 
 // The names below a key as they were, for the calls that walk through them by index.
 struct Listing {
@@ -42,7 +43,7 @@ struct OpenKey {
     std::size_t root = 0;
     std::size_t depth = 0;  // 0 is the root itself, whose folder is opened for each call
     Folder folder;
-    std::string entry;  // the name of the folder
+    std::string name;  // the last of the path
     Listing listing;
 };
 
@@ -81,7 +82,7 @@ DWORD resolve(HKEY handle, bool create, Target& target) {
 }
 
 // Cuts a path into the names of its keys.  A `\` in front isn't allowed, others between names don't count.
-DWORD split(const char* path, std::vector<std::string_view>& names) {
+DWORD splitPath(const char* path, std::vector<std::string_view>& names) {
     std::string_view rest = path == nullptr ? "" : path;
     if (rest.starts_with('\\')) return ERROR_BAD_PATHNAME;
     while (!rest.empty()) {
@@ -93,7 +94,7 @@ DWORD split(const char* path, std::vector<std::string_view>& names) {
 }
 
 // Opens the key that the names lead to; no names lead to the target itself.
-DWORD walk(const Target& target, const std::vector<std::string_view>& names, Folder& folder) {
+DWORD openPath(const Target& target, const std::vector<std::string_view>& names, Folder& folder) {
     DWORD code = reopen(target.folder(), folder);
     for (const std::string_view name : names) {
         if (code != ERROR_SUCCESS) break;
@@ -104,12 +105,9 @@ DWORD walk(const Target& target, const std::vector<std::string_view>& names, Fol
     return code;
 }
 
-DWORD walkAndCreate(const Target& target, const std::vector<std::string_view>& names, const char* classText,
-                    Folder& folder, bool& created) {
-    const auto isTooLong = [](std::string_view name) { return name.size() > longestKeyName; };
-    if (target.depth + names.size() > deepestKey || std::any_of(names.begin(), names.end(), isTooLong)) {
-        return ERROR_INVALID_PARAMETER;
-    }
+// The same for keys that are made where they are missing; the last gets the class text.
+DWORD createOnce(const Target& target, const std::vector<std::string_view>& names, const char* classText,
+                 Folder& folder, bool& created) {
     created = false;
     DWORD code = reopen(target.folder(), folder);
     for (const std::string_view name : names) {
@@ -122,15 +120,29 @@ DWORD walkAndCreate(const Target& target, const std::vector<std::string_view>& n
     return code;
 }
 
-DWORD hand(const Target& target, const std::vector<std::string_view>& names, Folder folder, HKEY* result) {
+// Begins again from the top when a key on the way was deleted meanwhile.
+DWORD createPath(const Target& target, const std::vector<std::string_view>& names, const char* classText,
+                 Folder& folder, bool& created) {
+    if (target.depth + names.size() > deepestKey || !std::all_of(names.begin(), names.end(), isKeyName)) {
+        return ERROR_INVALID_PARAMETER;
+    }
+    for (;;) {
+        const DWORD code = createOnce(target, names, classText, folder, created);
+        if (code != ERROR_KEY_DELETED || checkAlive(target.folder()) != ERROR_SUCCESS) return code;
+    }
+}
+
+// Makes a handle for the key that the names lead to.
+DWORD openHandle(const Target& target, const std::vector<std::string_view>& names, Folder folder,
+                 HKEY* result) {
     auto key = std::make_unique<OpenKey>();
     key->root = target.root;
     key->depth = target.depth + names.size();
     if (key->depth != 0) key->folder = std::move(folder);
     if (!names.empty()) {
-        key->entry = keyEntry(names.back());
+        key->name = names.back();
     } else if (target.open != nullptr) {
-        key->entry = target.open->entry;
+        key->name = target.open->name;
     }
     *result = static_cast<HKEY>(openKeys.open(std::move(key)));
     return *result == nullptr ? ERROR_TOO_MANY_OPEN_FILES : ERROR_SUCCESS;
@@ -141,8 +153,8 @@ DWORD deleteItself(const Target& target) {
     Folder parent;
     const DWORD code = openParent(target.folder(), target.depth == 1, parent);
     if (code != ERROR_SUCCESS) return code;
-    if (!isEntryOf(parent, target.open->entry, target.folder())) return ERROR_KEY_DELETED;
-    return deleteKey(parent, target.open->entry);
+    if (!isEntryOf(parent, target.open->name, target.folder())) return ERROR_KEY_DELETED;
+    return deleteKey(parent, target.open->name);
 }
 
 // ------------------------------------------------------------------------------------- names below a key
@@ -157,7 +169,7 @@ std::int64_t changeTime(const Folder& folder) {
     return ::fstat(folder.number(), &status) == 0 ? nanoseconds(status.st_mtim) : 0;
 }
 
-// Brings a listing up to date.  The folder's time stands still within a tick of the system's clock, so a
+// Brings a listing up to date.  A folder's time doesn't move within a tick of the system's clock, so a
 // listing made shortly after a change isn't kept: another change may have the same time.
 DWORD refresh(const Folder& folder, Listing& listing) {
     constexpr std::int64_t longestTick = 50'000'000;
@@ -173,8 +185,9 @@ DWORD refresh(const Folder& folder, Listing& listing) {
 
 // -------------------------------------------------------------------------------------------------- results
 
+// Sets an out argument, which may be NULL.
 template <typename Number>
-void tell(DWORD* result, Number number) {
+void giveOut(DWORD* result, Number number) {
     if (result != nullptr) *result = static_cast<DWORD>(number);
 }
 
@@ -204,19 +217,19 @@ LSTATUS RegOpenKeyExA(HKEY key, const char* name, DWORD, REGSAM, HKEY* result) {
     if (code == ERROR_INVALID_HANDLE) return answer(code);
     *result = nullptr;
     std::vector<std::string_view> names;
-    const DWORD pathCode = split(name, names);
+    const DWORD pathCode = splitPath(name, names);
     if (pathCode != ERROR_SUCCESS) return answer(pathCode);
     Folder folder;
-    if (code == ERROR_SUCCESS) code = walk(target, names, folder);
+    if (code == ERROR_SUCCESS) code = openPath(target, names, folder);
     if (code == ERROR_FILE_NOT_FOUND && target.depth == 0 && names.empty()) code = ERROR_SUCCESS;
-    return answer(code == ERROR_SUCCESS ? hand(target, names, std::move(folder), result) : code);
+    return answer(code == ERROR_SUCCESS ? openHandle(target, names, std::move(folder), result) : code);
 }
 
 LSTATUS RegCreateKeyExA(HKEY key, const char* name, DWORD, char* classText, DWORD, REGSAM,
                         const SECURITY_ATTRIBUTES*, HKEY* result, DWORD* disposition) {
     if (result == nullptr) return answer(ERROR_INVALID_PARAMETER);
     std::vector<std::string_view> names;
-    const DWORD pathCode = split(name, names);
+    const DWORD pathCode = splitPath(name, names);
     Target target;
     DWORD code = resolve(key, pathCode == ERROR_SUCCESS, target);
     if (code == ERROR_INVALID_HANDLE) return answer(code);
@@ -224,9 +237,9 @@ LSTATUS RegCreateKeyExA(HKEY key, const char* name, DWORD, char* classText, DWOR
     if (pathCode != ERROR_SUCCESS) return answer(pathCode);
     Folder folder;
     bool created = false;
-    if (code == ERROR_SUCCESS) code = walkAndCreate(target, names, classText, folder, created);
-    if (code == ERROR_SUCCESS) code = hand(target, names, std::move(folder), result);
-    if (code == ERROR_SUCCESS) tell(disposition, created ? REG_CREATED_NEW_KEY : REG_OPENED_EXISTING_KEY);
+    if (code == ERROR_SUCCESS) code = createPath(target, names, classText, folder, created);
+    if (code == ERROR_SUCCESS) code = openHandle(target, names, std::move(folder), result);
+    if (code == ERROR_SUCCESS) giveOut(disposition, created ? REG_CREATED_NEW_KEY : REG_OPENED_EXISTING_KEY);
     return answer(code);
 }
 
@@ -241,16 +254,15 @@ LSTATUS RegDeleteKeyA(HKEY key, const char* name) {
     if (code == ERROR_INVALID_HANDLE) return answer(code);
     if (name == nullptr) return answer(ERROR_INVALID_PARAMETER);
     std::vector<std::string_view> names;
-    const DWORD pathCode = split(name, names);
+    const DWORD pathCode = splitPath(name, names);
     if (pathCode != ERROR_SUCCESS) return answer(pathCode);
     if (code != ERROR_SUCCESS) return answer(code);
     if (names.empty()) return answer(deleteItself(target));
     const std::string_view last = names.back();
     names.pop_back();
-    if (last.size() > longestKeyName) return answer(ERROR_FILE_NOT_FOUND);
     Folder parent;
-    code = walk(target, names, parent);
-    return answer(code == ERROR_SUCCESS ? deleteKey(parent, keyEntry(last)) : code);
+    code = openPath(target, names, parent);
+    return answer(code == ERROR_SUCCESS ? deleteKey(parent, last) : code);
 }
 
 LSTATUS RegDeleteValueA(HKEY key, const char* name) {
@@ -296,13 +308,13 @@ LSTATUS RegQueryValueExA(HKEY key, const char* name, DWORD*, DWORD* type, BYTE* 
     if (code == ERROR_SUCCESS) code = readValue(target.folder(), name == nullptr ? "" : name, value);
     if (code != ERROR_SUCCESS) {
         if (code != ERROR_FILE_NOT_FOUND) return answer(code);
-        tell(type, REG_NONE);
-        if (data == nullptr) tell(size, 0U);
+        giveOut(type, REG_NONE);
+        if (data == nullptr) giveOut(size, 0U);
         return answer(code);
     }
-    tell(type, value.type);
+    giveOut(type, value.type);
     const std::size_t room = data == nullptr ? value.data.size() : *size;
-    tell(size, value.data.size());
+    giveOut(size, value.data.size());
     if (room < value.data.size()) return answer(ERROR_MORE_DATA);
     if (data == nullptr || value.data.empty()) return answer(ERROR_SUCCESS);
     std::memcpy(data, value.data.data(), value.data.size());
@@ -313,7 +325,7 @@ LSTATUS RegQueryValueExA(HKEY key, const char* name, DWORD*, DWORD* type, BYTE* 
 }
 
 LSTATUS RegFlushKey(HKEY key) {
-    constexpr std::size_t foldersAboveRoots = 2;
+    constexpr std::size_t foldersAboveRoots = 3;  // registry, tarnutil, the data folder
     Target target;
     const DWORD code = resolve(key, false, target);
     if (code == ERROR_FILE_NOT_FOUND) return answer(ERROR_SUCCESS);
@@ -334,15 +346,15 @@ LSTATUS RegQueryInfoKeyA(HKEY key, char* classText, DWORD* classSize, DWORD*, DW
     if (code == ERROR_SUCCESS) code = measureKeys(target.folder(), keys);
     if (code == ERROR_SUCCESS) code = measureValues(target.folder(), contents);
     if (isThere && code != ERROR_SUCCESS) return answer(code);
-    tell(subKeys, keys.count);
-    tell(longestSubKey, keys.longestName);
-    tell(longestClass, keys.longestData);
-    tell(values, contents.count);
-    tell(longestNameOfValue, contents.longestName);
-    tell(largestSizeOfValue, contents.longestData);
-    tell(securityDescriptor, 0U);
+    giveOut(subKeys, keys.count);
+    giveOut(longestSubKey, keys.longestName);
+    giveOut(longestClass, keys.longestData);
+    giveOut(values, contents.count);
+    giveOut(longestNameOfValue, contents.longestName);
+    giveOut(largestSizeOfValue, contents.longestData);
+    giveOut(securityDescriptor, 0U);
     if (lastWriteTime != nullptr) *lastWriteTime = fileTime(isThere ? changeTime(target.folder()) : 0);
     const DWORD room = classText == nullptr ? 0 : *classSize;
-    tell(classSize, record.data.size());
+    giveOut(classSize, record.data.size());
     return answer(classText == nullptr ? ERROR_SUCCESS : copyText(record.data, classText, room));
 }

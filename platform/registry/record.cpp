@@ -1,4 +1,6 @@
 // A header of five words, little-endian, then the name and the data.
+//
+// Tests: tests/platform/registry_test.cpp, tests/data/stored_files_test.cpp.
 
 #include "platform/registry/record.h"
 
@@ -10,7 +12,7 @@ namespace tarn::registry {
 
 namespace {
 
-// On disk: "TRK1" and "TRV1", and where the words stand.
+// On disk: "TRK1" and "TRV1", and the places of the words.
 constexpr std::uint32_t keyMark = 0x314B5254;
 constexpr std::uint32_t valueMark = 0x31565254;
 constexpr std::size_t markAt = 0;
@@ -31,7 +33,7 @@ std::uint32_t wordAt(std::string_view bytes, std::size_t at) {
     return loadWord(reinterpret_cast<const unsigned char*>(&bytes[at]));
 }
 
-// FNV-1a of what stands behind the checksum.
+// FNV-1a of everything behind the checksum.
 std::uint32_t checksum(std::string_view bytes) {
     std::uint32_t hash = 2166136261U;
     for (const char byte : bytes.substr(typeAt)) hash = (hash ^ static_cast<unsigned char>(byte)) * 16777619U;

@@ -1,7 +1,7 @@
 #pragma once
 
 // The layer's own file form of registry keys and values; programs use the operations of platform/win32.h.
-// docs/registry-folder.md tells the form byte by byte.
+// docs/registry-folder.md describes the form byte by byte.
 //
 // Threads: both functions only read their arguments.
 
@@ -11,7 +11,6 @@
 
 namespace tarn::registry {
 
-constexpr std::size_t longestKeyName = 255;
 constexpr std::size_t longestValueName = 16383;
 constexpr std::size_t largestValue = 1U << 20;
 

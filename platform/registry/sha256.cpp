@@ -1,4 +1,6 @@
-// SHA-256 as FIPS 180-4 tells it, whole messages only.
+// SHA-256 as FIPS 180-4 defines it, whole messages only.
+//
+// Tests: tests/platform/registry_test.cpp.
 
 #include "platform/registry/sha256.h"
 

@@ -1,12 +1,13 @@
 // Keys as folders, reached step by step from open folder to open folder, so that no path grows with the depth
-// of a key and no symbolic link is followed below a root.  Changes of a key stand under the lock of its
-// folder, which is the temporary file of platform/files/replacement.h; who needs two takes the upper one first.
+// of a key and no symbolic link is followed below a root.  A key is changed under the lock of its folder, which is
+// the temporary file of platform/files/replacement.h; who needs two locks takes the upper one first.
+//
+// Tests: tests/platform/registry_test.cpp.
 
 #define _FILE_OFFSET_BITS 64  // file numbers beyond 32 bits also in 32-bit code
 
 #include "platform/registry/store.h"
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -14,11 +15,11 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
-#include <memory>
 #include <utility>
 
 #include "platform/error_codes.h"
 #include "platform/files/replacement.h"
+#include "platform/registry/folders.h"
 #include "platform/registry/names.h"
 
 namespace tarn::registry {
@@ -28,68 +29,48 @@ namespace {
 // On disk.
 constexpr const char* keyFile = "key";
 constexpr const char* temporaryFile = ".new";
+constexpr const char* madeFolder = ".made";
 constexpr const char* rootFolders[rootCount] = {"HKEY_CLASSES_ROOT", "HKEY_CURRENT_USER",
                                                 "HKEY_LOCAL_MACHINE", "HKEY_USERS"};
 constexpr mode_t folderPermissions = 0700;
 constexpr unsigned filePermissions = 0600;
-
-// What stands in the way of a folder or file of ours is no missing path but a damaged registry.
-DWORD storeCode(DWORD code) {
-    const bool foreign =
-        code == ERROR_PATH_NOT_FOUND || code == ERROR_FILE_CORRUPT || code == ERROR_FILE_EXISTS;
-    return foreign ? ERROR_REGISTRY_CORRUPT : code;
-}
-DWORD storeError() {
-    return storeCode(fromErrno(errno));
-}
-
-DWORD openFolder(int parent, const char* entry, Descriptor& folder) {
-    constexpr int flags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
-    folder = Descriptor(retried([&] { return ::openat(parent, entry, flags); }));
-    return folder ? ERROR_SUCCESS : storeError();
-}
-
-bool exists(int folder, const std::string& entry) {
-    struct stat status {};
-    return ::fstatat(folder, entry.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0;
-}
 
 // What was not found in a folder that is no key any more counts as that.
 DWORD notFoundIn(const Folder& key, DWORD code) {
     return code == ERROR_FILE_NOT_FOUND && checkAlive(key) != ERROR_SUCCESS ? ERROR_KEY_DELETED : code;
 }
 
-DWORD listEntries(int folder, std::vector<std::string>& entries) {
-    Descriptor opened;
-    const DWORD code = openFolder(folder, ".", opened);
-    if (code != ERROR_SUCCESS) return code;
-    const std::unique_ptr<DIR, int (*)(DIR*)> stream(::fdopendir(opened.number()), ::closedir);
-    if (stream == nullptr) return storeError();
-    static_cast<void>(opened.release());  // the stream closes it
-    for (errno = 0;; errno = 0) {
-        const dirent* const entry = ::readdir(stream.get());
-        if (entry == nullptr) return errno == 0 ? ERROR_SUCCESS : storeError();
-        const std::string_view name = entry->d_name;
-        if (name != "." && name != "..") entries.emplace_back(name);
-    }
-}
-
 DWORD readRecord(int folder, const std::string& entry, RecordKind kind, Record& record) {
     std::string bytes;
     const DWORD code = readWhole(folder, entry, O_NOFOLLOW, largestRecord, bytes);
+    Descriptor asFolder;
+    if (code == ERROR_ACCESS_DENIED && openFolder(folder, entry.c_str(), asFolder) == ERROR_SUCCESS) {
+        return ERROR_REGISTRY_CORRUPT;
+    }
     if (code != ERROR_SUCCESS) return storeCode(code);
     return decodeRecord(kind, bytes, record) ? ERROR_SUCCESS : ERROR_REGISTRY_CORRUPT;
 }
 
-// Opens the key that an entry holds, with its record.
+// Opens the key of an entry, with its record.  A link, a file and a folder without a record are no key and answer
+// ERROR_FILE_NOT_FOUND; a damaged record, or that of another name, ERROR_REGISTRY_CORRUPT with the folder opened.
 DWORD openEntry(int parent, const std::string& entry, Folder& key, Record& record) {
-    Descriptor opened;
-    DWORD code = openFolder(parent, entry.c_str(), opened);
-    if (code == ERROR_SUCCESS) code = readRecord(opened.number(), keyFile, RecordKind::key, record);
+    DWORD code = openFolder(parent, entry.c_str(), key.descriptor);
+    if (code == ERROR_REGISTRY_CORRUPT) return ERROR_FILE_NOT_FOUND;
+    if (code == ERROR_SUCCESS) code = readRecord(key.number(), keyFile, RecordKind::key, record);
     if (code != ERROR_SUCCESS) return code;
-    if (keyEntry(record.name) != entry) return ERROR_REGISTRY_CORRUPT;
-    key = {std::move(opened), false};
-    return ERROR_SUCCESS;
+    const bool isItsOwn = isKeyName(record.name) && keyEntry(record.name) == entry;
+    return isItsOwn ? ERROR_SUCCESS : ERROR_REGISTRY_CORRUPT;
+}
+
+// Answers the entry of a key by its name, or by the one that it is listed under when it is damaged.
+std::string findEntry(const Folder& parent, std::string_view name) {
+    std::string entry = keyEntry(name);
+    const std::string spelled = entrySpelling(name);
+    if (spelled.empty() || exists(parent.number(), entry)) return entry;
+    Folder key;
+    Record record;
+    const DWORD code = openEntry(parent.number(), spelled, key, record);
+    return code == ERROR_REGISTRY_CORRUPT ? spelled : entry;
 }
 
 // Takes a key's lock and makes sure that it still is one.
@@ -99,50 +80,69 @@ DWORD lock(Replacement& replacement, const Folder& key) {
     return storeCode(code);
 }
 
-// Removes what is ours from a folder that is no key, and from folders in it that are none either.  Whatever
-// can't be removed stays, and the folder with it.
-void removeRemains(int folder, std::size_t deepest) {
-    std::vector<std::string> entries;
-    if (deepest == 0 || listEntries(folder, entries) != ERROR_SUCCESS) return;
-    for (const std::string& entry : entries) {
-        if (isValueEntry(entry)) ::unlinkat(folder, entry.c_str(), 0);
-        Descriptor below;
-        if (!isKeyEntry(entry) || openFolder(folder, entry.c_str(), below) != ERROR_SUCCESS) continue;
-        if (exists(below.number(), keyFile)) continue;
-        removeRemains(below.number(), deepest - 1);
-        ::unlinkat(below.number(), temporaryFile, 0);
-        ::unlinkat(folder, entry.c_str(), AT_REMOVEDIR);
-    }
-}
-
-// Answers ERROR_ACCESS_DENIED for a key that can't go: one with keys below it or with files of others.
-DWORD checkDeletable(int folder) {
-    std::vector<std::string> entries;
-    const DWORD code = listEntries(folder, entries);
-    if (code != ERROR_SUCCESS) return code;
-    const bool deletable = std::all_of(entries.begin(), entries.end(), [&](const std::string& entry) {
-        if (isKeyEntry(entry)) return !exists(folder, entry + "/" + keyFile);
-        return isValueEntry(entry) || entry == keyFile || entry == temporaryFile;
-    });
-    return deletable ? ERROR_SUCCESS : ERROR_ACCESS_DENIED;
-}
-
-// Calls with the record of every key below.
+// Calls with the record of every key below.  One whose record can't be read comes with the name that its entry
+// spells.
 template <typename Use>
 DWORD forEachKey(const Folder& key, Use use) {
     std::vector<std::string> entries;
-    DWORD code = listEntries(key.number(), entries);
-    if (code != ERROR_SUCCESS) return notFoundIn(key, code);
+    const DWORD listed = listEntries(key.number(), entries);
+    if (listed != ERROR_SUCCESS) return notFoundIn(key, listed);
     for (const std::string& entry : entries) {
         if (!isKeyEntry(entry)) continue;
         Folder below;
         Record record;
-        code = openEntry(key.number(), entry, below, record);
-        if (code == ERROR_FILE_NOT_FOUND) continue;  // remains, or deleted meanwhile
-        if (code != ERROR_SUCCESS) return code;
+        const DWORD code = openEntry(key.number(), entry, below, record);
+        if (code == ERROR_FILE_NOT_FOUND) continue;  // no key, or deleted meanwhile
+        if (code == ERROR_TOO_MANY_OPEN_FILES || code == ERROR_NOT_ENOUGH_MEMORY) return code;
+        if (code != ERROR_SUCCESS) record = {0, nameSpelledBy(entry), {}};
         use(record);
     }
     return ERROR_SUCCESS;
+}
+
+// Makes a key's folder, with its record, under a name that is no key's yet.
+DWORD makeFolder(const Folder& parent, std::string_view name, std::string_view classText, Folder& key) {
+    if (::mkdirat(parent.number(), madeFolder, folderPermissions) != 0) {
+        removeAll(parent.number(), madeFolder);  // of a dead process
+        if (::mkdirat(parent.number(), madeFolder, folderPermissions) != 0) return storeError();
+    }
+    DWORD code = openFolder(parent.number(), madeFolder, key.descriptor);
+    if (code != ERROR_SUCCESS) return code;
+    Replacement record;
+    code = record.begin(key.number(), temporaryFile, filePermissions);
+    if (code != ERROR_SUCCESS) return storeCode(code);
+    const Record content{0, std::string(name), std::string(classText)};
+    return storeCode(record.commit(keyFile, encodeRecord(RecordKind::key, content), nullptr));
+}
+
+// Gives a folder that was made its name.  What had that name and is no key is removed, but not before this has
+// succeeded.
+DWORD placeFolder(const Folder& parent, const std::string& entry) {
+    const int folder = parent.number();
+    if (::renameat(folder, madeFolder, folder, entry.c_str()) == 0) return ERROR_SUCCESS;
+    if (!exists(folder, entry)) return storeError();
+    std::string former;
+    DWORD code = moveAside(folder, entry, folder, 0, former);
+    if (code != ERROR_SUCCESS) return code;
+    if (::renameat(folder, madeFolder, folder, entry.c_str()) != 0) {
+        code = storeError();
+        ::renameat(folder, former.c_str(), folder, entry.c_str());
+        return code;
+    }
+    removeAll(folder, former);
+    return ERROR_SUCCESS;
+}
+
+// Ends a key by removing its record.  ERROR_ACCESS_DENIED if it has keys below it; nobody can open those of a damaged
+// one, so that they don't count.
+DWORD endKey(const Folder& key, bool isDamaged) {
+    Replacement keyLock;
+    DWORD code = lock(keyLock, key);
+    Measures keys;
+    if (code == ERROR_SUCCESS && !isDamaged) code = measureKeys(key, keys);
+    if (code != ERROR_SUCCESS) return code;
+    if (keys.count != 0) return ERROR_ACCESS_DENIED;
+    return ::unlinkat(key.number(), keyFile, 0) == 0 || errno == EISDIR ? ERROR_SUCCESS : storeError();
 }
 
 // Answers the folder of the roots, empty where the environment names no data folder.
@@ -160,12 +160,14 @@ std::string registryPath() {
     return data + "/tarnutil/registry";
 }
 
-// Makes a folder with those above it that are missing.
+// Makes a folder with those above it that are missing, and writes each through to the disk, since a flush of a key
+// only reaches up to the data folder.
 void makeFolders(const std::string& path) {
-    for (std::size_t end = path.find('/', 1); end != std::string::npos; end = path.find('/', end + 1)) {
-        ::mkdir(path.substr(0, end).c_str(), folderPermissions);
+    for (std::size_t end = 0; end != std::string::npos;) {
+        end = path.find('/', end + 1);
+        const std::string folder = path.substr(0, end);
+        if (::mkdir(folder.c_str(), folderPermissions) == 0) syncFolder(AT_FDCWD, folder + "/..");
     }
-    ::mkdir(path.c_str(), folderPermissions);
 }
 
 }  // namespace
@@ -187,9 +189,9 @@ DWORD openRoot(std::size_t root, bool create, Folder& folder) {
 }
 
 DWORD openKey(const Folder& parent, std::string_view name, Folder& key) {
-    if (name.size() > longestKeyName) return ERROR_FILE_NOT_FOUND;
+    if (!isKeyName(name)) return ERROR_FILE_NOT_FOUND;
     Record record;
-    return openEntry(parent.number(), keyEntry(name), key, record);
+    return openEntry(parent.number(), findEntry(parent, name), key, record);
 }
 
 DWORD createKey(const Folder& parent, std::string_view name, std::string_view classText, Folder& key,
@@ -201,46 +203,26 @@ DWORD createKey(const Folder& parent, std::string_view name, std::string_view cl
     code = lock(parentLock, parent);
     if (code == ERROR_SUCCESS) code = openKey(parent, name, key);
     if (code != ERROR_FILE_NOT_FOUND) return code;
-
-    const std::string entry = keyEntry(name);
-    Descriptor remains;
-    if (openFolder(parent.number(), entry.c_str(), remains) == ERROR_SUCCESS) {
-        removeRemains(remains.number(), deepestKey);
-        ::unlinkat(remains.number(), temporaryFile, 0);
-        ::unlinkat(parent.number(), entry.c_str(), AT_REMOVEDIR);
-    }
-    Descriptor made;
-    if (::mkdirat(parent.number(), entry.c_str(), folderPermissions) != 0) return storeError();
-    code = openFolder(parent.number(), entry.c_str(), made);
-    if (code != ERROR_SUCCESS) return code;
-    Replacement record;
-    code = record.begin(made.number(), temporaryFile, filePermissions);
-    if (code != ERROR_SUCCESS) return storeCode(code);
-    const Record content{0, std::string(name), std::string(classText)};
-    code = record.commit(keyFile, encodeRecord(RecordKind::key, content), nullptr);
-    if (code != ERROR_SUCCESS) return storeCode(code);
-    key = {std::move(made), false};
-    created = true;
-    return ERROR_SUCCESS;
+    code = makeFolder(parent, name, classText, key);
+    if (code == ERROR_SUCCESS) code = placeFolder(parent, keyEntry(name));
+    if (code != ERROR_SUCCESS) removeAll(parent.number(), madeFolder);
+    created = code == ERROR_SUCCESS;
+    return code;
 }
 
-DWORD deleteKey(const Folder& parent, const std::string& entry) {
+DWORD deleteKey(const Folder& parent, std::string_view name) {
+    if (!isKeyName(name)) return ERROR_FILE_NOT_FOUND;
     Replacement parentLock;
     DWORD code = lock(parentLock, parent);
-    Folder key;
-    if (code == ERROR_SUCCESS) code = openFolder(parent.number(), entry.c_str(), key.descriptor);
-    if (code == ERROR_SUCCESS) code = checkAlive(key) == ERROR_SUCCESS ? code : ERROR_FILE_NOT_FOUND;
     if (code != ERROR_SUCCESS) return code;
-    {
-        Replacement keyLock;
-        code = lock(keyLock, key);
-        if (code == ERROR_SUCCESS) code = checkDeletable(key.number());
-        if (code != ERROR_SUCCESS) return code;
-        if (::unlinkat(key.number(), keyFile, 0) != 0) return storeError();
-        removeRemains(key.number(), deepestKey);
-    }
-    ::unlinkat(parent.number(), entry.c_str(), AT_REMOVEDIR);  // without its record it is no key anyhow
-    return ERROR_SUCCESS;
+    const std::string entry = findEntry(parent, name);
+    Folder key;
+    Record record;
+    code = openEntry(parent.number(), entry, key, record);
+    const bool isDamaged = code == ERROR_REGISTRY_CORRUPT;
+    if (code == ERROR_SUCCESS || isDamaged) code = endKey(key, isDamaged);
+    if (code == ERROR_SUCCESS) removeAll(parent.number(), entry);  // what stays is no key anyhow
+    return code;
 }
 
 DWORD checkAlive(const Folder& key) {
@@ -257,10 +239,10 @@ DWORD openParent(const Folder& key, bool isRoot, Folder& parent) {
     return openFolder(key.number(), "..", parent.descriptor);
 }
 
-bool isEntryOf(const Folder& parent, const std::string& entry, const Folder& key) {
+bool isEntryOf(const Folder& parent, std::string_view name, const Folder& key) {
     struct stat named {};
     struct stat opened {};
-    return ::fstatat(parent.number(), entry.c_str(), &named, AT_SYMLINK_NOFOLLOW) == 0 &&
+    return ::fstatat(parent.number(), keyEntry(name).c_str(), &named, AT_SYMLINK_NOFOLLOW) == 0 &&
            ::fstat(key.number(), &opened) == 0 && named.st_dev == opened.st_dev &&
            named.st_ino == opened.st_ino;
 }
@@ -322,16 +304,11 @@ DWORD measureValues(const Folder& key, Measures& measures) {
 }
 
 DWORD flush(const Folder& key, std::size_t foldersAbove) {
-    Folder current;
-    DWORD code = reopen(key, current);
-    for (std::size_t i = 0; code == ERROR_SUCCESS; ++i) {
-        if (retried([&] { return ::fsync(current.number()); }) != 0) return storeError();
-        if (i == foldersAbove) break;
-        Folder above;
-        code = openParent(current, true, above);
-        current = std::move(above);
-    }
-    return code;
+    DWORD code = ERROR_SUCCESS;
+    std::string folder = ".";
+    for (std::size_t i = 0; i <= foldersAbove && code == ERROR_SUCCESS; ++i, folder += "/..")
+        code = syncFolder(key.number(), folder);
+    return storeCode(code);
 }
 
 }  // namespace tarn::registry

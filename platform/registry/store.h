@@ -1,11 +1,11 @@
 #pragma once
 
 // The layer's own registry on disk: a folder per key, a file per value.  Programs use the operations of
-// platform/win32.h; docs/registry-folder.md tells the layout.
+// platform/win32.h; docs/registry-folder.md describes the layout.
 //
 // A folder is a key as long as it holds its key record: writing that file makes the key, removing it deletes
-// the key, and what a dead process leaves of either is no key and goes when the name is used again.  An open
-// folder stays the same key whatever happens to its name.
+// the key, and what a dead process leaves of either is no key and is removed when the name is used again.
+// An open folder stays the same key whatever happens to its name.
 //
 // Each function answers a Win32 code: ERROR_FILE_NOT_FOUND for what isn't there, ERROR_KEY_DELETED where the
 // folder itself is no key any more, ERROR_REGISTRY_CORRUPT for what isn't ours or is damaged.
@@ -49,19 +49,20 @@ DWORD openKey(const Folder& parent, std::string_view name, Folder& key);
 // Opens a key, which it makes if need be.
 DWORD createKey(const Folder& parent, std::string_view name, std::string_view classText, Folder& key,
                 bool& created);
-// Deletes a key without keys below it, by the name of its folder.  ERROR_ACCESS_DENIED if it has some, or
-// holds files that aren't the registry's.
-DWORD deleteKey(const Folder& parent, const std::string& entry);
+// Deletes a key without keys below it, with everything in its folder, or a damaged one with all that is below it.
+// ERROR_ACCESS_DENIED if there are keys below.
+DWORD deleteKey(const Folder& parent, std::string_view name);
 
 DWORD checkAlive(const Folder& key);
-// Opens the folder once more, and the folder that it stands in.
+// Open the folder once more, and the folder that contains it.
 DWORD reopen(const Folder& key, Folder& copy);
 DWORD openParent(const Folder& key, bool isRoot, Folder& parent);
-// Answers whether the entry of the parent's is still this key.
-bool isEntryOf(const Folder& parent, const std::string& entry, const Folder& key);
+// Answers whether the parent's key of that name is still this one.
+bool isEntryOf(const Folder& parent, std::string_view name, const Folder& key);
 
 DWORD readKeyRecord(const Folder& key, Record& record);
-// Names as they are spelled, in the order of their folded names.
+// Names as they are spelled, in the order of their folded names.  A key whose record can't be read is listed, and
+// deleted, by the name that its folder's name spells.
 DWORD listKeys(const Folder& key, std::vector<std::string>& names);
 DWORD measureKeys(const Folder& key, Measures& measures);
 

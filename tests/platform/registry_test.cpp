@@ -1,5 +1,7 @@
-// The registry: platform/registry/operations.cpp and registry_*.cpp, and the system's own on Windows.
+// The registry: platform/registry/ (operations.cpp, store.cpp, record.cpp, names.cpp, sha256.cpp), and the system's
+// own on Windows.
 
+#include <functional>
 #include <numeric>
 #include <set>
 
@@ -8,20 +10,20 @@
 
 using namespace std::string_literals;
 using namespace tarntest;
+namespace fs = std::filesystem;
 
 namespace {
 
-// A key of its own for each test, below the current user's root, in a data folder of its own.
+// Each test has a key of its own below the current user's root, in a data folder of its own.
 struct Registry : testing::Test {
     static constexpr const char* home = "Software\\tarnutil-test";
     TemporaryFolder data{inMemory};
-    std::filesystem::path folder =
-        data.path() / "tarnutil/registry/HKEY_CURRENT_USER/k-software/k-tarnutil-test";
+    fs::path folder = data.path() / "tarnutil/registry/HKEY_CURRENT_USER/k-software/k-tarnutil-test";
     HKEY key = nullptr;
 
     Registry() {
         setEnvironment("XDG_DATA_HOME", data.path().string().c_str());
-        create(HKEY_CURRENT_USER, home, &key);
+        make(HKEY_CURRENT_USER, home, key);
     }
     ~Registry() override {
         RegCloseKey(key);
@@ -29,13 +31,18 @@ struct Registry : testing::Test {
         setEnvironment("XDG_DATA_HOME", nullptr);
     }
 
-    // Creates a key, and closes it unless somebody takes it.
-    static LSTATUS create(HKEY parent, const std::string& name, HKEY* taken = nullptr,
-                          DWORD* disposition = nullptr, std::string classText = "Class") {
-        HKEY result = nullptr;
-        const LSTATUS status = RegCreateKeyExA(parent, name.c_str(), 0, classText.data(), 0, KEY_ALL_ACCESS,
-                                               nullptr, &result, disposition);
-        taken == nullptr ? void(RegCloseKey(result)) : void(*taken = result);
+    // Creates a key and gives out its handle, which the caller closes.
+    static LSTATUS make(HKEY parent, const std::string& name, HKEY& made, DWORD* disposition = nullptr,
+                        std::string classText = "Class") {
+        return RegCreateKeyExA(parent, name.c_str(), 0, classText.data(), 0, KEY_ALL_ACCESS, nullptr, &made,
+                               disposition);
+    }
+
+    // What the calls answer for a name; no handle stays open.
+    static LSTATUS create(HKEY parent, const std::string& name) {
+        HKEY made = nullptr;
+        const LSTATUS status = make(parent, name, made);
+        RegCloseKey(made);
         return status;
     }
     static LSTATUS open(HKEY parent, const std::string& name) {
@@ -44,6 +51,8 @@ struct Registry : testing::Test {
         EXPECT_EQ(RegCloseKey(result), status == 0 ? 0 : 6) << "no key and yet a handle, or the other way";
         return status;
     }
+    static LSTATUS erase(HKEY parent, const std::string& name) { return RegDeleteKeyA(parent, name.c_str()); }
+
     LSTATUS set(const std::string& name, const std::string& value, DWORD type = REG_BINARY) const {
         return RegSetValueExA(key, name.c_str(), 0, type, reinterpret_cast<const BYTE*>(value.data()),
                               static_cast<DWORD>(value.size()));
@@ -56,8 +65,10 @@ struct Registry : testing::Test {
                                                 reinterpret_cast<BYTE*>(value.data()), &size);
         return status == 0 ? value.substr(0, size) : "error " + std::to_string(status);
     }
-    static std::vector<std::string> keysOf(HKEY parent) {
-        std::vector<std::string> names;
+
+    using Names = std::vector<std::string>;
+    static Names keysOf(HKEY parent) {
+        Names names;
         char name[300];
         for (DWORD i = 0; RegEnumKeyA(parent, i, name, sizeof name) == 0; ++i) names.emplace_back(name);
         return names;
@@ -67,42 +78,51 @@ struct Registry : testing::Test {
 TEST_F(Registry, KeysKeepTheirFirstSpellingAndClass) {
     DWORD first = 0, second = 0;
     HKEY again = nullptr;
-    create(key, "Sub", nullptr, &first);
-    create(key, "sUB\\\\", &again, &second, onWindows ? "Class" : "Other");  // wine takes the second
-    EXPECT_TRUE(first == REG_CREATED_NEW_KEY && second == REG_OPENED_EXISTING_KEY);
-    EXPECT_EQ(keysOf(key), std::vector<std::string>{"Sub"});
+    make(key, "Sub", again, &first);
+    RegCloseKey(again);
+    make(key, "sUB\\\\", again, &second, onWindows ? "Class" : "Other");  // wine takes the second
+    EXPECT_EQ(first, DWORD{REG_CREATED_NEW_KEY});
+    EXPECT_EQ(second, DWORD{REG_OPENED_EXISTING_KEY});
+    EXPECT_EQ(keysOf(key), Names{"Sub"});
+    char text[8] = {};
     for (const DWORD room : {5U, 6U}) {
-        char text[8] = {};
         DWORD size = room;
         const LSTATUS status = RegQueryInfoKeyA(again, text, &size, nullptr, nullptr, nullptr, nullptr,
                                                 nullptr, nullptr, nullptr, nullptr, nullptr);
-        EXPECT_EQ(text + std::to_string(status), room == 6 ? "Class0" : onWindows ? "Clas234" : "234");
+        EXPECT_EQ(status, room == 6 ? 0 : 234);
+        EXPECT_EQ(size, 5U);
     }
+    EXPECT_STREQ(text, "Class");
     RegCloseKey(again);
-    EXPECT_EQ(RegDeleteKeyA(key, "SUB"), 0);
+    EXPECT_EQ(erase(key, "SUB"), 0);
 }
 
-TEST_F(Registry, OddPathsAndHandlesAnswerTheirCodes) {
-    HKEY closed = nullptr, result = key;
+TEST_F(Registry, OddPathsAnswerTheirCodes) {
     create(key, "A\\B\\C");
-    create(key, "A", &closed);
-    for (const LSTATUS expected : {0, 6}) EXPECT_EQ(RegCloseKey(closed), expected);
-    const auto answer = [&](const std::string& call, const auto& cells) {
-        return std::to_string(call == "open"     ? open(key, cells[0])
-                              : call == "create" ? create(key, cells[0])
-                                                 : RegDeleteKeyA(key, cells[0].c_str()));
+    const struct {
+        LSTATUS (*call)(HKEY, const std::string&);
+        std::string path;
+        LSTATUS expected;
+    } steps[] = {
+        {open, "a\\\\b\\c\\\\", 0},  // of `\`, only the one in front counts
+        {open, "\\A", 161},         {open, "None\\C", 2},  {open, "A/B", 2},      {open, "..", 2},
+        {create, "\\A", 161},       {erase, "\\A", 161},   {erase, "None\\C", 2}, {erase, "A\\B", 5},
+        {erase, "A\\B\\C", 0},      {erase, "A\\B\\C", 2}, {erase, "A\\B\\", 0},
     };
-    expectAnswers(R"(
-open:A\B\C|0;a\\b\c\\|0;None|2;None\C|2;A/B|2;..|2;\A|161;|0
-create:\A|161
-delete:A\B|5;A\B\C|0;A\B\C|2;\A|161;A\B\|0;A|0)",
-                  answer);
+    for (const auto& step : steps) EXPECT_EQ(step.call(key, step.path), step.expected) << step.path;
     EXPECT_EQ(RegDeleteKeyA(key, nullptr), 87);
+    EXPECT_EQ(erase(HKEY_CURRENT_USER, ""), 5);
+    EXPECT_EQ(erase(key, "A"), 0);
+}
+
+TEST_F(Registry, AHandleThatIsNotOpenIsRefusedAndARootStaysOpen) {
+    HKEY closed = nullptr;
+    make(key, "", closed);
+    for (const LSTATUS expected : {0, 6}) EXPECT_EQ(RegCloseKey(closed), expected);
     for (const HKEY wrong : {closed, reinterpret_cast<HKEY>(std::uintptr_t{0x1234}), HKEY{}})
-        EXPECT_TRUE(open(wrong, "B") == 6 && RegCloseKey(wrong) == 6);
-    RegOpenKeyExA(key, "None", 0, KEY_ALL_ACCESS, &result);
-    EXPECT_TRUE(result == nullptr && RegDeleteKeyA(HKEY_CURRENT_USER, "") == 5);
-    EXPECT_TRUE(RegCloseKey(HKEY_CURRENT_USER) == 0 && RegFlushKey(key) == 0);
+        EXPECT_EQ(open(wrong, ""), 6);
+    EXPECT_EQ(RegCloseKey(HKEY_CURRENT_USER), 0);
+    EXPECT_EQ(open(HKEY_CURRENT_USER, home), 0);
 }
 
 TEST_F(Registry, ValuesKeepTheirBytesAndType) {
@@ -110,70 +130,92 @@ TEST_F(Registry, ValuesKeepTheirBytesAndType) {
     std::iota(large.begin(), large.end(), '\0');
     for (const DWORD type : {DWORD{REG_NONE}, DWORD{REG_DWORD}, DWORD{77}}) {
         for (const std::string& bytes : {""s, "ab"s, large}) {
-            DWORD told = 99, size = 0;
-            EXPECT_TRUE(set("Azimuth", bytes, type) == 0 && get("aZIMUTH") == bytes);
-            RegQueryValueExA(key, "Azimuth", nullptr, &told, nullptr, &size);
-            EXPECT_TRUE(told == type && size == bytes.size());
+            DWORD storedType = 99;
+            EXPECT_EQ(set("Azimuth", bytes, type), 0);
+            EXPECT_EQ(get("aZIMUTH"), bytes);
+            RegQueryValueExA(key, "Azimuth", nullptr, &storedType, nullptr, nullptr);
+            EXPECT_EQ(storedType, type);
         }
     }
+    EXPECT_EQ(RegSetValueExA(key, "v", 0, REG_BINARY, nullptr, 5), 998);
+    EXPECT_EQ(set("Large", large + 'x'), onWindows ? 0 : 87);
     EXPECT_EQ(set("", "default"), 0);
+    EXPECT_EQ(get(""), "default");
     for (const LSTATUS expected : {0, 2}) EXPECT_EQ(RegDeleteValueA(key, nullptr), expected);
     EXPECT_EQ(get(""), "error 2");
-    EXPECT_EQ(RegSetValueExA(key, "v", 0, REG_BINARY, nullptr, 5), 998);
-    EXPECT_TRUE(onWindows || set("Large", large + 'x') == 87);
 }
 
-// A name and the room for its value; what is answered: code, type, size and buffer.
-TEST_F(Registry, BuffersThatAreTooSmallStayAndTellTheSize) {
+TEST_F(Registry, BuffersThatAreTooSmallStayAndTheSizeIsAnswered) {
     RegSetValueExA(key, "t", 0, REG_SZ, reinterpret_cast<const BYTE*>("abcX"), 3);  // no NUL behind it
-    expectAnswers("value:t|2|234 1 3 ####;t|3|0 1 3 abc#;t|4|0 1 3 abc;none|4|2 0 4 ####", [&](auto&,
-                                                                                               auto& cells) {
-        char buffer[] = "####";
-        DWORD type = 99, room = static_cast<DWORD>(std::stoi(cells[1]));
-        auto* const bytes = reinterpret_cast<BYTE*>(buffer);
-        const LSTATUS code = RegQueryValueExA(key, cells[0].c_str(), nullptr, &type, bytes, &room);
+    const struct {
+        const char* name;
+        DWORD room;
+        LSTATUS code;
+        DWORD type, size;
+        std::string buffer;
+    } cases[] = {
+        {"t", 2, 234, 1, 3, "####"},
+        {"t", 3, 0, 1, 3, "abc#"},
+        {"t", 4, 0, 1, 3, "abc\0"s},
+        {"none", 4, 2, 0, 4, "####"},
+    };
+    for (const auto& each : cases) {
+        std::string buffer = "####";
+        auto* const bytes = reinterpret_cast<BYTE*>(buffer.data());
+        DWORD type = 99, size = each.room;
+        EXPECT_EQ(RegQueryValueExA(key, each.name, nullptr, &type, bytes, &size), each.code) << each.room;
+        EXPECT_EQ(type, each.type) << each.room;
+        EXPECT_EQ(size, each.size) << each.room;
+        EXPECT_EQ(buffer, each.buffer) << each.room;
         EXPECT_EQ(RegQueryValueExA(key, "t", nullptr, nullptr, bytes, nullptr), 87);
-        return std::to_string(code) + " " + std::to_string(type) + " " + std::to_string(room) + " " + buffer;
-    });
+    }
 }
 
 TEST_F(Registry, KeysAreCountedAndListedInTheOrderOfTheirFoldedNames) {
-    std::vector<std::string> expected;
+    Names expected;
     for (int i = 10; i < 50; ++i) expected.push_back((i % 2 == 0 ? "n" : "N") + std::to_string(i));
     for (auto each = expected.rbegin(); each != expected.rend(); ++each) create(key, *each);
     set("a", "12345");
     set("long name", "");
     EXPECT_EQ(keysOf(key), expected);
     char small[3];
-    EXPECT_TRUE(RegEnumKeyA(key, 0, small, 3) == 234 && RegEnumKeyA(key, 40, small, 3) == 259);
-    DWORD keys = 0, longest = 0, values = 0, name = 0, size = 0;
-    RegQueryInfoKeyA(key, nullptr, nullptr, nullptr, &keys, &longest, nullptr, &values, &name, &size, nullptr,
-                     nullptr);
-    EXPECT_EQ((std::vector<DWORD>{keys, longest, values, name, size}), (std::vector<DWORD>{40, 3, 2, 9, 5}));
+    EXPECT_EQ(RegEnumKeyA(key, 0, small, sizeof small), 234);
+    EXPECT_EQ(RegEnumKeyA(key, 40, small, sizeof small), 259);
+    std::array<DWORD, 5> counts{};
+    RegQueryInfoKeyA(key, nullptr, nullptr, nullptr, &counts[0], &counts[1], nullptr, &counts[2], &counts[3],
+                     &counts[4], nullptr, nullptr);
+    EXPECT_EQ(counts, (std::array<DWORD, 5>{40, 3, 2, 9, 5})) << "keys, longest; values, longest, largest";
     for (const std::string& each : expected) {
         EXPECT_EQ(keysOf(key).front(), each) << "a stale list";
-        EXPECT_EQ(RegDeleteKeyA(key, each.c_str()), 0);
+        EXPECT_EQ(erase(key, each), 0);
     }
 }
 
 TEST_F(Registry, AHandleOfADeletedKeyStaysDeletedWhenItsNameIsUsedAgain) {
     HKEY handle = nullptr;
-    create(key, "Gone", &handle);
-    RegDeleteKeyA(key, "Gone");
+    make(key, "Gone", handle);
+    EXPECT_EQ(erase(key, "Gone"), 0);
     for (int round = 0; round < 2; ++round) {
         char name[9];
-        for (const LSTATUS code :
-             {open(handle, ""), open(handle, "x"), RegDeleteKeyA(handle, "x"), RegDeleteKeyA(handle, ""),
-              create(handle, "x"), RegEnumKeyA(handle, 0, name, sizeof name),
-              RegSetValueExA(handle, "x", 0, REG_BINARY, nullptr, 0),
-              RegQueryValueExA(handle, "x", nullptr, nullptr, nullptr, nullptr), RegDeleteValueA(handle, "x"),
-              RegFlushKey(handle)})
-            EXPECT_EQ(code, 1018);
-        create(key, "Gone");
+        const std::pair<const char*, LSTATUS> answers[] = {
+            {"open", open(handle, "")},
+            {"open below", open(handle, "x")},
+            {"create", create(handle, "x")},
+            {"delete", erase(handle, "")},
+            {"delete below", erase(handle, "x")},
+            {"list", RegEnumKeyA(handle, 0, name, sizeof name)},
+            {"set", RegSetValueExA(handle, "x", 0, REG_BINARY, nullptr, 0)},
+            {"get", RegQueryValueExA(handle, "x", nullptr, nullptr, nullptr, nullptr)},
+            {"delete a value", RegDeleteValueA(handle, "x")},
+            {"flush", RegFlushKey(handle)},
+        };
+        for (const auto& [call, code] : answers) EXPECT_EQ(code, 1018) << call;
+        EXPECT_EQ(create(key, "Gone"), 0);
     }
     EXPECT_EQ(RegCloseKey(handle), 0);
-    create(key, "Gone", &handle);
-    EXPECT_EQ(RegDeleteKeyA(handle, "") + RegCloseKey(handle), 0);
+    make(key, "Gone", handle);
+    EXPECT_EQ(erase(handle, ""), 0);
+    EXPECT_EQ(RegCloseKey(handle), 0);
     EXPECT_EQ(open(key, "Gone"), 2);
 }
 
@@ -185,28 +227,41 @@ TEST_F(Registry, NoNameLeavesTheFolderOrMeetsAnother) {
         if (i != '\\' && (i < 'a' || i > 'z')) names.emplace(1, static_cast<char>(i));
     for (const char end : {'a', 'b', '\xE9', '\xC9', '/'})
         for (const char front : {'x', '/'}) names.insert(std::string(254, front) + end);
-    for (const std::string& name : names) EXPECT_EQ(set(name, name) + create(key, name), 0);
+    for (const std::string& name : names) {
+        EXPECT_EQ(set(name, name), 0) << name;
+        EXPECT_EQ(create(key, name), 0) << name;
+    }
     for (const std::string& name : names) EXPECT_EQ(get(name), name);
-    const std::vector<std::string> listed = keysOf(key);
+    const Names listed = keysOf(key);
     EXPECT_EQ(std::set<std::string>(listed.begin(), listed.end()), names);
     const std::string longest(16382, '\x7F');
     for (const char* end : {"A", "b", "\\"}) EXPECT_EQ(set(longest + end, end), 0);
     EXPECT_EQ(get(longest + 'a'), "A");
-    EXPECT_TRUE(set(longest + "cd", "") == 87 && create(key, longest) == 87);
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
-        const std::string file = entry.path().filename();
-        EXPECT_TRUE(file == "key" || file[1] == '-') << file;
+    EXPECT_EQ(set(longest + "cd", ""), 87);
+    for (const std::size_t length :
+         {200U, 201U}) {  // from there on only the first 100 are in the file's name
+        const std::string plain(length, 'l');
+        EXPECT_EQ(set(plain, plain), 0);
+        EXPECT_EQ(fs::exists(folder / ("v-" + plain)), length == 200);
     }
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(data.path()), {}), 1);
+    EXPECT_EQ(create(key, longest), 87);
+    for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+        const std::string file = entry.path().filename();
+        EXPECT_EQ(file[1], file == "key" ? 'e' : '-') << file;
+    }
+    EXPECT_EQ(std::distance(fs::directory_iterator(data.path()), {}), 1);
 }
 
-TEST_F(Registry, DamagedAndForeignFilesMakeACallFail) {
+// Every file that is cut anywhere, has a wrong bit, or is too long.
+TEST_F(Registry, ADamagedFileIsRefused) {
     set("v", "value", REG_SZ);
     create(key, "sub");
-    for (const bool isKey : {false, true}) {
-        const std::string file = folder / (isKey ? "k-sub/key" : "v-v");
+    const std::pair<fs::path, std::function<bool()>> files[] = {
+        {folder / "v-v", [&] { return get("v") == "error 1015"; }},
+        {folder / "k-sub/key", [&] { return open(key, "sub") == 1015; }},
+    };
+    for (const auto& [file, refused] : files) {
         const std::string good = contentOf(file);
-        const auto refused = [&] { return isKey ? open(key, "sub") == 1015 : get("v") == "error 1015"; };
         for (std::size_t i = 0; i < good.size(); ++i) {
             std::string flipped = good;
             flipped[i] ^= 0x10;
@@ -216,23 +271,81 @@ TEST_F(Registry, DamagedAndForeignFilesMakeACallFail) {
                 EXPECT_TRUE(refused()) << i << ' ' << bytes.size();
             }
         }
-        std::filesystem::remove(file);
+        fs::remove(file);
         ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
-        EXPECT_TRUE(refused());
-        std::filesystem::remove(file);
+        EXPECT_TRUE(refused()) << "a pipe";
+        fs::remove(file);
         fill(data.file("elsewhere"), good);
-        std::filesystem::create_symlink(data.file("elsewhere"), file);
-        EXPECT_TRUE(refused());
+        fs::create_symlink(data.file("elsewhere"), file);
+        EXPECT_TRUE(refused()) << "a link";
     }
     EXPECT_EQ(set("v", "healed"), 0);
-    std::filesystem::create_directory_symlink(data.path(), folder / "k-link");
-    EXPECT_EQ(open(key, "link"), 1015);
-    char name[9];
-    EXPECT_EQ(RegEnumKeyA(key, 0, name, 9), 1015);
-    std::filesystem::create_directory(folder / "k-empty");
-    EXPECT_EQ(open(key, "empty"), 2) << "a folder without a record is no key";
-    fill(folder / "notes.txt", "someone's own");
-    EXPECT_TRUE(RegDeleteKeyA(HKEY_CURRENT_USER, home) == 5 && get("v") == "healed");
+    EXPECT_EQ(get("v"), "healed");
+}
+
+fs::path cleared(const fs::path& entry) {
+    fs::remove_all(entry);
+    return entry;
+}
+
+// What may be in the place of a key; a damaged key is listed by the name that its folder's name spells.
+TEST_F(Registry, ADamagedOrForeignEntryHidesNoKeyAndCanBeDeleted) {
+    const struct {
+        const char* what;
+        void (*putAt)(const fs::path& entry);  // which has no record
+        bool isListed;
+        LSTATUS opened, created;
+    } cases[] = {
+        {"an empty record", [](auto& entry) { fill(entry / "key", ""); }, true, 1015, 1015},
+        {"a folder as record", [](auto& entry) { fs::create_directories(entry / "key/x"); }, true, 1015,
+         1015},
+        {"another's record", [](auto& entry) { fs::copy(entry / "../key", entry / "key"); }, true, 1015,
+         1015},
+        {"no record", [](auto&) {}, false, 2, 0},
+        {"a file", [](auto& entry) { fill(cleared(entry), ""); }, false, 2, 0},
+        {"a link", [](auto& entry) { fs::create_symlink(".", cleared(entry)); }, false, 2, 0},
+    };
+    for (const std::string& name : {"Sub"s, std::string(250, 'N')}) {
+        for (const auto& each : cases) {
+            create(key, name + "\\below");
+            fs::path entry;
+            for (const auto& found : fs::directory_iterator(folder))
+                if (found.is_directory()) entry = found.path();
+            fill(entry / "v-v", "");
+            fs::remove(entry / "key");
+            each.putAt(entry);
+            create(key, "Z");
+            const Names listed = keysOf(key);
+            EXPECT_EQ(listed.size(), each.isListed ? 2U : 1U) << each.what;
+            EXPECT_EQ(listed.back(), "Z") << each.what;
+            const std::string reached = each.isListed ? listed.front() : name;
+            EXPECT_EQ(open(key, reached), each.opened) << each.what;
+            EXPECT_EQ(create(key, reached), each.created) << each.what;
+            EXPECT_EQ(fs::exists(entry / "v-v"), each.created != 0) << each.what << ": its values";
+            EXPECT_EQ(erase(key, reached), 0) << each.what;
+            EXPECT_EQ(keysOf(key), Names{"Z"}) << each.what;
+            EXPECT_FALSE(fs::exists(entry)) << each.what;
+            erase(key, "Z");
+        }
+    }
+}
+
+// Also below what is no key, to any depth, and without following a link.
+TEST_F(Registry, AKeyIsDeletedWithAllThatIsInItsFolder) {
+    std::string deep = "k-top/";
+    for (int depth = 0; depth < 500; ++depth) deep += "k-d/";
+    create(key, "Top");
+    fs::create_directories(folder / deep / "key");
+    fs::create_directories(folder / "k-top/k-c (copy)");
+    fill(folder / "k-top/k-c (copy)/key", "");
+    fill(folder / "k-top/v-v", "");
+    fill(data.file("notes.txt"), "someone's own");
+    fs::create_directory_symlink(data.path(), folder / "k-top/k-link");
+    const FewDescriptors few(64);
+    EXPECT_EQ(erase(key, "Top"), 0);
+    EXPECT_FALSE(fs::exists(folder / "k-top"));
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 1) << "the record of the key above";
+    EXPECT_EQ(contentOf(data.file("notes.txt")), "someone's own");
 }
 
 TEST_F(Registry, AProcessKilledAtAnySystemCallLeavesWholeValuesAndKeys) {
@@ -243,19 +356,38 @@ TEST_F(Registry, AProcessKilledAtAnySystemCallLeavesWholeValuesAndKeys) {
         set("v", "old");
         killed = killedAtStop(stops, [&] {
             set("v", large);
-            RegDeleteKeyA(key, "sub");
+            erase(key, "sub");
             create(key, "new");
         });
         const std::string value = get("v");
-        EXPECT_TRUE(value == "old" || value == large) << stops;
+        EXPECT_EQ(value, value == "old" ? "old" : large) << stops;
         for (const char* name : {"sub", "new"}) {
-            EXPECT_EQ(open(key, name) & ~2, 0) << stops;
-            EXPECT_TRUE(create(key, name) == 0 && RegDeleteKeyA(key, name) == 0) << stops;
+            EXPECT_EQ(create(key, name), 0) << stops;
+            EXPECT_EQ(erase(key, name), 0) << stops;
         }
-        EXPECT_TRUE(keysOf(key).empty() && set("v", "again") == 0) << stops;
-        EXPECT_FALSE(std::filesystem::exists(folder / ".new"));
+        EXPECT_EQ(keysOf(key), Names{}) << stops;
+        EXPECT_EQ(set("v", "again"), 0) << stops;
+        EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 2) << stops << ": the record and v";
     }
     EXPECT_GT(stops, 60);
+}
+
+TEST_F(Registry, AKeyIsMadeAlsoWhenAnotherProcessDeletesOneOnTheWayToIt) {
+    int stops = 0, deleted = 0;
+    for (bool stopped = true; stopped; ++stops) {
+        create(key, "middle");
+        stopped = atStop(
+            stops, [&] { EXPECT_EQ(create(key, "middle\\sub"), 0); },
+            [&](pid_t child) {
+                const bool isLocked = fs::exists(folder / ".new") || fs::exists(folder / "k-middle/.new");
+                if (!isLocked && erase(key, "middle") == 0) ++deleted;
+                ::ptrace(PTRACE_DETACH, child, nullptr, nullptr);
+                EXPECT_EQ(waitFor(child), 0) << stops;
+            });
+        EXPECT_EQ(erase(key, "middle\\sub"), 0) << stops;
+        EXPECT_EQ(erase(key, "middle"), 0) << stops;
+    }
+    EXPECT_GT(deleted, 10);
 }
 
 TEST_F(Registry, TwoWritersLoseNothingAndAReaderSeesNoHalf) {
@@ -263,7 +395,9 @@ TEST_F(Registry, TwoWritersLoseNothingAndAReaderSeesNoHalf) {
     set("shared", large("0"));
     tarntest::twoWritersAndAReader(
         [&](const std::string& name, const std::string& round) {
-            EXPECT_TRUE(set(name, round) == 0 && get(name) == round && set("shared", large(round)) == 0);
+            EXPECT_EQ(set(name, round), 0);
+            EXPECT_EQ(get(name), round);
+            EXPECT_EQ(set("shared", large(round)), 0);
         },
         [&](const std::string& name) {
             const std::string shared = get("shared"), own = get(name);
@@ -276,15 +410,22 @@ TEST_F(Registry, RootsAreThereWithoutAFolder) {
     setEnvironment("XDG_DATA_HOME", data.file("none").c_str());
     HKEY root = nullptr;
     EXPECT_EQ(RegOpenKeyExA(HKEY_USERS, "", 0, KEY_ALL_ACCESS, &root), 0);
-    for (const HKEY each : {HKEY_USERS, root})
-        EXPECT_TRUE(open(each, "x") == 2 && keysOf(each).empty() && RegFlushKey(each) == 0);
-    EXPECT_FALSE(std::filesystem::exists(data.file("none")));
-    create(root, "x");
-    EXPECT_EQ(open(HKEY_USERS, "X") + RegCloseKey(root), 0);
+    for (const HKEY each : {HKEY_USERS, root}) {
+        EXPECT_EQ(open(each, "x"), 2);
+        EXPECT_EQ(keysOf(each), Names{});
+        EXPECT_EQ(RegFlushKey(each), 0);
+    }
+    EXPECT_FALSE(fs::exists(data.file("none")));
+    EXPECT_EQ(create(root, "x"), 0);
+    EXPECT_EQ(open(HKEY_USERS, "X"), 0);
+    EXPECT_EQ(RegSetValueExA(root, "v", 0, REG_BINARY, nullptr, 0), 0);
+    EXPECT_EQ(RegQueryValueExA(HKEY_USERS, "V", nullptr, nullptr, nullptr, nullptr), 0);
+    EXPECT_TRUE(fs::exists(data.file("none/tarnutil/registry/HKEY_USERS/v-v")));
+    EXPECT_EQ(RegCloseKey(root), 0);
     setEnvironment("XDG_DATA_HOME", "relative");  // doesn't count
     setEnvironment("HOME", data.file("home").c_str());
-    create(HKEY_USERS, "x");
-    EXPECT_TRUE(std::filesystem::exists(data.file("home/.local/share/tarnutil/registry/HKEY_USERS/k-x/key")));
+    EXPECT_EQ(create(HKEY_USERS, "x"), 0);
+    EXPECT_TRUE(fs::exists(data.file("home/.local/share/tarnutil/registry/HKEY_USERS/k-x/key")));
     setEnvironment("HOME", nullptr);
     EXPECT_EQ(open(HKEY_USERS, "x"), 3);
 }

@@ -1,0 +1,116 @@
+// Registry keys of a program: store/registry.cpp.
+
+#include "store/settings.h"
+
+#include "tests/support.h"
+
+using namespace std::string_literals;
+using namespace tarntest;
+
+namespace {
+
+struct RegistryObject : testing::Test {
+    TemporaryFolder data{inMemory};
+    const std::string home = "Software\\tarnutil-store";
+    tarnRegistry registry{HKEY_CURRENT_USER};
+
+    RegistryObject() {
+        setEnvironment("XDG_DATA_HOME", data.path().string().c_str());
+        EXPECT_EQ(registry.openKey(home.c_str(), 1), 1);
+    }
+    ~RegistryObject() override {
+        registry.closeKey();
+        registry.deleteSubKeyTree(home.c_str());
+        RegDeleteKeyA(HKEY_CURRENT_USER, home.c_str());
+        setEnvironment("XDG_DATA_HOME", nullptr);
+    }
+};
+
+TEST_F(RegistryObject, TextsNumbersAndBlocksAreStoredUnderTheirTypes) {
+    EXPECT_EQ(registry.set("number", 0x01020304), 1);
+    EXPECT_EQ(registry.set("text", "", 0), 1);
+    EXPECT_EQ(registry.set("list", "a\0b\0", 5), 1);
+    EXPECT_EQ(registry.setBinary("block", "\0\xFF", 2), 1);
+    const struct {
+        const char* name;
+        DWORD type;
+        std::string bytes;
+    } values[] = {
+        {"number", REG_DWORD, "\4\3\2\1"},
+        {"text", REG_SZ, "\0"s},
+        {"list", REG_MULTI_SZ, "a\0b\0\0"s},
+        {"block", REG_BINARY, "\0\xFF"s},
+    };
+    HKEY key = nullptr;
+    RegOpenKeyExA(HKEY_CURRENT_USER, home.c_str(), 0, KEY_ALL_ACCESS, &key);
+    for (const auto& value : values) {
+        DWORD type = 0, size = 0;
+        RegQueryValueExA(key, value.name, nullptr, &type, nullptr, &size);
+        EXPECT_EQ(type, value.type) << value.name;
+        std::string buffer(size, '#');
+        EXPECT_EQ(registry.get(value.name, buffer.data(), size), 1) << value.name;
+        EXPECT_EQ(buffer, value.bytes);
+        EXPECT_EQ(registry.getBinary(value.name, buffer.data(), size - 1), 0) << value.name;
+    }
+    RegCloseKey(key);
+    std::uint32_t number = 7;
+    EXPECT_EQ(registry.get("number", number), 1);
+    EXPECT_EQ(number, 0x01020304U);
+    EXPECT_EQ(registry.flushKey(), 1);
+    for (const int expected : {1, 0}) EXPECT_EQ(registry.deleteValue("list"), expected);
+}
+
+TEST_F(RegistryObject, AfterAFailedOpenNothingWorksAndNothingCrashes) {
+    tarnRegistry other(HKEY_CURRENT_USER);
+    std::uint32_t number = 7;
+    const std::pair<const char*, int> answers[] = {
+        {"openKey", other.openKey("Software\\tarnutil-none", 0)},
+        {"set a number", other.set("n", 1)},
+        {"get a number", other.get("n", number)},
+        {"deleteSubKey", other.deleteSubKey("x")},
+        {"flushKey", other.flushKey()},
+        {"closeKey", other.closeKey()},
+        {"set NULL", registry.set("n", nullptr, 0)},
+        {"set a block of NULL", registry.setBinary("n", nullptr, 4)},
+        {"get into NULL", registry.get("n", nullptr, 4)},
+        {"deleteSubKey of NULL", registry.deleteSubKey(nullptr)},
+        {"deleteSubKeyTree of NULL", registry.deleteSubKeyTree(nullptr)},
+        {"openKey of NULL", registry.openKey(nullptr, 1)},
+    };
+    for (const auto& [call, answer] : answers) EXPECT_EQ(answer, 0) << call;
+    EXPECT_EQ(number, 7U);
+    EXPECT_EQ(registry.set("n", 1), 1) << "a NULL name must not forget the open key";
+}
+
+TEST_F(RegistryObject, ATreeOfManyKeysIsDeletedAndItsTopKeepsItsValues) {
+    const std::string name = home + "\\top";
+    tarnRegistry top(HKEY_CURRENT_USER);
+    for (int i = 1; i <= 40; ++i) {
+        const std::string below = "\\k" + std::to_string(i) + (i % 10 == 0 ? "\\a\\b" : "");
+        EXPECT_EQ(top.openKey((name + below).c_str(), 1), 1) << below;
+        EXPECT_EQ(top.closeKey(), 1);
+    }
+    top.openKey(name.c_str(), 0);
+    EXPECT_EQ(top.set("v", 5), 1);
+    EXPECT_EQ(registry.deleteSubKey("top"), 0);
+    for (int round = 0; round < 2; ++round) EXPECT_EQ(registry.deleteSubKeyTree(name.c_str()), 1);
+    std::uint32_t number = 0;
+    EXPECT_EQ(top.get("v", number), 1);
+    EXPECT_EQ(top.deleteSubKey("k1"), 0);
+    EXPECT_EQ(registry.deleteSubKey("top"), 1);
+    EXPECT_EQ(registry.deleteSubKeyTree(name.c_str()), 0);
+}
+
+TEST_F(RegistryObject, KeysAre512DeepAtMostAndTheWholeDepthIsDeleted) {
+    if (onWindows) GTEST_SKIP() << "the system's own limit on one path is lower";
+    std::string name = home;
+    for (int depth = 2; depth < 512; ++depth) name += "\\d";
+    tarnRegistry deep(HKEY_CURRENT_USER);
+    EXPECT_EQ(deep.openKey((name + "\\d").c_str(), 1), 0);
+    EXPECT_EQ(deep.openKey(name.c_str(), 1), 1);
+    EXPECT_EQ(deep.closeKey(), 1);
+    EXPECT_EQ(deep.deleteSubKeyTree(home.c_str()), 1);
+    EXPECT_EQ(deep.openKey((home + "\\d").c_str(), 0), 0);
+}
+
+}  // namespace
