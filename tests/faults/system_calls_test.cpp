@@ -1,5 +1,6 @@
 // System calls that fail, are interrupted or do a part of their work, under everything that reads or writes a
-// file: platform/files/operations.cpp, file_sharing.cpp, atomic_file.cpp, profile_files.cpp and registry_store.cpp.
+// file: platform/files/operations.cpp, platform/files/sharing.cpp, platform/files/replacement.cpp,
+// platform/profile/operations.cpp and platform/registry/store.cpp.
 
 #include <fcntl.h>
 #include <sched.h>
@@ -85,12 +86,14 @@ struct SystemCalls : tarntest::Families {
 
     // What saves in one file: a failure leaves its old content, or what was written until then.
     struct Saver {
-        std::string name, path;
+        std::string name;
+        std::string path;
         std::function<int()> save;
         bool keeps;
     };
-    const std::string whole = folder.file("whole"), rows = folder.file("record"),
-                      records = folder.file("set");
+    const std::string whole = folder.file("whole");
+    const std::string rows = folder.file("record");
+    const std::string records = folder.file("set");
     const std::vector<Saver> savers{
         {"whole", whole, [this] { return writeFile(whole.c_str(), "twenty-four bytes of text", 24); }, false},
         {"record", rows, [this] { return record.saveData(rows.c_str()); }, false},
@@ -103,7 +106,7 @@ struct SystemCalls : tarntest::Families {
     SystemCalls() {
         ini.setIniFileDirectory(folder.path().c_str());
         registry.openKey("client", 1);
-        const auto price = tarntest::textValue("21.5");
+        const auto price = tarntest::text("21.5");
         for (std::int32_t row = 0; row < 3; ++row) record.storeMultiData(336, row, &price, 0);
         set.addIndexRecord(7, 0, 2);
         set.addDataRecord(7, 0, 1, "value");
@@ -140,7 +143,7 @@ TEST_F(SystemCalls, AnyThatFailsLeavesNothingOpenAndTheNextRoundWorks) {
     EXPECT_EQ(tarn::openHandles(), handles);
 }
 
-TEST_F(SystemCalls, AWriteThatFailsAtAnyByteIsTold) {
+TEST_F(SystemCalls, AWriteThatFailsAtAnyByteIsReported) {
     for (const Saver& saver : savers) {
         calls.limited = true;
         calls.room = 100000;
@@ -183,7 +186,7 @@ TEST_F(SystemCalls, EachCallThatFailsLeavesTheOldContentOrTheNew) {
 }
 
 // A real disk without room: a small file system of the child's own.
-TEST_F(SystemCalls, AFullDiskIsToldAndHealsWithRoom) {
+TEST_F(SystemCalls, AFullDiskIsReportedAndHealsWithRoom) {
     constexpr int noFileSystem = 77;
     const std::string place = folder.path().string();
     const auto onlyTo = [](auto own) { return std::to_string(own) + ' ' + std::to_string(own) + " 1"; };
