@@ -87,10 +87,11 @@ DWORD Replacement::begin(int folder, const std::string& temporary, unsigned perm
         struct stat opened {};
         struct stat named {};
         if (::fstat(file.number(), &opened) != 0) return fromErrno(errno);
-        if (::fstatat(folder, temporary.c_str(), &named, AT_SYMLINK_NOFOLLOW) != 0 ||
-            !isSameFile(opened, named)) {
+        if (::fstatat(folder, temporary.c_str(), &named, AT_SYMLINK_NOFOLLOW) != 0) {
+            if (errno != ENOENT) return fromErrno(errno);
             continue;
         }
+        if (!isSameFile(opened, named)) continue;
         if (!S_ISREG(opened.st_mode)) return ERROR_ACCESS_DENIED;
         if (opened.st_nlink != 1 || opened.st_uid != ::geteuid()) {  // another's, under our name
             if (::unlinkat(folder, temporary.c_str(), 0) != 0) return fromErrno(errno);

@@ -87,7 +87,8 @@ inline std::string record(int n) {
     const std::string file = familyFile("record", n);
     if (clone.saveData(file.c_str()) != 1 || loaded.loadData(file.c_str(), loadReplace) != 1 ||
         rows.loadData(familyFile("rows", n).c_str(), loadInsert) != 1 ||
-        rows.loadData(file.c_str(), loadInsert) != 1)
+        rows.loadData(file.c_str(), loadInsert) != 1 ||
+        readable(loaded.root) != readable(clone.root))  // a read that fails gives an empty record
         return reported;
     rows.setRootData(Owned(loaded.root).release());
     return readable(rows.root) + allShown(rows.numMulti);
@@ -110,7 +111,9 @@ inline std::string files(int n) {
     translateFile(1, scrambled.c_str(), scrambled.c_str());
     std::int32_t size = 0;
     const Text back(readFile(scrambled.c_str(), size));
-    return back == nullptr ? reported : std::string(content) + back.get();
+    // translateFile answers nothing, so its failure shows in the file alone.
+    if (back == nullptr || std::string(longText, 48) != back.get()) return reported;
+    return std::string(content) + back.get();
 }
 
 inline std::string bytes(int n) {
@@ -130,11 +133,13 @@ inline std::string settings(int n) {
     const std::uint32_t value = ++last;
     const std::string name = "a name of some length " + std::to_string(n);
     const std::string key = "Software\\" + name;
+    tarnRegistry parent(HKEY_CURRENT_USER);
     tarnRegistry registry(HKEY_CURRENT_USER);
     std::uint32_t fromRegistry = 0;
     if (registry.openKey(key.c_str(), 1) != 1 || registry.set(name.c_str(), value) != 1 ||
         registry.get(name.c_str(), fromRegistry) != 1 || registry.flushKey() != 1 ||
-        registry.deleteSubKeyTree(key.c_str()) != 1)
+        registry.deleteSubKeyTree(key.c_str()) != 1 || parent.openKey("Software", 0) != 1 ||
+        parent.deleteSubKey(name.c_str()) != 1)
         return reported;
     tarnIniFile ini(longText);
     ini.setIniFileDirectory(familyFolder->path().string().c_str());
