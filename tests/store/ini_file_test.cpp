@@ -95,8 +95,13 @@ TEST_F(IniFile, ABlockComesBackInPartOrWithoutItsDefault) {
     EXPECT_EQ(buffer, "default");
     EXPECT_EQ(ini->readIniStruct("s", "k", "another", buffer.data(), -1), 0);
     EXPECT_EQ(ini->readIniStruct("s", "k", "another", nullptr, 7), 0);
-    EXPECT_EQ(ini->writeIniStruct("s", "k", block.data(), -1), 0);
     EXPECT_EQ(buffer, "default");
+    EXPECT_EQ(ini->writeIniStruct("s", "k", block.data(), -1), 0);
+    EXPECT_EQ(ini->readIniStruct("s", "k", "default", buffer.data(), 6), 1) << "a refused block was stored";
+    // Former faults
+    EXPECT_EQ(ini->writeIniStruct("s", "k", block.data(), 0), 1);
+    EXPECT_EQ(ini->readIniStruct("s", "k", "default", buffer.data(), 6), 0);
+    EXPECT_EQ(ini->readIniStruct("s", "k", "default", buffer.data(), 0), 1);
 }
 
 }  // namespace
