@@ -1,4 +1,5 @@
-// The clock: the system's time in whole milliseconds, or the moments that setClock holds still.
+// The clock: the system's time in whole milliseconds, or the moments at which setClock holds it.
+// Tests: tests/platform/messages_test.cpp.
 
 #include <ctime>
 

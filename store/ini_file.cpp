@@ -1,5 +1,5 @@
-// One ini file on the system's profile operations.  What is added here is the default, which the system is
-// never told, so that the result can say whether there was anything.
+// One ini file on the system's profile operations.  Defaults are kept from the system and filled in here, so
+// that the result can say whether there was a value.  Tests: tests/store/ini_file_test.cpp.
 
 #include <cstring>
 
@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr std::uint32_t missing = 0xEEEEEEEE;  // the default that the system is told for numbers
+constexpr std::uint32_t missing = 0xEEEEEEEE;  // the default that the system gets for numbers
 
 DWORD roomOf(std::int32_t size) {
     return size > 0 ? static_cast<DWORD>(size) : 0;

@@ -1,7 +1,7 @@
 #pragma once
 
-// The layer's own owner of a file descriptor, and the one place that calls again after a signal.  Programs
-// hold files by the handles of platform/win32.h.
+// The owner of a file descriptor, and the one place that calls again after a signal, for the layer itself.
+// Programs hold files by the handles of platform/win32.h.
 
 #include <unistd.h>
 

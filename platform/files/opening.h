@@ -1,8 +1,8 @@
 #pragma once
 
-// The layer's own way to open a file and learn at once what came of it; programs call CreateFileA of
-// platform/win32.h.  The last error is one word for the whole process: when it is asked for, it may be another
-// thread's.
+// Opens a file and answers the error in the same call, for the layer itself; programs call CreateFileA of
+// platform/win32.h.  The last error is one word for the whole process, so that by the time it is read it may
+// be another thread's.
 
 #include "platform/win32.h"
 

@@ -1,8 +1,7 @@
 // Files on the system's descriptors.  A handle is no pointer but a number: the descriptor, the access that
-// was asked for and a tag in one word, so that there is no table and nothing to lock, and a closed handle is
-// found out by the system (EBADF, which is ERROR_INVALID_HANDLE).
-//
-// Sharing modes are kept by platform/files/sharing.cpp.
+// was asked for and a tag in one word.  So there is no table and nothing to lock, and the system itself
+// refuses a closed handle (EBADF, which is ERROR_INVALID_HANDLE).  Sharing modes are in
+// platform/files/sharing.cpp. Tests: tests/platform/files_test.cpp.
 
 #define _FILE_OFFSET_BITS 64  // files beyond 2 GiB also in 32-bit code
 
@@ -27,9 +26,9 @@ namespace {
 
 // ------------------------------------------------------------------------------------------------- handles
 
-using tarn::reading;
+using tarn::readAccess;
 using tarn::retried;
-using tarn::writing;
+using tarn::writeAccess;
 
 constexpr ULONG_PTR fileTag = 5;  // no aligned pointer ends in it, neither do NULL and INVALID_HANDLE_VALUE
 constexpr int tagBits = 3;
@@ -50,7 +49,7 @@ OpenFile toFile(HANDLE handle) {
     const auto word = reinterpret_cast<ULONG_PTR>(handle);
     const ULONG_PTR descriptor = word >> (tagBits + accessBits);
     if ((word & ((1U << tagBits) - 1)) != fileTag || descriptor > highestDescriptor) return {-1, 0};
-    return {static_cast<int>(descriptor), static_cast<DWORD>(word >> tagBits) & (reading | writing)};
+    return {static_cast<int>(descriptor), static_cast<DWORD>(word >> tagBits) & (readAccess | writeAccess)};
 }
 
 // -------------------------------------------------------------------------------------------------- errors
@@ -70,22 +69,22 @@ bool truncates(DWORD creation) {
     return creation == CREATE_ALWAYS || creation == TRUNCATE_EXISTING;
 }
 
-// A lock can only be set through a descriptor that reads, so what is to be written is opened for both where
-// the system permits.  No open waits (a fifo's would), and no child process inherits one.
+// A lock can only be set through a descriptor that reads, so a file that is to be written is opened for both
+// where the system permits it.  No open waits (a fifo's would), and no child process inherits one.
 int openDescriptor(const std::string& path, DWORD access, int flags) {
     const auto open = [&](int mode) {
         return retried(
             [&] { return ::open(path.c_str(), mode | flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, 0666); });
     };
-    if ((access & writing) == 0) return open(O_RDONLY);
+    if ((access & writeAccess) == 0) return open(O_RDONLY);
     const int descriptor = open(O_RDWR);
-    if (descriptor != -1 || errno != EACCES || (access & reading) != 0) return descriptor;
+    if (descriptor != -1 || errno != EACCES || (access & readAccess) != 0) return descriptor;
     return open(O_WRONLY);
 }
 
-// Opens or creates by the Win32 rule and tells which it was.  Another process may make or remove the file
-// between two steps, hence the second round; the last step also makes the target of a link that leads
-// nowhere.
+// Opens or creates by the Win32 rule.  Another process may make or remove the file between two steps, hence
+// the second round; the last step also makes the target of a link that leads nowhere.
+//   existed  out: whether the file was there before
 int openOrCreate(const std::string& path, DWORD access, DWORD creation, bool& existed) {
     existed = creation != CREATE_NEW;
     if (!existed) return openDescriptor(path, access, O_CREAT | O_EXCL);
@@ -100,16 +99,16 @@ int openOrCreate(const std::string& path, DWORD access, DWORD creation, bool& ex
     return -1;
 }
 
-// Makes an opened descriptor what was asked for: no folder, shared by the rule and only then cut to nothing.
-// An open that uses nothing takes no part in sharing.  Answers the Win32 code.
-DWORD settle(int descriptor, const tarn::SharingTerms& terms, bool cut) {
+// Refuses a folder, keeps the sharing modes of a file, and only then cuts it to nothing.  An open that uses
+// nothing takes no part in sharing.  Answers the Win32 code.
+DWORD shareAndTruncate(int descriptor, const tarn::SharingTerms& terms, bool truncated) {
     struct stat status {};
     if (::fstat(descriptor, &status) != 0) return tarn::fromErrno(errno);
     if (S_ISDIR(status.st_mode)) return ERROR_ACCESS_DENIED;
     if (descriptor > highestDescriptor) return ERROR_TOO_MANY_OPEN_FILES;
     if (!S_ISREG(status.st_mode)) return ERROR_SUCCESS;
     if (terms.used != 0 && !tarn::share(descriptor, terms)) return ERROR_SHARING_VIOLATION;
-    if (cut && retried([&] { return ::ftruncate(descriptor, 0); }) != 0) return tarn::fromErrno(errno);
+    if (truncated && retried([&] { return ::ftruncate(descriptor, 0); }) != 0) return tarn::fromErrno(errno);
     return ERROR_SUCCESS;
 }
 
@@ -137,7 +136,7 @@ BOOL moveBytes(DWORD bytes, DWORD* moved, Step step) {
     return result;
 }
 
-// The code for a handle that wasn't opened for what is asked of it: a closed one is told first.
+// The code for a handle that wasn't opened for what is asked of it, or is closed.
 DWORD wrongAccess(int descriptor) {
     return ::fcntl(descriptor, F_GETFD) == -1 ? ERROR_INVALID_HANDLE : ERROR_ACCESS_DENIED;
 }
@@ -147,27 +146,27 @@ DWORD wrongAccess(int descriptor) {
 DWORD tarn::openFile(const char* name, DWORD access, DWORD share, DWORD creation, HANDLE& file) {
     file = INVALID_HANDLE_VALUE;
     const DWORD asked =
-        ((access & GENERIC_READ) != 0 ? reading : 0) | ((access & GENERIC_WRITE) != 0 ? writing : 0);
+        ((access & GENERIC_READ) != 0 ? readAccess : 0) | ((access & GENERIC_WRITE) != 0 ? writeAccess : 0);
     if (creation < CREATE_NEW || creation > TRUNCATE_EXISTING ||
-        (creation == TRUNCATE_EXISTING && (asked & writing) == 0)) {
+        (creation == TRUNCATE_EXISTING && (asked & writeAccess) == 0)) {
         return ERROR_INVALID_PARAMETER;
     }
     const std::string path = tarn::systemPath(name);
     if (tarn::isReservedName(path)) return ERROR_INVALID_NAME;
 
     bool existed = false;
-    const DWORD used = truncates(creation) ? asked | writing : asked;
+    const DWORD used = truncates(creation) ? asked | writeAccess : asked;
     const int descriptor = openOrCreate(path, used, creation, existed);
     if (descriptor == -1) return tarn::fromErrno(errno, path);
-    const DWORD code = settle(descriptor, {used, asked, share}, existed && truncates(creation));
+    const DWORD code = shareAndTruncate(descriptor, {used, asked, share}, existed && truncates(creation));
     if (code != ERROR_SUCCESS) {
         ::close(descriptor);
         return code;
     }
     tarn::handleOpened();
     file = toHandle({descriptor, asked});
-    const bool tellsExisted = existed && (creation == CREATE_ALWAYS || creation == OPEN_ALWAYS);
-    return tellsExisted ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS;
+    const bool reportsExisted = existed && (creation == CREATE_ALWAYS || creation == OPEN_ALWAYS);
+    return reportsExisted ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS;
 }
 
 HANDLE CreateFileA(const char* name, DWORD access, DWORD share, SECURITY_ATTRIBUTES*, DWORD creation,
@@ -208,7 +207,7 @@ DWORD SetFilePointer(HANDLE file, LONG distance, LONG* distanceHigh, DWORD metho
         const DWORD code = errno == EINVAL && offset < 0 ? ERROR_NEGATIVE_SEEK : tarn::fromErrno(errno);
         return fail(code, INVALID_SET_FILE_POINTER);
     }
-    if (distanceHigh == nullptr && position > off_t{0xFFFFFFFF}) {  // the caller couldn't be told
+    if (distanceHigh == nullptr && position > off_t{0xFFFFFFFF}) {  // the answer has no room for it
         ::lseek(descriptor, before, SEEK_SET);
         return fail(ERROR_INVALID_PARAMETER, INVALID_SET_FILE_POINTER);
     }
@@ -221,7 +220,7 @@ DWORD SetFilePointer(HANDLE file, LONG distance, LONG* distanceHigh, DWORD metho
 BOOL ReadFile(HANDLE file, void* buffer, DWORD bytes, DWORD* bytesRead, OVERLAPPED*) {
     const OpenFile source = toFile(file);
     if (bytesRead != nullptr) *bytesRead = 0;
-    if ((source.access & reading) == 0) return fail(wrongAccess(source.descriptor), FALSE);
+    if ((source.access & readAccess) == 0) return fail(wrongAccess(source.descriptor), FALSE);
     return moveBytes(bytes, bytesRead, [&](DWORD done, DWORD count) {
         return ::read(source.descriptor, static_cast<char*>(buffer) + done, count);
     });
@@ -230,7 +229,7 @@ BOOL ReadFile(HANDLE file, void* buffer, DWORD bytes, DWORD* bytesRead, OVERLAPP
 BOOL WriteFile(HANDLE file, const void* buffer, DWORD bytes, DWORD* bytesWritten, OVERLAPPED*) {
     const OpenFile target = toFile(file);
     if (bytesWritten != nullptr) *bytesWritten = 0;
-    if ((target.access & writing) == 0) return fail(wrongAccess(target.descriptor), FALSE);
+    if ((target.access & writeAccess) == 0) return fail(wrongAccess(target.descriptor), FALSE);
     return moveBytes(bytes, bytesWritten, [&](DWORD done, DWORD count) {
         return ::write(target.descriptor, static_cast<const char*>(buffer) + done, count);
     });

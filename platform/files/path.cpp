@@ -1,4 +1,4 @@
-// Win32 file names in the system's spelling.
+// Win32 file names in the system's spelling.  Tests: tests/platform/files_test.cpp.
 
 #include "platform/files/path.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-// The layer's own reading of Win32 file names; programs hand such names to the operations of
-// platform/win32.h.
+// Win32 file names as the system spells them, for the layer itself; programs give such names to the
+// operations of platform/win32.h.
 //
 // Threads: all functions only read their arguments.
 
@@ -14,8 +14,8 @@ namespace tarn {
 // name.
 std::string systemPath(const char* name);
 
-// Answers the folder that a system path's last part stands in, `.` for a path without a folder and an empty
-// text for an empty path.
+// Answers the folder of a system path's last part, `.` for a path without a folder and an empty text for an
+// empty path.
 std::string folderOf(const std::string& path);
 
 // Answers whether the name holds a character that no Win32 file name has: one of * ? " < > |

@@ -1,6 +1,7 @@
-// Whole-file replacement.  The temporary name is the same for every writer of a file: who has opened it, has
-// locked it and then still finds it under its name is alone with the file.  A rename or an unlink takes the
-// name away from the locked file, so that everyone who waited for that lock starts again with a new one.
+// Whole-file replacement.  The temporary name is the same for every writer of a file: a writer that has
+// opened it, has locked it and then still finds it under its name is alone with the file.  A rename or an
+// unlink takes the name away from the locked file, so that everyone who waited for that lock starts again
+// with a new one.  Tests: tests/platform/profile_files_test.cpp and tests/faults/system_calls_test.cpp.
 
 #define _FILE_OFFSET_BITS 64  // files beyond 2 GiB also in 32-bit code
 
@@ -24,7 +25,7 @@ namespace {
 
 constexpr mode_t permissionBits = 0777;
 
-// Waits for the lock on the first byte, which belongs to this open file and goes with it.
+// Waits for the lock on the first byte, which belongs to this open file and ends with it.
 int lockFirstByte(int descriptor) {
     struct flock lock {};
     lock.l_type = F_WRLCK;
@@ -46,7 +47,8 @@ bool writeAll(int descriptor, std::string_view content) {
     return true;
 }
 
-// Fills a buffer from its byte `done` on, as far as the file reaches.  One call may give less than there is.
+// Fills a buffer from its byte `done` on, as far as the file reaches.  One system call may give less than
+// there is.
 bool readInto(int descriptor, std::span<char> buffer, std::size_t& done) {
     while (done < buffer.size()) {
         const auto rest = buffer.subspan(done);
@@ -85,10 +87,11 @@ DWORD Replacement::begin(int folder, const std::string& temporary, unsigned perm
         struct stat opened {};
         struct stat named {};
         if (::fstat(file.number(), &opened) != 0) return fromErrno(errno);
-        if (::fstatat(folder, temporary.c_str(), &named, AT_SYMLINK_NOFOLLOW) != 0 ||
-            !isSameFile(opened, named)) {
+        if (::fstatat(folder, temporary.c_str(), &named, AT_SYMLINK_NOFOLLOW) != 0) {
+            if (errno != ENOENT) return fromErrno(errno);
             continue;
         }
+        if (!isSameFile(opened, named)) continue;
         if (!S_ISREG(opened.st_mode)) return ERROR_ACCESS_DENIED;
         if (opened.st_nlink != 1 || opened.st_uid != ::geteuid()) {  // another's, under our name
             if (::unlinkat(folder, temporary.c_str(), 0) != 0) return fromErrno(errno);

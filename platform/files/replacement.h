@@ -1,15 +1,15 @@
 #pragma once
 
-// The layer's own replacement of whole files; programs write settings by platform/win32.h.
+// Replacement of whole files, for the layer itself; programs write settings by platform/win32.h.
 //
-// A file is replaced by writing its new content under a temporary name in the same folder and renaming that,
-// so that a crash at any moment leaves the old file or the new one, and a reader sees one of the two.  The
-// temporary file is at the same time the lock that a read, a change and the rename stand under: it goes with
-// the process that holds it, and what a dead one leaves is taken over by the next.
+// The new content is written under a temporary name in the same folder, which is then renamed.  So a crash at
+// any moment leaves the old file or the new one, and a reader sees one of the two.  The temporary file is
+// also the lock under which a writer reads, changes and renames.  The lock ends with the process that holds
+// it, and a file that a dead process left is used by the next.
 //
 //   Replacement replacement;
 //   replacement.begin(AT_FDCWD, "data/.x.new", 0666);   // waits for other writers
-//   replacement.commit("data/x", content, nullptr);     // without it the temporary file just goes
+//   replacement.commit("data/x", content, nullptr);     // without it the temporary file is removed
 //
 // Threads: one object belongs to one thread; two objects exclude each other in one process too.
 
@@ -37,9 +37,9 @@ class Replacement {
     // Takes the lock by making the temporary file, with these permissions less the process's mask.
     DWORD begin(int folder, const std::string& temporary, unsigned permissions);
 
-    // Writes the content through to the disk, renames the file, and leaves the folder to the system.  With
-    // `former` it gets the permissions and, as far as the system lets it, the owner of the file that it
-    // replaces.  The lock ends here.
+    // Writes the content through to the disk and renames the file; the folder is left to the system, see
+    // syncFolder.  With `former`, the file gets the permissions and, where the system allows it, the owner of
+    // the file that it replaces.  The lock ends here.
     DWORD commit(const std::string& target, std::string_view content, const struct stat* former);
 
   private:
@@ -51,8 +51,8 @@ class Replacement {
 // Reads a file whole, a small one without asking for its size first.
 //   flags    of open, beside reading: O_NOFOLLOW refuses a symbolic link
 //   content  out: at most `limit` bytes; untouched on failure
-// Bad input: never waits for a pipe and never reads an endless device; what is longer than `limit` answers
-// ERROR_FILE_CORRUPT, a file that another open file denies reading of ERROR_SHARING_VIOLATION.
+// Bad input: never waits for a pipe and never reads an endless device.  A file longer than `limit` answers
+// ERROR_FILE_CORRUPT, one that another open file denies reading of ERROR_SHARING_VIOLATION.
 DWORD readWhole(int folder, const std::string& name, int flags, std::size_t limit, std::string& content);
 
 // Writes through to the disk what was renamed in a folder.  Without it a crash may bring the former file

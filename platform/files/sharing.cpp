@@ -1,11 +1,11 @@
 // Sharing modes as locks that belong to the open file, not to the process (F_OFD_SETLK), so that they hold
-// inside one process as well as between processes and go with the descriptor.  Every open file holds shared
+// inside one process as well as between processes and end with the descriptor.  Every open file holds shared
 // locks on up to four bytes far beyond any content, one for each mark that it sets:
 //
 //   byte      0: reads   1: writes   2: denies reading   3: denies writing
 //
-// A new open stands against another's marks where its own, with the two halves changed round, say so: who
-// reads stands against "denies reading", who denies writing against "writes".
+// A new open is refused where its own marks, with the two halves exchanged, meet another's: one that reads
+// meets "denies reading", one that denies writing meets "writes".  Tests: tests/platform/files_test.cpp.
 
 #define _FILE_OFFSET_BITS 64  // the marks lie beyond 2 GiB also in 32-bit code
 
@@ -57,7 +57,7 @@ int enterGate(int descriptor) {
 bool share(int descriptor, const SharingTerms& terms) {
     const int gate = enterGate(descriptor);
     if (gate != 0) return gate != EWOULDBLOCK;
-    const DWORD denied = terms.access == 0 ? 0 : ~terms.shared & (reading | writing);
+    const DWORD denied = terms.access == 0 ? 0 : ~terms.shared & (readAccess | writeAccess);
     const DWORD marks = terms.access | denied << 2;
     const DWORD against = denied | terms.used << 2;
     bool free = true;

@@ -1,4 +1,4 @@
-// Marks, 16-bit units and the code page 1252.
+// Marks, 16-bit units and the code page 1252.  Tests: tests/platform/profile_text_test.cpp.
 
 #include "platform/profile/encoding.h"
 
@@ -14,8 +14,7 @@ namespace {
 constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
 constexpr std::string_view utf16Mark = "\xFF\xFE";
 
-// Code page 1252 from 80 to 9F; everywhere else a byte is its own code point.  The five holes stand for
-// themselves.
+// Code page 1252 from 80 to 9F; everywhere else a byte is its own code point, as are the five holes.
 constexpr std::uint16_t codePage1252[32] = {0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
                                             0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F,
                                             0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,

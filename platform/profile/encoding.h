@@ -1,12 +1,12 @@
 #pragma once
 
-// The layer's own reading of an ini file's bytes as text and back; programs use the profile operations of
+// The bytes of an ini file as text and back, for the layer itself; programs use the profile operations of
 // platform/win32.h.
 //
-// Most files are bytes that mean what the program takes them for.  A UTF-8 mark in front is passed over.  A
+// The bytes of most files are passed to the program as they are.  A UTF-8 mark in front is passed over.  A
 // UTF-16 file, little-endian with its mark, is worked on as bytes too, so that there is one reader: each of
-// its 16-bit units stands as one to three bytes (the way of UTF-8, surrogates one by one), which loses
-// nothing on the way back.  Its names and values meet the program in the code page 1252.
+// its 16-bit units becomes one to three bytes (as in UTF-8, surrogates one by one), and nothing is lost on
+// the way back.  The program gets its names and values in the code page 1252.
 //
 // Threads: all functions only read their arguments.
 
@@ -26,8 +26,8 @@ struct Document {
 Document decode(std::string bytes);
 std::string encode(const Document& document);
 
-// A program's name or value as it stands in a document's text, and back.  What the code page lacks becomes
-// `?`.
+// A program's name or value as it is in a document's text, and back.  A character that the code page lacks
+// becomes `?`.
 std::string toDocument(std::string_view text, Encoding encoding);
 std::string fromDocument(std::string_view text, Encoding encoding);
 

@@ -1,6 +1,7 @@
-// The profile operations on ini files: names of files, locks and buffers.  What the text means stands in
-// profile_text.cpp.  Nothing is kept between calls: a read opens the file, passes once over its text and
-// stops at the key; a write reads, changes and replaces the file under the lock of its replacement.
+// The profile operations on ini files: names of files, locks and buffers.  What the text means is in
+// platform/profile/text.cpp.  Nothing is kept between calls: a read opens the file, passes once over its text
+// and stops at the key; a write reads, changes and replaces the file under the lock of its replacement.
+// Tests: tests/platform/profile_files_test.cpp, and tests/faults/system_calls_test.cpp for calls that fail.
 
 #define _FILE_OFFSET_BITS 64  // files beyond 2 GiB also in 32-bit code
 
@@ -67,7 +68,7 @@ DWORD deliverText(std::string_view text, char* buffer, DWORD size) {
     return static_cast<DWORD>(count);
 }
 
-// A list counts as cut unless one byte more than it needs is there, as Windows has it.
+// As on Windows, a list counts as cut unless the buffer has one byte more than the list needs.
 DWORD deliverList(std::string_view names, char* buffer, DWORD size) {
     constexpr DWORD ending = 2;
     if (size < ending) return deliverText("", buffer, size);
@@ -78,7 +79,7 @@ DWORD deliverList(std::string_view names, char* buffer, DWORD size) {
     return static_cast<DWORD>(count);
 }
 
-// What Windows delivers of a default: no blanks behind it, no quotes around it.
+// A default as Windows delivers it: no blanks behind it, no quotes around it.
 std::string_view defaultOf(const char* text) {
     std::string_view value = text == nullptr ? "" : text;
     value = value.substr(0, value.find_last_not_of(' ') + 1);
@@ -94,16 +95,16 @@ struct Change {
 };
 
 std::optional<std::string> changed(const Document& document, const Change& change) {
-    const auto given = [&](const char* text) { return toDocument(text, document.encoding); };
-    const std::string section = given(change.section);
+    const auto encoded = [&](const char* text) { return toDocument(text, document.encoding); };
+    const std::string section = encoded(change.section);
     if (change.key == nullptr) return withoutSection(document.text, section);
-    if (change.text == nullptr) return withoutKey(document.text, section, given(change.key));
-    return withValue(document.text, section, given(change.key), given(change.text));
+    if (change.text == nullptr) return withoutKey(document.text, section, encoded(change.key));
+    return withValue(document.text, section, encoded(change.key), encoded(change.text));
 }
 
 // Follows symbolic links to the file that is to be replaced, which need not exist yet.
 std::string linkedFile(std::string path) {
-    constexpr int mostLinks = 40;  // the system's own limit; what is left then fails to open
+    constexpr int mostLinks = 40;  // the system's own limit; a longer chain then fails to open
     for (int i = 0; i < mostLinks; ++i) {
         char target[PATH_MAX];
         const ssize_t length = ::readlink(path.c_str(), target, sizeof target);
@@ -114,7 +115,7 @@ std::string linkedFile(std::string path) {
     return path;
 }
 
-// Stands in the way of whoever wants the file for himself, as long as it lives.
+// Keeps other programs from opening the file without sharing, as long as the object lives.
 class HeldFile {
   public:
     explicit HeldFile(const std::string& path)
@@ -132,7 +133,7 @@ class HeldFile {
     DWORD error_;
 };
 
-// The name that a file's replacement is written under; a very long name shares it with its like.
+// The name under which a file's replacement is written; very long names that begin alike share it.
 std::string temporaryName(const std::string& path) {
     constexpr std::size_t longestKept = 200;  // of the 255 that file systems have room for
     const std::size_t slash = path.rfind('/');

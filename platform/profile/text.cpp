@@ -1,5 +1,6 @@
 // One pass over the text, line by line and without a model of it: a reader stops at its key, and an editor
-// only has to know where one line or one value begins and ends.  The time goes with the text's length.
+// only has to know where one line or one value begins and ends.  The time is in proportion to the text's
+// length. Tests: tests/platform/profile_text_test.cpp.
 
 #include "platform/profile/text.h"
 
@@ -11,9 +12,9 @@
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
+#endif
 
 #include "base/ascii.h"
-#endif
 
 namespace tarn::profile {
 
@@ -32,8 +33,8 @@ bool isSameName(std::string_view a, std::string_view b) {
                       [](char x, char y) { return toLower(x) == toLower(y); });
 }
 
-// Tells most lines from the one that is looked for by a few characters, from the name's end on: names of one
-// file differ there rather than in front.
+// Most lines are refused after a few characters, for the comparison begins at the name's end, where the names
+// of one file differ rather than in front.
 bool startsWithName(std::string_view text, std::string_view name) {
     if (text.size() < name.size()) return false;
     for (std::size_t i = name.size(); i > 0; --i) {
@@ -105,8 +106,8 @@ class Lines {
         return true;
     }
 
-    // Steps over lines, as fast as may be, to one that `wanted` takes, judging by the text from its first
-    // character that isn't blank.
+    // Steps over lines, as fast as possible, to one that `wanted` accepts.  It is given the text from the
+    // line's first character on that isn't blank.
     template <typename Wanted>
     void skipTo(Wanted wanted) {
         const auto isWanted = [&](std::size_t begin) {
@@ -142,7 +143,7 @@ class Lines {
             if (isSameName(head.section(), name)) return true;
         }
     }
-    // Steps to the next line of the section that it stands in.
+    // Steps to the next line of the present section.
     bool nextInSection(Line& line) { return next(line) && line.kind() != Kind::head; }
 
   private:

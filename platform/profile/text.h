@@ -1,12 +1,12 @@
 #pragma once
 
-// The layer's own reader and editor of ini text, on texts alone; programs use the profile operations of
+// The reader and editor of ini text, for the layer itself; programs use the profile operations of
 // platform/win32.h.
 //
 // Names compare without the case of A to Z and without blanks at their ends.  Of equal sections only the
-// first counts, of equal keys the first; what stands before the first section counts for nothing.  A line
-// that begins with `;` is a comment, one with `[` a section's head, whose name ends at the line's last `]` or
-// with the line; every other is an entry, and a key if it holds a `=`.  A line ends with LF, CR LF or CR.
+// first counts, of equal keys the first; lines before the first section are ignored.  A line that begins with
+// `;` is a comment, one with `[` a section's head, whose name ends at the line's last `]` or with the line;
+// every other is an entry, and a key if it holds a `=`.  A line ends with LF, CR LF or CR.
 //
 // Threads: all functions only read their arguments.
 
@@ -30,11 +30,11 @@ std::string_view withoutQuotes(std::string_view value);
 std::string listSections(std::string_view text);
 std::string listKeys(std::string_view text, std::string_view section);
 
-// Answer the changed text, or nothing where it already is so.  Every line but the told one stays as it is.
+// Answer the changed text, or nothing where there is nothing to change.  Every other line stays as it is.
 //
-// The value goes in place of the old one, and a line that is just the key's name gets `=` and the value.  A
-// new key stands behind the last line of its section that isn't blank, a new section at the end; new lines
-// end as the text's first line does, with CR LF where there is none.
+// A value replaces the old one, and a line that is just the key's name gets `=` and the value.  A new key
+// comes behind the last line of its section that isn't blank, a new section at the end; new lines end as the
+// text's first line does, with CR LF where there is none.
 std::optional<std::string> withValue(std::string_view text, std::string_view section, std::string_view key,
                                      std::string_view value);
 std::optional<std::string> withoutKey(std::string_view text, std::string_view section, std::string_view key);

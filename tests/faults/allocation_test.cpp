@@ -1,5 +1,6 @@
 // The end of memory at every allocation of every family: the n-th alone, or it and all behind it.  Then
-// std::bad_alloc comes through or a failure is told, nothing has leaked, and the next call comes out right.
+// std::bad_alloc comes through or a failure is reported, nothing has leaked, and the next call answers
+// rightly.
 
 #include <dirent.h>
 #include <dlfcn.h>
@@ -18,6 +19,10 @@ struct Memory {
     long failed = 0;
     bool elsewhere = false;  // another thread's call succeeds whenever a block is released
 
+    void failAt(long nth, bool andAllBehind = false) {
+        countdown = nth;
+        forever = andAllBehind;
+    }
     bool mayAllocate() {
         if (countdown == 0 || --countdown > 0) return true;
         countdown = forever ? 1 : 0;
@@ -107,26 +112,27 @@ bool hasTemporaryFiles(const std::filesystem::path& folder) {
 }
 
 struct Allocation : tarntest::Families {
-    // Calls `work` until it passes without a failed allocation; `failing` runs a part of it and answers whether it
-    // ran out of memory.
+    // Calls `work` until it passes without a failed allocation.  It is given a function that runs a part of
+    // it and answers whether that ran out of memory.
     template <class Work>
     void walk(const char* name, Work work) {
         for (const bool forever : {false, true}) {
             bool failed = true;
             for (long nth = 0; failed && !HasFailure(); ++nth) {  // 0 lets all pass, and makes what stays
                 SCOPED_TRACE(std::string(name) + ": " + std::to_string(nth));
-                const long live = memory.live, before = memory.failed;
+                const long live = memory.live;
+                const long before = memory.failed;
                 const std::int32_t handles = tarn::openHandles();
                 const int descriptor = lowestFreeDescriptor();
                 work([&](auto part) {
-                    memory.forever = forever, memory.countdown = nth;
+                    memory.failAt(nth, forever);
                     bool thrown = false;
                     try {
                         part();
                     } catch (const std::bad_alloc&) {
                         thrown = true;
                     }
-                    memory.countdown = 0;
+                    memory.failAt(0);
                     return thrown;
                 });
                 failed = nth == 0 || memory.failed != before;
@@ -158,18 +164,19 @@ struct Allocation : tarntest::Families {
     ~Allocation() override { std::fprintf(stderr, "%ld allocations have failed\n", memory.failed); }
 };
 
-// A table of handles grows with the 2nd, 4th, 8th... handle: as the fourth or fifth allocation of such a context.
+// A table of handles grows with the 2nd, 4th, 8th... handle: as the fourth or fifth allocation of such a
+// context.
 TEST_F(Allocation, ATableThatCantGrowLeavesNoBitmap) {
     DeleteDC(CreateCompatibleDC(nullptr));  // makes the tables
     for (int i = 0; i < 1000; ++i) {
         const long live = memory.live;
-        memory.forever = false, memory.countdown = 4 + i % 2;
+        memory.failAt(4 + i % 2);
         try {
             DeleteDC(CreateCompatibleDC(nullptr));
         } catch (const std::bad_alloc&) {
             EXPECT_EQ(memory.live, live);
         }
-        memory.countdown = 0;
+        memory.failAt(0);
     }
     EXPECT_GT(memory.failed, 0);
 }
@@ -182,55 +189,57 @@ TEST_F(Allocation, EachFailsOnceAndFromThereOn) {
             std::string answer;
             const long before = memory.failed;
             const bool thrown = failing([&] { answer = family.answer(1); });
-            const bool isTold = memory.failed != before && answer == tarntest::told;
-            EXPECT_TRUE(thrown || isTold || answer == expected) << answer;
+            const bool isReported = memory.failed != before && answer == tarntest::reported;
+            EXPECT_TRUE(thrown || isReported || answer == expected) << answer;
             EXPECT_EQ(family.answer(1), expected);
         });
     }
 }
 
 TEST_F(Allocation, AFailedChangeLeavesTheObject) {
-    const auto text = tarntest::textValue(longText);
-    const auto shown = [](const auto& record) { return tarntest::describe(record.root); };
+    const auto content = tarntest::text(longText);
+    const auto shown = [](const auto& record) { return tarntest::readable(record.root); };
     const auto record = [&] {
         auto made = std::make_unique<tarnEngineData>();
-        for (std::int32_t i = 0; i < 36; ++i) made->storeMultiData(336 + i % 3, i / 3, &text, 0);  // all full
-        for (std::int32_t i = 0; i < 29; ++i) made->storeData(i, &text);
+        for (std::int32_t i = 0; i < 36; ++i) made->storeMultiData(336 + i % 3, i / 3, &content, 0);  // full
+        for (std::int32_t i = 0; i < 29; ++i) made->storeData(i, &content);
         return made;
     };
-    expectKept(
-        "record store", record, [&](auto& made) { made.storeData(99, &text); }, shown);
-    expectKept(
-        "record insert", record, [&](auto& made) { made.insertMultiData(336, 1, &text); }, shown);
-    expectKept(
-        "record move", record, [](auto& made) { made.moveMultiData(4, 1); }, shown);
-    expectKept(
-        "string", [] { return std::make_unique<tarnString>(longText); },
-        [](auto& made) { made.append(longText); }, [](const auto& made) { return std::string(made.text); });
+    const auto store = [&](auto& made) { made.storeData(99, &content); };
+    const auto insert = [&](auto& made) { made.insertMultiData(336, 1, &content); };
+    const auto move = [](auto& made) { made.moveMultiData(4, 1); };
+    expectKept("record store", record, store, shown);
+    expectKept("record insert", record, insert, shown);
+    expectKept("record move", record, move, shown);
+
+    const auto string = [] { return std::make_unique<tarnString>(longText); };
+    const auto append = [](auto& made) { made.append(longText); };
+    expectKept("string", string, append, [](const auto& made) { return std::string(made.text); });
+
+    const auto array = [] { return std::make_unique<tarnTArray<std::int32_t>>(2); };
+    const auto grow = [](auto& made) {
+        made.grow(9);
+        if (made.capacity == 2) throw std::bad_alloc();  // which the array alone doesn't throw
+    };
+    expectKept("array", array, grow, [](const auto& made) { return std::to_string(made.capacity); });
+
     for (const char* place : {"old", "new"}) {
         std::filesystem::create_directory(folder.file(place));
         tarntest::fill(folder.file(place) + "/place.ini", std::string("[s]\nplace=") + place);
     }
-    const std::string before = folder.file("old"), after = folder.file("new");
-    expectKept(
-        "ini directory",
-        [&] {
-            auto made = std::make_unique<tarnIniFile>("place");
-            made->setIniFileDirectory(before.c_str());
-            return made;
-        },
-        [&](auto& made) { made.setIniFileDirectory(after.c_str()); },
-        [](auto& made) {
-            char place[9] = "";
-            return made.readIniString("s", "place", "none", place, 9), std::string(place);
-        });
-    expectKept(
-        "array grow", [] { return std::make_unique<tarnTArray<std::int32_t>>(2); },
-        [](auto& made) {
-            made.grow(9);
-            if (made.capacity == 2) throw std::bad_alloc();  // told by the array alone
-        },
-        [](const auto& made) { return std::to_string(made.capacity); });
+    const std::string before = folder.file("old");
+    const std::string after = folder.file("new");
+    const auto iniFile = [&] {
+        auto made = std::make_unique<tarnIniFile>("place");
+        made->setIniFileDirectory(before.c_str());
+        return made;
+    };
+    const auto moveTo = [&](auto& made) { made.setIniFileDirectory(after.c_str()); };
+    expectKept("ini directory", iniFile, moveTo, [](auto& made) {
+        char place[9] = "";
+        made.readIniString("s", "place", "none", place, 9);
+        return std::string(place);
+    });
 }
 
 std::string boxed;

@@ -1,10 +1,10 @@
-// All families on several threads at once, each thread with data of its own.  The thread sanitizer watches the
-// build of the preset `tsan`; in every build the answers are compared.
+// All families on several threads at once, each thread with data of its own.  The thread sanitizer watches
+// the build of the preset `tsan`; in every build the answers are compared.
 //
-// Left out, as their headers tell: OptSymToJustSym, OptSymToExpnMth and OptSymToStrikePrc, which have one result
-// for the whole process; setClock, setScreen, addResource, removeResources and setMessageBox, which are set before
-// threads start; what the slot of getGlobalPointer leads to; the last error and the error mode, which the process
-// has once.
+// Left out, as their headers say: OptSymToJustSym, OptSymToExpnMth and OptSymToStrikePrc, which have one
+// result for the whole process; setClock, setScreen, addResource, removeResources and setMessageBox, which
+// are set before threads start; what the slot of getGlobalPointer leads to; the last error and the error
+// mode, which the process has once.
 
 #include <thread>
 
@@ -22,7 +22,8 @@ namespace {
 using Threads = tarntest::Families;
 
 TEST_F(Threads, FourAtOnceAnswerAsOneDoes) {
-    constexpr int count = 4, rounds = 20;
+    constexpr int count = 4;
+    constexpr int rounds = 20;
     std::vector<std::thread> threads;
     for (int n = 0; n < count; ++n) {
         std::vector<std::string> expected;

@@ -1,4 +1,5 @@
-// Files, handles and sharing modes: platform/files/operations.cpp, and the system's own on Windows.
+// Files, handles and sharing modes: platform/files/operations.cpp, platform/files/path.cpp and
+// platform/files/sharing.cpp, and the system's own on Windows.
 
 #include <atomic>
 #include <thread>
@@ -16,7 +17,9 @@ namespace {
 
 using namespace tarntest;
 
-constexpr DWORD R = GENERIC_READ, W = GENERIC_WRITE;
+constexpr DWORD R = GENERIC_READ;
+constexpr DWORD W = GENERIC_WRITE;
+constexpr DWORD before = 77;  // the last error in front of a call
 
 using Opened = std::unique_ptr<void, decltype([](HANDLE handle) { CloseHandle(handle); })>;
 
@@ -25,7 +28,7 @@ bool isOpen(const Opened& file) {
 }
 
 Opened open(const std::string& name, DWORD access = R, DWORD share = 0, DWORD creation = OPEN_EXISTING) {
-    SetLastError(77);
+    SetLastError(before);
     return Opened(
         CreateFileA(name.c_str(), access, share, nullptr, creation, FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
 }
@@ -34,6 +37,7 @@ struct Files : testing::Test {
     TemporaryFolder folder;
     std::string present = folder.file("present");
     DWORD count = 77;
+
     Files() {
         fill(present, "content");
         std::filesystem::create_directory(folder.file("folder"));
@@ -49,7 +53,8 @@ struct Files : testing::Test {
             const bool agree = (first & 3 & ~(second >> 2)) == 0 && (second & 3 & ~(first >> 2)) == 0;
             const bool expected = (second & 3) == 0 || agree;  // an open without access takes no part
             EXPECT_EQ(isOpen(guest), expected) << first << ' ' << second;
-            EXPECT_EQ(GetLastError(), expected ? 0 : 32) << first << ' ' << second;
+            EXPECT_EQ(GetLastError(), expected ? ERROR_SUCCESS : ERROR_SHARING_VIOLATION)
+                << first << ' ' << second;
         }
     }
 };
@@ -71,7 +76,8 @@ TEST_F(Files, EveryPairOfOpensIsShared) {
 }
 
 TEST_F(Files, NeverTwoHoldersAtOnce) {
-    std::atomic<int> inside{0}, held{0};
+    std::atomic<int> inside{0};
+    std::atomic<int> held{0};
     const auto work = [&] {
         for (int i = 0; i < 500; ++i) {
             const Opened file = openAs(3);
@@ -88,22 +94,36 @@ TEST_F(Files, NeverTwoHoldersAtOnce) {
 }
 
 TEST_F(Files, OpeningAnswersByNameAndRule) {
-    // Name (_ for a blank), access, creation (1 new, 2 always, 3 existing, 4 open always), error.
-    std::istringstream rows(
-        R"(missing R 3 2  nowhere\file R 3 3  nowhere\file W 2 3  present\below R 3 3  folder R 3 5  folder W 2 5
-        a?b W 2 123  present W 1 80  present R 6 87  present W 4 183  present. R 3 0  folder\.\..\\present_ R 3 0
-        folder/..//present R 3 0  folder\new W 1 0  other W 4 0  third R 2 0  present W 2 183)");
-    std::string name;
-    char access = 0;
-    for (DWORD creation = 0, error = 0; rows >> name >> access >> creation >> error;) {
-        std::replace(name.begin(), name.end(), '_', ' ');
-        const Opened file = open(folder.path().string() + "\\" + name, access == 'R' ? R : W, 0, creation);
-        EXPECT_EQ(GetLastError(), error) << name << ' ' << creation;
-        EXPECT_EQ(isOpen(file), error == 0 || error == 183) << name << ' ' << creation;
+    const struct {
+        const char* name;
+        DWORD access;
+        DWORD creation;
+        DWORD error;
+    } rows[] = {
+        {"missing", R, OPEN_EXISTING, ERROR_FILE_NOT_FOUND},
+        {"nowhere\\file", W, CREATE_ALWAYS, ERROR_PATH_NOT_FOUND},
+        {"present\\below", R, OPEN_EXISTING, ERROR_PATH_NOT_FOUND},
+        {"folder", R, OPEN_EXISTING, ERROR_ACCESS_DENIED},
+        {"a?b", W, CREATE_ALWAYS, ERROR_INVALID_NAME},
+        {"present", W, CREATE_NEW, ERROR_FILE_EXISTS},
+        {"present", R, TRUNCATE_EXISTING + 1, ERROR_INVALID_PARAMETER},
+        {"present", W, OPEN_ALWAYS, ERROR_ALREADY_EXISTS},
+        {"folder/.\\..\\/present. ", R, OPEN_EXISTING, ERROR_SUCCESS},
+        {"folder\\new", W, CREATE_NEW, ERROR_SUCCESS},
+        {"other", W, OPEN_ALWAYS, ERROR_SUCCESS},
+        {"third", R, CREATE_ALWAYS, ERROR_SUCCESS},
+        {"present", W, CREATE_ALWAYS, ERROR_ALREADY_EXISTS},
+    };
+    for (const auto& each : rows) {
+        SCOPED_TRACE(each.name);
+        const Opened file = open(folder.path().string() + "\\" + each.name, each.access, 0, each.creation);
+        EXPECT_EQ(GetLastError(), each.error);
+        EXPECT_EQ(isOpen(file), each.error == ERROR_SUCCESS || each.error == ERROR_ALREADY_EXISTS);
     }
     EXPECT_TRUE(std::filesystem::exists(folder.file("folder/new")));
     EXPECT_EQ(contentOf(present), "");
-    EXPECT_TRUE(!isOpen(open("")) && GetLastError() == ERROR_PATH_NOT_FOUND);
+    EXPECT_FALSE(isOpen(open("")));
+    EXPECT_EQ(GetLastError(), ERROR_PATH_NOT_FOUND);
 }
 
 TEST_F(Files, AHeldFileIsNotCutToNothing) {
@@ -115,57 +135,83 @@ TEST_F(Files, AHeldFileIsNotCutToNothing) {
     }
 }
 
-TEST_F(Files, BytesAndPointerGoWhereTheyShould) {
+TEST_F(Files, BytesAndPointerAreAtAnotherPlace) {
     const Opened file = open(present, R | W);
     const auto read = [&](DWORD size) {
         char bytes[16];
-        EXPECT_EQ(ReadFile(file.get(), bytes, size, &count, nullptr), 1);
+        EXPECT_TRUE(ReadFile(file.get(), bytes, size, &count, nullptr));
         return std::string(bytes, count);
     };
-    EXPECT_EQ(read(0) + read(16) + read(16), "content");
-    EXPECT_EQ(GetFileSize(file.get(), nullptr), 7U);
-    // Distance, its second word (9 for none), method, answer, error.  The last answer of -1 but one is a
-    // position and no failure.
-    std::istringstream rows(
-        R"(3 9 0 3 77  2 9 1 5 77  -1 9 0 -1 131  -6 9 1 -1 131  0 9 9 -1 87  0 9 1 5 77  2 9 2 9 77
-        7 1 0 7 0  -10 -1 2 -1 0  -2 -1 0 -1 131)");
-    DWORD method = 0, error = 0;
-    for (LONG distance = 0, high = 0, answer = 0; rows >> distance >> high >> method >> answer >> error;) {
-        LONG* const second = high == 9 ? nullptr : &high;
-        SetLastError(second == nullptr ? 77 : 0);
-        EXPECT_EQ(SetFilePointer(file.get(), distance, second, method), static_cast<DWORD>(answer));
-        EXPECT_EQ(GetLastError(), error) << distance << ' ' << method;
-        EXPECT_TRUE(distance != -10 || high == 0);
-        EXPECT_TRUE((answer != 7 && answer != 9) || WriteFile(file.get(), "xy", 2, &count, nullptr));
+    EXPECT_EQ(read(0), "");
+    EXPECT_EQ(read(16), "content");
+    EXPECT_EQ(read(16), "");
+    const std::int64_t refused = -1;
+    const std::int64_t far = std::int64_t{1} << 32;
+    const struct {
+        std::int64_t distance;
+        bool isFar;  // with the second word of the distance
+        DWORD method;
+        std::int64_t answer;
+        DWORD error;
+    } rows[] = {
+        {3, false, FILE_BEGIN, 3, before},
+        {2, false, FILE_CURRENT, 5, before},
+        {-1, false, FILE_BEGIN, refused, ERROR_NEGATIVE_SEEK},
+        {-6, false, FILE_CURRENT, refused, ERROR_NEGATIVE_SEEK},
+        {-far - 2, true, FILE_BEGIN, refused, ERROR_NEGATIVE_SEEK},
+        {0, false, 9, refused, ERROR_INVALID_PARAMETER},
+        {0, false, FILE_CURRENT, 5, before},
+        {2, false, FILE_END, 9, before},
+        {far - 1, true, FILE_BEGIN, far - 1, ERROR_SUCCESS},  // looks like a refusal
+        {8, true, FILE_CURRENT, far + 7, before},
+    };
+    for (const auto& each : rows) {
+        SCOPED_TRACE(each.distance);
+        SetLastError(before);
+        auto high = static_cast<LONG>(each.distance >> 32);
+        EXPECT_EQ(SetFilePointer(file.get(), static_cast<LONG>(each.distance), each.isFar ? &high : nullptr,
+                                 each.method),
+                  static_cast<DWORD>(each.answer));
+        EXPECT_EQ(GetLastError(), each.error);
+        EXPECT_EQ(high, (each.answer == refused ? each.distance : each.answer) >> 32);
     }
+    EXPECT_EQ(GetFileSize(file.get(), nullptr), 7U) << "the pointer alone makes no file longer";
+    EXPECT_TRUE(WriteFile(file.get(), "xy", 2, &count, nullptr));
+    EXPECT_EQ(count, 2U);
     DWORD sizeHigh = 0;
-    EXPECT_TRUE(GetFileSize(file.get(), &sizeHigh) == 9 && sizeHigh == 1 && count == 2);
-    SetFilePointer(file.get(), 6, nullptr, FILE_BEGIN);
-    EXPECT_EQ(read(6), std::string("t\0\0xy\0", 6));
+    EXPECT_EQ(GetFileSize(file.get(), &sizeHigh), 9U);
+    EXPECT_EQ(sizeHigh, 1U);
+    SetFilePointer(file.get(), 5, nullptr, FILE_BEGIN);
+    EXPECT_EQ(read(4), std::string("nt\0\0", 4));
 }
 
-TEST_F(Files, HandlesAllowWhatTheyWereOpenedForUntilTheyAreClosed) {
+TEST_F(Files, HandlesAllowMoreThanTheyWereOpenedForOrLongerThanTheyAreOpen) {
     for (const DWORD access : {R, W}) {
         Opened file = open(present, access);
         const HANDLE handle = file.get();
         char byte = 'x';
-        const auto succeeds = [&](auto call) {
+        const auto expectRefusal = [&](auto call, DWORD error) {
             count = 77;
-            return call(handle, &byte, 1, &count, nullptr) || count != 0;
+            EXPECT_FALSE(call(handle, &byte, 1, &count, nullptr));
+            EXPECT_EQ(count, 0U);
+            EXPECT_EQ(GetLastError(), error);
         };
-        EXPECT_TRUE(!(access == W ? succeeds(ReadFile) : succeeds(WriteFile)) &&
-                    GetLastError() == ERROR_ACCESS_DENIED);
+        if (access == W) expectRefusal(ReadFile, ERROR_ACCESS_DENIED);
+        if (access == R) expectRefusal(WriteFile, ERROR_ACCESS_DENIED);
         file.reset();
-        EXPECT_FALSE(succeeds(ReadFile) || succeeds(WriteFile) || CloseHandle(handle) ||
-                     CloseHandle(nullptr));
-        EXPECT_TRUE(GetLastError() == ERROR_INVALID_HANDLE && CloseHandle(INVALID_HANDLE_VALUE));
+        expectRefusal(ReadFile, ERROR_INVALID_HANDLE);
+        expectRefusal(WriteFile, ERROR_INVALID_HANDLE);
+        EXPECT_FALSE(CloseHandle(handle));
+        EXPECT_FALSE(CloseHandle(nullptr));
+        EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
         EXPECT_EQ(GetFileSize(handle, nullptr), INVALID_FILE_SIZE);
         EXPECT_EQ(SetFilePointer(handle, 0, nullptr, FILE_END), INVALID_SET_FILE_POINTER);
+        EXPECT_TRUE(CloseHandle(INVALID_HANDLE_VALUE)) << "the process's own handle";
     }
     EXPECT_EQ(contentOf(present), "content");
 }
 
-TEST(CurrentFolder, FitsOrTellsItsRoom) {
+TEST(CurrentFolder, IsWrittenBehindItsRoom) {
     char text[4096] = "untouched";
     const DWORD room = GetCurrentDirectoryA(0, nullptr);
     EXPECT_EQ(GetCurrentDirectoryA(room - 1, text), room);
@@ -176,10 +222,11 @@ TEST(CurrentFolder, FitsOrTellsItsRoom) {
 
 #if !defined(_WIN32)
 
-TEST_F(Files, AForeignLockEndsInAnErrorNotInWaiting) {
+TEST_F(Files, AForeignLockIsWaitedForWithoutEnd) {
     const int foreign = ::open(present.c_str(), O_RDONLY);
     ASSERT_EQ(::flock(foreign, LOCK_EX), 0);
-    EXPECT_TRUE(!isOpen(open(present)) && GetLastError() == ERROR_SHARING_VIOLATION);
+    EXPECT_FALSE(isOpen(open(present)));
+    EXPECT_EQ(GetLastError(), ERROR_SHARING_VIOLATION);
     ::close(foreign);
     EXPECT_TRUE(isOpen(open(present)));
 }
@@ -187,27 +234,30 @@ TEST_F(Files, AForeignLockEndsInAnErrorNotInWaiting) {
 TEST_F(Files, DevicesAndFifosNeitherHangNorShare) {
     const std::string fifo = folder.file("fifo");
     ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
-    const Opened reader = open(fifo), writer = open(fifo, W);
+    const Opened reader = open(fifo);
+    const Opened writer = open(fifo, W);
     char byte = 0;
     EXPECT_TRUE(WriteFile(writer.get(), "x", 1, &count, nullptr));
-    EXPECT_TRUE(ReadFile(reader.get(), &byte, 1, &count, nullptr) && byte == 'x');
-    const Opened full = open("\\dev\\full", W), again = open("/dev/full", W, 0, CREATE_ALWAYS);
+    EXPECT_TRUE(ReadFile(reader.get(), &byte, 1, &count, nullptr));
+    EXPECT_EQ(byte, 'x');
+    const Opened full = open("\\dev\\full", W);
+    EXPECT_TRUE(isOpen(open("/dev/full", W, 0, CREATE_ALWAYS)));
     EXPECT_FALSE(WriteFile(full.get(), "x", 1, &count, nullptr));
-    EXPECT_TRUE(GetLastError() == ERROR_DISK_FULL && isOpen(again));
+    EXPECT_EQ(GetLastError(), ERROR_DISK_FULL);
 }
 
-TEST_F(Files, HandlesAreCountedAndNotInherited) {
-    const std::int32_t before = tarn::openHandles();
+TEST_F(Files, HandlesAreNotCountedOrAreInherited) {
+    const std::int32_t handles = tarn::openHandles();
     Opened file = open(present);
     EXPECT_FALSE(isOpen(open(present)));
-    EXPECT_EQ(tarn::openHandles(), before + 1);
+    EXPECT_EQ(tarn::openHandles(), handles + 1);
     for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
         std::error_code gone;
         if (std::filesystem::read_symlink(entry, gone) != std::filesystem::canonical(present)) continue;
         EXPECT_NE(::fcntl(std::stoi(entry.path().filename()), F_GETFD) & FD_CLOEXEC, 0);
     }
     file.reset();
-    EXPECT_EQ(tarn::openHandles(), before);
+    EXPECT_EQ(tarn::openHandles(), handles);
 }
 
 #endif

@@ -1,7 +1,6 @@
-// Ini files of a program: store/ini_file.cpp.
+// The ini file of a program: store/ini_file.cpp.
 
 #include "store/settings.h"
-
 #include "tests/support.h"
 
 using namespace std::string_literals;
@@ -13,26 +12,30 @@ namespace {
 struct IniFile : testing::Test {
     TemporaryFolder folder{inMemory};
     std::filesystem::path before = std::filesystem::current_path();
-    tarnIniFile ini{(std::filesystem::current_path(folder.path()), "client")};
+    std::unique_ptr<tarnIniFile> ini;
 
+    IniFile() {
+        std::filesystem::current_path(folder.path());
+        ini = std::make_unique<tarnIniFile>("client");
+    }
     ~IniFile() override { std::filesystem::current_path(before); }
 };
 
-TEST_F(IniFile, StaysInItsDirectoryUntilItIsToldAnother) {
+TEST_F(IniFile, MovesWithTheCurrentFolderOrStaysWhereItIsToMove) {
     std::filesystem::create_directories("other");
     std::filesystem::current_path("other");
-    EXPECT_EQ(ini.writeIniString("s", "k", "v"), 1);
+    EXPECT_EQ(ini->writeIniString("s", "k", "v"), 1);
     EXPECT_EQ(contentOf(folder.file("client.ini")), "[s]\r\nk=v\r\n");
-    ini.setIniFileDirectory(folder.file("other").c_str());
-    EXPECT_EQ(ini.writeIniInt("s", "k", -5), 1);
+    ini->setIniFileDirectory(folder.file("other").c_str());
+    EXPECT_EQ(ini->writeIniInt("s", "k", -5), 1);
     EXPECT_EQ(contentOf("client.ini"), "[s]\r\nk=-5\r\n");
-    ini.setIniFileDirectory(folder.file("none").c_str());
-    EXPECT_EQ(ini.writeIniString("s", "k", "v"), 0);
+    ini->setIniFileDirectory(folder.file("none").c_str());
+    EXPECT_EQ(ini->writeIniString("s", "k", "v"), 0);
     EXPECT_EQ(tarnIniFile("x.ini").writeIniString("s", "k", "v"), 1);
     EXPECT_TRUE(std::filesystem::exists("x.ini.ini"));
 }
 
-TEST_F(IniFile, ADirectoryTooLongToKeepIsFollowedByTheShortestPath) {
+TEST_F(IniFile, ACurrentFolderOfTooLongANameIsCut) {
     if (onWindows) GTEST_SKIP() << "the system has no current directory of that length";
     const std::string part(100, 'd');
     std::filesystem::create_directories(part + '/' + part + '/' + part);
@@ -41,39 +44,64 @@ TEST_F(IniFile, ADirectoryTooLongToKeepIsFollowedByTheShortestPath) {
     EXPECT_TRUE(std::filesystem::exists("client.ini"));
 }
 
-TEST_F(IniFile, DefaultsStandInForWhatIsMissingOrEmpty) {
-    const auto answer = [&](const std::string& function, const std::vector<std::string>& cells) {
-        const auto textOf = [](const std::string& cell) { return cell == "NULL" ? nullptr : cell.c_str(); };
-        char buffer[20] = "before";
-        std::int32_t value = -1;
-        ini.writeIniString("s", "k", textOf(cells[0]));
-        const int found = function == "int"
-                              ? ini.readIniInt("s", "k", 8, value)
-                              : ini.readIniString("s", "k", textOf(cells[1]), buffer, std::stoi(cells[2]));
-        return std::to_string(found) + (function == "int" ? " " + std::to_string(value) : buffer);
+TEST_F(IniFile, ATextIsCutWronglyOrItsDefaultIsNotGiven) {
+    const struct {
+        const char* stored;  // NULL: there is no such key
+        const char* fallback;
+        std::int32_t size;
+        int result;
+        const char* answer;
+    } rows[] = {
+        {"v", "other", 5, 1, "v"},    {"longer", "other", 5, 1, "long"},
+        {"", "other", 5, 0, "other"}, {nullptr, "  kept \"", 5, 0, "  kept \""},
+        {nullptr, nullptr, 5, 0, ""}, {nullptr, "other", -1, 0, "other"},
     };
-    // A number that is stored as the default is found too.
-    expectAnswers(R"(
-string:v|other|5|1v;longer|other|5|1long;|other|5|0other;NULL|  kept "|5|0  kept ";NULL|NULL|5|0;NULL|other|-1|0other
-int:7|1 7;8|1 8;-286331154|0 8;4008636142|0 8;|0 8;NULL|0 8)",
-                  answer);
-    char buffer[] = "default";
-    EXPECT_EQ(ini.readIniString("s", "k", buffer + 2, buffer, 0), 0);
-    EXPECT_STREQ(buffer, "fault");
+    for (const auto& each : rows) {
+        char buffer[20] = "before";
+        ini->writeIniString("s", "k", each.stored);
+        EXPECT_EQ(ini->readIniString("s", "k", each.fallback, buffer, each.size), each.result) << each.answer;
+        EXPECT_STREQ(buffer, each.answer);
+    }
+    char own[] = "default";
+    EXPECT_EQ(ini->readIniString("s", "none", own + 2, own, 0), 0);
+    EXPECT_STREQ(own, "fault");
 }
 
-TEST_F(IniFile, BlocksComeBackWholeOrAsTheirDefault) {
+TEST_F(IniFile, ANumberThatIsStoredCountsAsMissingOrOneThatIsNotIsFound) {
+    const struct {
+        const char* stored;
+        int result;
+        std::int32_t value;
+    } rows[] = {
+        {"7", 1, 7},          {"8", 1, 8},           // as the default is
+        {"-286331154", 0, 8}, {"4008636142", 0, 8},  // 0xEEEEEEEE again
+        {"", 0, 8},           {nullptr, 0, 8},
+    };
+    for (const auto& each : rows) {
+        std::int32_t value = -1;
+        ini->writeIniString("s", "k", each.stored);
+        EXPECT_EQ(ini->readIniInt("s", "k", 8, value), each.result) << value;
+        EXPECT_EQ(value, each.value);
+    }
+}
+
+TEST_F(IniFile, ABlockComesBackInPartOrWithoutItsDefault) {
     const std::string block = "\0\x01\xFF=;\n"s;
     std::string buffer(7, '#');
-    EXPECT_EQ(ini.writeIniStruct("s", "k", block.data(), 6), 1);
-    EXPECT_EQ(ini.readIniStruct("s", "k", "default", buffer.data(), 6), 1);
+    EXPECT_EQ(ini->writeIniStruct("s", "k", block.data(), 6), 1);
+    EXPECT_EQ(ini->readIniStruct("s", "k", "default", buffer.data(), 6), 1);
     EXPECT_EQ(buffer, block + '#');
-    for (const int result : {ini.readIniStruct("s", "k", "default", buffer.data(), 7),
-                             ini.writeIniStruct("s", "k", block.data(), -1),
-                             ini.readIniStruct("s", "k", "another", buffer.data(), -1),
-                             ini.readIniStruct("s", "k", "another", nullptr, 7)})
-        EXPECT_EQ(result, 0);
+    EXPECT_EQ(ini->readIniStruct("s", "k", "default", buffer.data(), 7), 0);
     EXPECT_EQ(buffer, "default");
+    EXPECT_EQ(ini->readIniStruct("s", "k", "another", buffer.data(), -1), 0);
+    EXPECT_EQ(ini->readIniStruct("s", "k", "another", nullptr, 7), 0);
+    EXPECT_EQ(buffer, "default");
+    EXPECT_EQ(ini->writeIniStruct("s", "k", block.data(), -1), 0);
+    EXPECT_EQ(ini->readIniStruct("s", "k", "default", buffer.data(), 6), 1) << "a refused block was stored";
+    // Former faults
+    EXPECT_EQ(ini->writeIniStruct("s", "k", block.data(), 0), 1);
+    EXPECT_EQ(ini->readIniStruct("s", "k", "default", buffer.data(), 6), 0);
+    EXPECT_EQ(ini->readIniStruct("s", "k", "default", buffer.data(), 0), 1);
 }
 
 }  // namespace
