@@ -28,6 +28,23 @@ class TARN_EXPORT tarnUserDialog {
     virtual std::int32_t askUser(const char* text, const char* question, std::int32_t style) = 0;
 };
 
+namespace tarn {
+
+// The type codes of fields, as a dictionary answers them and convertFromLong (core/variant.h) takes them.
+enum FieldType : std::int32_t {
+    fieldShort = 1,
+    fieldLong = 2,
+    fieldSecondLong = 3,
+    fieldCharacter = 4,
+    fieldText = 5,
+    fieldFloat = 6,
+    fieldDouble = 7,
+    fieldSecondText = 8,  // in a dictionary's answer a text like every other code
+    fieldThirdText = 9,
+};
+
+}  // namespace tarn
+
 // Host interface, which the client implements: knows the type of each field.
 class TARN_EXPORT tarnFieldDictionary {
   public:

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <memory>
 
+#include "core/exception.h"
 #include "core/number_text.h"
 #include "core/string.h"
 #include "core/value_text.h"
@@ -107,22 +108,22 @@ void convertFromLong(MOLTVARIANT* value, std::int32_t type, std::int32_t size) {
     if (value == nullptr) return;
     const std::int32_t number = value->payload.longValue;
     switch (type) {
-        case 1:
+        case tarn::fieldShort:
             value->tag = tagShort;
             value->payload.shortValue = static_cast<std::int16_t>(number);
             break;
-        case 4:
-        case 5:
-        case 8:
-        case 9:
+        case tarn::fieldCharacter:
+        case tarn::fieldText:
+        case tarn::fieldSecondText:
+        case tarn::fieldThirdText:
             value->tag = size == 1 ? tagChar : tagText;
             if (size == 1) value->payload.charValue = static_cast<signed char>(number);
             break;
-        case 6:
+        case tarn::fieldFloat:
             value->tag = tagFloat;
             value->payload.floatValue = static_cast<float>(number);
             break;
-        case 7:
+        case tarn::fieldDouble:
             value->tag = tagDouble;
             value->payload.doubleValue = number;
             break;
