@@ -120,7 +120,7 @@ void checkKeyCalls(HKEY key, const std::string& bytes, bool good, DWORD room) {
     const LSTATUS code = RegOpenKeyExA(key, "X", 0, KEY_ALL_ACCESS, &below);
     require(code == (good ? 0 : 1015), "just a whole key opens");
     char name[300];
-    require(RegEnumKeyA(again, 0, name, sizeof name) == 0, "a damaged key is listed too");
+    require(RegEnumKeyA(again, 0, name, sizeof name) == 0, "and is listed, as a damaged one is");
     RegCloseKey(again);
     if (!good) return;
     const std::unique_ptr<char[]> text(new char[room]);

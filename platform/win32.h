@@ -48,11 +48,20 @@ using LONG = std::int32_t;
 using ULONG_PTR = std::uintptr_t;
 using HANDLE = void*;
 
+// Other libraries define these names too, GLib and curses for instance.  As macros, and only where there are none,
+// they let any order of headers compile.
+#if !defined(WINAPI)
 #define WINAPI
+#endif
+#if !defined(__stdcall)
 #define __stdcall
-
-constexpr BOOL FALSE = 0;
-constexpr BOOL TRUE = 1;
+#endif
+#if !defined(FALSE)
+#define FALSE 0
+#endif
+#if !defined(TRUE)
+#define TRUE 1
+#endif
 /// @}
 
 /// @name Last error

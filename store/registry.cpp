@@ -45,26 +45,39 @@ int fetch(HKEY key, const char* name, void* buffer, std::uint32_t length) {
     return succeeded(RegQueryValueExA(key, name, nullptr, nullptr, static_cast<BYTE*>(buffer), &size));
 }
 
-// A key that is being emptied, with the names seen in it so far.
+// A key on the way to the one that is being emptied, with the names below it that were read so far.
 struct Level {
-    OwnedKey key;
+    std::string name;
+    OwnedKey key;  // NULL while there are too many others
     std::vector<std::string> names;
 };
 
-// Deletes all keys below a key, the deepest first.  The names of a key are all taken before the first of them
-// is deleted, since deleting would shift the numbers that they are asked by.
-void emptyKey(OwnedKey key) {
+// Opens the key of a level from the one above it.  Beside the top only the last few keys stay open, so that a deep
+// tree needs no more handles than a flat one.
+void openLevel(std::vector<Level>& levels, std::size_t index) {
+    constexpr std::size_t mostOpen = 32;
+    levels[index].key = open(levels[index - 1].key.get(), levels[index].name.c_str());
+    if (index > mostOpen) levels[index - mostOpen].key.reset();
+}
+
+// Deletes all keys below a key, the deepest first.  The names of a key are all read before the first of them is
+// deleted, since deleting would shift the numbers that they are asked by.
+void emptyKey(OwnedKey top) {
     constexpr DWORD longestName = 1023;
     char name[longestName + 1];
     std::vector<Level> levels;
-    levels.push_back({std::move(key), {}});
+    levels.push_back({{}, std::move(top), {}});
     while (!levels.empty()) {
+        if (!levels.back().key) {
+            for (std::size_t i = 1; i < levels.size(); ++i) openLevel(levels, i);
+        }
         Level& level = levels.back();
         const auto index = static_cast<DWORD>(level.names.size());
         if (RegEnumKeyA(level.key.get(), index, name, longestName) == ERROR_SUCCESS) {
             level.names.emplace_back(name);
-            OwnedKey below = open(level.key.get(), name);
-            if (below) levels.push_back({std::move(below), {}});
+            levels.push_back({name, nullptr, {}});
+            openLevel(levels, levels.size() - 1);
+            if (!levels.back().key) levels.pop_back();
             continue;
         }
         for (const std::string& each : level.names) RegDeleteKeyA(level.key.get(), each.c_str());
