@@ -72,9 +72,10 @@ TARN_EXPORT void stripLeadZeros(char* text);
 /// - Bad input: a text that is no price, such as n/a or 1.5/2, is copied as it is.
 /// - Example: ("1.005", 2) -> "1.00", since the double of 1.005 is below it.
 TARN_EXPORT void formatStringToFloat(const char* source, char* target, std::uint32_t decimals);
-/// The same, but a half in the first dropped place is rounded up, towards plus infinity, a text without a
-/// point gets its decimals too, and an empty source makes the target empty.
-/// - Example: ("1.005", 2) -> "1.01".
+/// The same, but a text without a point gets its decimals too, an empty source makes the target empty, and a
+/// half in the first dropped place is rounded up, towards plus infinity, unless what is shown and half a unit
+/// of its last place add up, as doubles, to more than the number.
+/// - Example: ("1.005", 2) -> "1.01", but ("0.15", 1) -> "0.1", for 0.1 + 0.05 is a little above 0.15.
 TARN_EXPORT void formatStringToFloatWithRounding(const char* source, char* target, std::uint32_t decimals);
 
 /// Answers 1 if all characters are letters A to Z of either case or digits, also for an empty text; else, and

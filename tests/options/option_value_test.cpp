@@ -163,6 +163,9 @@ TEST(OptionValue, AgreesWithReferenceFigures) {
         for (std::size_t i = 0; i < 6; ++i) EXPECT_NEAR(parts[i], expected[i], 2e-5) << t.days;
     }
     EXPECT_NEAR(ours({0, 105, 1, 0.06, 0.3, 120, 10})[implied], 0.255322, 5e-7);
+    // Counted as doubles, ten times the first strike and the second are just three times the stock price.
+    EXPECT_NEAR(ours({0, 1.1, 0.33, 0.05, 0.3, 91})[value], 0.773990, 5e-7);
+    EXPECT_NEAR(ours({0, 1.7, 5.1, 0.05, 0.3, 91})[value], 1.196166, 5e-7);
 }
 
 TEST(OptionValue, ExpiredAndUnusableTermsGiveTheirFixedAnswers) {

@@ -54,15 +54,17 @@ inline std::int64_t mktimeOf32Bits(std::tm& moment) {
 // gettmstruct on the C library's sscanf.
 inline void scan(const std::string& text, std::tm& out) {
     out = {};
-    long long n[6] = {};
-    const auto found =
-        std::sscanf(text.c_str(), "%lld/%lld/%lld %lld:%lld:%lld", &n[0], &n[1], &n[2], &n[3], &n[4], &n[5]);
+    long long numbers[6] = {};
+    auto& [month, day, year, hour, minute, second] = numbers;
+    const int found = std::sscanf(text.c_str(), "%lld/%lld/%lld %lld:%lld:%lld", &month, &day, &year, &hour,
+                                  &minute, &second);
     const std::size_t size = text.size();
     if (found == -1 || (size != 8 && size != 10 && size != 17 && size != 19)) return;
-    if (size <= 10) n[3] = n[4] = n[5] = 0;
-    for (auto& number : n) number = std::clamp<long long>(number, INT32_MIN, INT32_MAX);
-    const long long month = n[0] == 0 ? 0 : std::max<long long>(n[0], -INT32_MAX) - 1;
-    fieldsOf(out) = std::tuple(n[5], n[4], n[3], n[1], month, n[2] > 1900 ? n[2] - 1900 : n[2], 0, 0, -1);
+    if (size <= 10) hour = minute = second = 0;
+    for (auto& number : numbers) number = std::clamp<long long>(number, INT32_MIN, INT32_MAX);
+    if (month != 0) month = std::max<long long>(month, -INT32_MAX) - 1;
+    if (year > 1900) year -= 1900;
+    fieldsOf(out) = std::tuple(second, minute, hour, day, month, year, 0, 0, -1);
     mktimeOf32Bits(out);
 }
 

@@ -32,16 +32,20 @@ inline int price(const std::string& text, double& number) {
         const double value = std::strtod(&kept[start], &end);
         return end == &kept[start] ? 0.0 : value;  // some libraries keep the sign of a missing number
     };
-    const auto none = std::string::npos, slash = kept.find('/'), blank = kept.find(' ');
+    constexpr std::size_t none = std::string::npos;
+    const std::size_t slash = kept.find('/');
+    const std::size_t blank = kept.find(' ');
     if (slash == none && blank == none) number = read(0);
     if (slash == none) return blank == none ? 1 : 0;
     if (blank == none && kept.find('.') != none) return 0;
     kept[slash] = '\0';
     if (blank != none) kept[blank] = '\0';
-    const double below = read(slash + 1), above = read(blank == none ? 0 : blank + 1);
+    const double below = read(slash + 1);
+    const double above = read(blank == none ? 0 : blank + 1);
     if (above == 0 || below == 0) return 0;
-    const double whole = blank == none ? 0 : read(0), fraction = above / below;
-    number = blank == none ? fraction : whole < 0 ? whole - fraction : whole + fraction;
+    const double fraction = above / below;
+    const double whole = blank == none ? 0 : read(0);
+    number = whole < 0 ? whole - fraction : whole + fraction;
     return 1;
 }
 
