@@ -140,6 +140,15 @@ TEST_F(IndexDataFileTest, EveryFormHasItsBytes) {
                   value(tagText, "abc\0"s) + emptyValue + prefix(tagVector, 11) + word(2) +
                   value(tagDouble, word(0) + word(0x3FF00000)) + value(tagText, "ab\0"s) +
                   prefix(tagBlob, 9) + word(5) + "12345" + longValue(42) + value(tagWideText, "w\0\0\0"s));
+    // More than is written in one piece, behind what waits to be written.
+    const std::string longText(70'000, 'x');
+    tarnIndexDataFile larger;
+    larger.addIndexRecord(0, 0, 2);
+    larger.addDataRecord(0, 0, 0, "abc");
+    larger.addDataRecord(0, 0, 1, longText.c_str());
+    EXPECT_EQ(larger.writeIndexDataFile(name.c_str()), 1);
+    EXPECT_EQ(contentOf(name), header(12, 1, 1) + record(0, 0, 2) + value(tagText, "abc\0"s) +
+                                   value(tagText, longText + "\0"s));
     EXPECT_EQ(file.writeIndexDataFile(folder.path().string().c_str()), 0);
     EXPECT_EQ(file.writeIndexDataFile(nullptr), 0);
 }
