@@ -119,7 +119,7 @@ class TARN_EXPORT tarnEngineData : public tarnObject {
 
     /// Takes a value of tag 22 over as the record's whole content.  The number of rows becomes one above the
     /// highest row of all columns and, if there is a row, is stored as a value of tag 2 in field 185.
-    /// - Owner: the record takes `value` itself too, which must come from new.
+    /// - Owner: the record takes `value` itself too, which must come from new, or be a part of the record.
     /// - Bad input: a value of another tag, or without a field list, stays the caller's and nothing happens.
     void setRootData(MOLTVARIANT* value);
     /// @}
