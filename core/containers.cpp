@@ -116,8 +116,8 @@ void nodeList::makeRoom(std::int32_t slots) {
 
 void nodeList::reserve(std::int32_t further) {
     if (further < 1) return;
-    makeRoom(count + further);
-    if (unusedCells_ < further) newBlock(further);
+    if (count + further > allocated_) makeRoom(count + std::max(further, count / 4));
+    if (unusedCells_ < further) newBlock(std::max(further, count / 8));
 }
 
 std::int32_t nodeList::add(MOLTVARIANT* value, std::int32_t key) {

@@ -8,6 +8,7 @@
 #include <memory>
 #include <utility>
 
+#include "core/string.h"
 #include "core/value_owner.h"
 #include "engine/column.h"
 #include "engine/field_lookup.h"
@@ -29,6 +30,32 @@ NewRecord emptyRecord() {
     record.fields = record.root->payload.record = new tarnFieldList;
     record.root->tag = tagRecord;
     return record;
+}
+
+// Left in a value's place, it notes when it is destroyed, and so whether a tree of values held that place.
+class Marker : public tarnString {
+  public:
+    explicit Marker(bool& isDestroyed) : isDestroyed_(isDestroyed) {}
+    Marker(const Marker&) = delete;
+    Marker& operator=(const Marker&) = delete;
+    ~Marker() override { isDestroyed_ = true; }
+
+  private:
+    bool& isDestroyed_;
+};
+
+// Gives a value's content to the root, and releases the value.  It may be any part of the root: its content
+// leaves first, and a marker in its place notes whether the root's old content takes the place along.
+void takeOver(MOLTVARIANT*& root, MOLTVARIANT* value) {
+    bool wasPart = false;
+    auto marker = std::make_unique<Marker>(wasPart);
+    if (root == nullptr) root = new MOLTVARIANT;
+    const MOLTVARIANT content = *value;
+    value->tag = tagString;
+    value->payload.string = marker.release();
+    root->destroyContent();
+    root->assignContent(&content);
+    if (!wasPart) tarn::ValueDeleter()(value);
 }
 
 bool isColumn(const MOLTVARIANT* value) {
@@ -138,22 +165,8 @@ MOLTVARIANT* tarnEngineData::getRootData() {
 void tarnEngineData::setRootData(MOLTVARIANT* value) {
     if (value == nullptr || value->tag != tagRecord || value->payload.record == nullptr) return;
     if (value != root) {
-        // A field of the record itself is handed over by leaving it first.
-        for (std::int32_t i = 0; fields != nullptr && i < fields->count; ++i) {
-            if (fields->values->getAt(i) != value) continue;
-            fields->values->removeAt(i);
-            fields->ids->removeAt(i);
-            --fields->count;
-            break;
-        }
-        if (root == nullptr) {
-            root = new MOLTVARIANT;
-        } else {
-            root->destroyContent();
-        }
-        root->assignContent(value);
+        takeOver(root, value);
         fields = root->payload.record;
-        delete value;
     }
     countRows();
     if (numMulti < 1) return;

@@ -119,7 +119,7 @@ class TARN_EXPORT tarnEngineData : public tarnObject {
 
     /// Takes a value of tag 22 over as the record's whole content.  The number of rows becomes one above the
     /// highest row of all columns and, if there is a row, is stored as a value of tag 2 in field 185.
-    /// - Owner: the record takes `value` itself too, which must come from new.
+    /// - Owner: the record takes `value` itself too, which must come from new, or be a part of the record.
     /// - Bad input: a value of another tag, or without a field list, stays the caller's and nothing happens.
     void setRootData(MOLTVARIANT* value);
     /// @}
@@ -178,9 +178,11 @@ class TARN_EXPORT tarnEngineData : public tarnObject {
     ///   there stays.
     int loadData(const char* fileName, eLoadType mode);
 
-    /// Saves the indexed form.  Values of tags 16, 20 and 22 have no form in a file and are saved as empty
-    /// ones.
-    /// - Answers 1, or 0 if the file can't be written.
+    /// Saves the indexed form.  Each row below `numMulti` that a column has no cell for takes 16 bytes.  Values
+    /// of tags 16, 20 and 22 have no form in a file and are saved as empty ones; so reads a vector that lies
+    /// deeper than 64 vectors.
+    /// - Answers 1, or 0 if the file can't be written.  A file that would become longer than loadData takes
+    ///   (store/index_data_file.h) isn't touched.
     int saveData(const char* fileName);
     /// @}
 

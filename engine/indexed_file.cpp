@@ -8,6 +8,7 @@
 
 #include "engine/column.h"
 #include "engine/engine_data.h"
+#include "engine/field_lookup.h"
 #include "engine/record_loader.h"
 #include "store/index_data_access.h"
 #include "store/index_data_file.h"
@@ -51,15 +52,20 @@ std::vector<SavedField> fieldsToSave(const tarnFieldList& fields) {
     return saved;
 }
 
-// Writes the values of rows 0 up to `rows`, an empty one for a row without a cell.
-void writeColumn(tarn::IndexFileWriter& writer, nodeList* column, std::int32_t rows) {
-    nodeCell* const* cell = column == nullptr ? nullptr : column->cells + column->findInsertPosition(0);
-    nodeCell* const* const end = column == nullptr ? nullptr : column->cells + column->count;
-    for (std::int32_t row = 0; row < rows; ++row) {
-        const bool found = cell != end && (*cell)->key.number == row;
-        writer.writeValue(found ? (*cell)->value : nullptr);
-        while (found && ++cell != end && (*cell)->key.number == row) continue;  // a row that is there twice
+// Gives a writer the values of rows 0 up to `rows`, an empty one for a row without a cell.
+template <class Target>
+void writeRows(Target& target, nodeList* column, std::int32_t rows) {
+    std::int32_t row = 0;
+    const std::int32_t count = column == nullptr ? 0 : column->count;
+    for (std::int32_t i = count == 0 ? 0 : column->findInsertPosition(0); i < count; ++i) {
+        const nodeCell& cell = *column->cells[i];
+        if (cell.key.number >= rows) break;
+        if (cell.key.number < row) continue;  // a row that is there twice
+        target.writeEmptyValues(cell.key.number - row);
+        target.writeValue(cell.value);
+        row = cell.key.number + 1;
     }
+    target.writeEmptyValues(rows - row);
 }
 
 }  // namespace
@@ -72,18 +78,17 @@ int tarnEngineData::saveBinaryData(const char* fileName) {
     for (const SavedField& field : saved) {
         index.push_back({field.id, field.type, field.type == typeColumn ? numMulti : 1, 0});
     }
-    tarn::IndexFileWriter writer(fileName, index);
-    if (!writer.isOpen()) return 0;
-    for (const SavedField& field : saved) {
-        writer.beginRecord();
-        if (field.type == typeField) {
-            writer.writeValue(field.value);
-        } else {
-            const multiColumn* const column = field.value->payload.multi;
-            writeColumn(writer, column == nullptr ? nullptr : column->nodes, numMulti);
+    const bool written = tarn::writeIndexFile(fileName, index, [&](auto& target) {
+        for (const SavedField& field : saved) {
+            target.beginRecord();
+            if (field.type == typeField) {
+                target.writeValue(field.value);
+            } else {
+                writeRows(target, tarn::cellsOf(*field.value), numMulti);
+            }
         }
-    }
-    return writer.finish() ? 1 : 0;
+    });
+    return written ? 1 : 0;
 }
 
 int tarnEngineData::saveData(const char* fileName) {

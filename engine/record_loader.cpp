@@ -1,7 +1,7 @@
 // Putting a file's content into a record.  See the header for the one idea; the difficult case is loadInsert,
-// whose outcome is that of inserting row after row: each new row r moves every cell at r or behind it up by
-// one.  Rows come in ascending order, so an old cell that a new row has passed never moves again, and the
-// others have moved by as many rows as came.
+// whose outcome is that of inserting cell after cell: each new cell at row r moves every cell at r or behind it
+// up by one.  Rows come in ascending order, so a cell that a new row has passed never moves again, and the
+// others have moved by as many cells as came since.
 // Tests: tests/engine/record_files_test.cpp.
 
 #include "engine/record_loader.h"
@@ -114,35 +114,43 @@ void RecordLoader::insertCell(std::int32_t index, std::int32_t row, OwnedValue v
     if (place >= insertions_.size()) insertions_.resize(place + 1);
     Insertion& insertion = insertions_[place];
     if (insertion.column == nullptr) insertion.begin(*column);
-    if (row <= insertion.lastRow) {
-        // A column that recurs in a row moves what has just been inserted: its cells are all old ones now.
-        insertion.finish();
-        tarn::insertCell(*column, row, std::move(value));
-        insertion.begin(*column);
-    } else {
-        std::int32_t end = insertion.settled;
-        while (end < insertion.oldCells &&
-               std::int64_t{column->cells[end]->key.number} + insertion.moved < row)
-            ++end;
-        insertion.settle(end);
-        addCell(*column, row, std::move(value));
-        ++insertion.moved;
-    }
-    insertion.lastRow = row;
+    insertion.insert(row, std::move(value));
 }
 
 void RecordLoader::Insertion::begin(nodeList& cells) {
-    cells.sort();
-    *this = {&cells, cells.count, 0, 0, -1};
+    column = &cells;
+    column->sort();
+    oldCells = column->count;
 }
 
-void RecordLoader::Insertion::settle(std::int32_t end) {
+void RecordLoader::Insertion::insert(std::int32_t row, OwnedValue value) {
+    settleBefore(row);
+    column->reserve(1);
+    recent.push_back({column->count, moved + 1});
+    addCell(*column, row, std::move(value));
+    ++moved;
+}
+
+// Gives the cells that are in front of a row now their final rows.
+void RecordLoader::Insertion::settleBefore(std::int64_t row) {
+    const auto keyAt = [this](std::int32_t position) {
+        return std::int64_t{column->cells[position]->key.number};
+    };
+    while (!recent.empty()) {
+        const auto [position, movedThen] = recent.back();
+        const std::int32_t since = moved - movedThen;
+        if (keyAt(position) + since >= row) return;
+        column->shiftKeys(position, position + 1, since);
+        recent.pop_back();
+    }
+    std::int32_t end = settled;
+    while (end < oldCells && keyAt(end) + moved < row) ++end;
     column->shiftKeys(settled, end, moved);
     settled = end;
 }
 
 void RecordLoader::Insertion::finish() {
-    settle(oldCells);
+    settleBefore(INT64_MAX);
     column->sort();
 }
 

@@ -58,17 +58,23 @@ class RecordLoader {
     void reserveCells(std::int32_t id, std::int32_t cells);
 
   private:
-    // The rows of one column under loadInsert: old cells before position `settled` have their final row,
-    // those behind it, up to `oldCells`, are `moved` rows short of it, and the new cells follow them.
+    // The rows of one column under loadInsert, of which `moved` have come.  Old cells before position `settled`
+    // have their final row, those behind it, up to `oldCells`, are `moved` rows short of it.  The new cells
+    // follow them; those that the rows to come may still move wait in `recent`, the highest row first.
     struct Insertion {
+        struct NewCell {
+            std::int32_t position;
+            std::int32_t movedThen;  // `moved` when it had come
+        };
         nodeList* column = nullptr;
         std::int32_t oldCells = 0;
         std::int32_t settled = 0;
         std::int32_t moved = 0;
-        std::int32_t lastRow = -1;
+        std::vector<NewCell> recent;
 
         void begin(nodeList& cells);
-        void settle(std::int32_t end);
+        void insert(std::int32_t row, OwnedValue value);
+        void settleBefore(std::int64_t row);
         void finish();
     };
 

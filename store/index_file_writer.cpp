@@ -10,7 +10,7 @@
 #include <string>
 
 #include "base/byte_order.h"
-#include "core/string.h"
+#include "core/value_text.h"
 #include "store/index_format.h"
 
 namespace tarn {
@@ -28,25 +28,60 @@ std::size_t blobLength(const MOLTVARIANT& blob) {
     return empty ? 0 : static_cast<std::size_t>(blob.payload.blob.length);
 }
 
-// The size word: what sizeOfData gives, for values as they are stored.
-std::uint32_t storedSize(const MOLTVARIANT* value) {
-    if (isStoredEmpty(value)) return payloadSize;
-    if (value->tag == tagBlob) return static_cast<std::uint32_t>(blobLength(*value) + wordSize);
-    if (value->tag != tagVector) return static_cast<std::uint32_t>(value->sizeOfData());
-    std::uint32_t size = 0;
-    for (MOLTVARIANT* const* entry = value->payload.vector; entry != nullptr && *entry != nullptr; ++entry) {
-        size += storedSize(*entry);
-    }
-    return size;
+// What texts take in a file, nothing for NULL.
+std::uint64_t textBytes(const char* text) {
+    return text == nullptr ? 0 : std::strlen(text) + 1;
+}
+std::uint64_t textBytes(const char16_t* text) {
+    return text == nullptr ? 0 : 2 * (std::uint64_t{std::char_traits<char16_t>::length(text)} + 1);
 }
 
-std::uint32_t vectorLength(MOLTVARIANT* const* vector) {
-    std::uint32_t length = 0;
-    while (vector != nullptr && vector[length] != nullptr) ++length;
+template <class Function>
+void forEachElement(MOLTVARIANT* const* vector, const Function& function) {
+    for (; vector != nullptr && *vector != nullptr; ++vector) function(*vector);
+}
+
+// The number in the size word.
+std::uint64_t storedSize(const MOLTVARIANT* value) {
+    if (isStoredEmpty(value)) return payloadSize;
+    switch (value->tag) {
+        case tagText:
+        case tagString: return textBytes(textOf(*value));
+        case tagWideText: return textBytes(value->payload.wideText);
+        case tagBlob: return blobLength(*value) + wordSize;
+        case tagVector: {
+            std::uint64_t size = 0;
+            forEachElement(value->payload.vector,
+                           [&](const MOLTVARIANT* element) { size += storedSize(element); });
+            return size;
+        }
+        case tagLong:
+        case tagNumber: return wordSize;
+        default: return payloadSize;
+    }
+}
+
+// All bytes of a value.
+std::uint64_t storedLength(const MOLTVARIANT* value) {
+    if (isStoredEmpty(value) || value->tag != tagVector) return prefixSize + storedSize(value);
+    std::uint64_t length = prefixSize + wordSize;
+    forEachElement(value->payload.vector,
+                   [&](const MOLTVARIANT* element) { length += storedLength(element); });
     return length;
 }
 
 }  // namespace
+
+IndexFileMeasure::IndexFileMeasure(std::size_t records)
+    : length_(sizeof marker + headerSize + std::uint64_t{records} * indexRecordSize) {}
+
+void IndexFileMeasure::writeValue(const MOLTVARIANT* value) {
+    length_ += storedLength(value);
+}
+
+void IndexFileMeasure::writeEmptyValues(std::int32_t count) {
+    if (count > 0) length_ += static_cast<std::uint64_t>(count) * (prefixSize + payloadSize);
+}
 
 IndexFileWriter::IndexFileWriter(const char* fileName, std::vector<_IndexRecord>& index)
     : file_(fileName, GENERIC_WRITE, 0, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL),
@@ -125,7 +160,7 @@ void IndexFileWriter::writePrefix(std::int32_t tag, std::uint32_t size) {
 // Texts are most of what records hold: a short one is written in one piece with its prefix.
 void IndexFileWriter::writeText(std::int32_t tag, const char* text) {
     constexpr std::size_t shortText = chunk - prefixSize;
-    const std::size_t size = text == nullptr ? 0 : std::strlen(text) + 1;
+    const auto size = static_cast<std::size_t>(textBytes(text));
     if (size == 0 || size > shortText) {
         writePrefix(tag, static_cast<std::uint32_t>(size));
         return write(text, size);
@@ -136,18 +171,19 @@ void IndexFileWriter::writeText(std::int32_t tag, const char* text) {
 }
 
 void IndexFileWriter::writeWideText(const char16_t* text) {
-    const std::size_t units = text == nullptr ? 0 : std::char_traits<char16_t>::length(text) + 1;
-    writePrefix(tagWideText, static_cast<std::uint32_t>(2 * units));
-    for (std::size_t i = 0; i < units; ++i) storeLittleEndian(reserve(2), text[i], 2);
+    const std::uint64_t size = textBytes(text);
+    writePrefix(tagWideText, static_cast<std::uint32_t>(size));
+    for (std::uint64_t i = 0; i < size / 2; ++i) storeLittleEndian(reserve(2), text[i], 2);
 }
 
 void IndexFileWriter::writeVector(const MOLTVARIANT& value) {
-    const std::uint32_t length = vectorLength(value.payload.vector);
-    writePrefix(tagVector, storedSize(&value));
+    std::uint32_t length = 0;
+    forEachElement(value.payload.vector, [&](const MOLTVARIANT* /*element*/) { ++length; });
+    writePrefix(tagVector, static_cast<std::uint32_t>(storedSize(&value)));
     writeWord(length);
     // As an index record counts, a vector is its elements' payloads and three words.
     const std::uint32_t offset = offset_ + static_cast<std::uint32_t>(wordSize);
-    for (std::uint32_t i = 0; i < length; ++i) writeValue(value.payload.vector[i]);
+    forEachElement(value.payload.vector, [&](const MOLTVARIANT* element) { writeValue(element); });
     offset_ = offset;
 }
 
@@ -164,11 +200,8 @@ void IndexFileWriter::writePlain(const MOLTVARIANT& value) {
 void IndexFileWriter::writeValue(const MOLTVARIANT* value) {
     if (isStoredEmpty(value)) return writePlain(MOLTVARIANT());
     switch (value->tag) {
-        case tagText: return writeText(tagText, value->payload.text);
-        case tagString: {
-            const tarnString* const string = value->payload.string;
-            return writeText(tagString, string == nullptr ? nullptr : string->text);
-        }
+        case tagText:
+        case tagString: return writeText(value->tag, textOf(*value));
         case tagWideText: return writeWideText(value->payload.wideText);
         case tagVector: return writeVector(*value);
         case tagBlob: {
@@ -181,23 +214,26 @@ void IndexFileWriter::writeValue(const MOLTVARIANT* value) {
     }
 }
 
+void IndexFileWriter::writeEmptyValues(std::int32_t count) {
+    for (; count > 0; --count) writeValue(nullptr);
+}
+
 }  // namespace tarn
 
 int tarnIndexDataFile::writeIndexDataFile(const char* fileName) {
-    header_ = {static_cast<std::int32_t>(tarn::indexfile::headerSize),
-               static_cast<std::int32_t>(tarn::indexfile::formatVersion),
-               static_cast<std::int32_t>(records_.size())};
     std::vector<_IndexRecord> index;
     index.reserve(records_.size());
     for (const Record& record : records_) index.push_back(record.index);
-
-    tarn::IndexFileWriter writer(fileName, index);
-    if (!writer.isOpen()) return 0;
-    for (const Record& record : records_) {
-        writer.beginRecord();
-        for (const MOLTVARIANT* const value : record.values) writer.writeValue(value);
-    }
-    const bool written = writer.finish();
+    const bool written = tarn::writeIndexFile(fileName, index, [this](auto& target) {
+        for (const Record& record : records_) {
+            target.beginRecord();
+            for (const MOLTVARIANT* const value : record.values) target.writeValue(value);
+        }
+    });
+    if (!written) return 0;
+    header_ = {static_cast<std::int32_t>(tarn::indexfile::headerSize),
+               static_cast<std::int32_t>(tarn::indexfile::formatVersion),
+               static_cast<std::int32_t>(records_.size())};
     for (std::size_t i = 0; i < index.size(); ++i) records_[i].index.offset = index[i].offset;
-    return written ? 1 : 0;
+    return 1;
 }

@@ -11,8 +11,24 @@
 #include "core/variant.h"
 #include "store/file_handle.h"
 #include "store/index_data_file.h"
+#include "store/whole_file.h"
 
 namespace tarn {
+
+// Adds up how long a file becomes, of the same calls that write it.
+class IndexFileMeasure {
+  public:
+    explicit IndexFileMeasure(std::size_t records);
+
+    void beginRecord() {}
+    void writeValue(const MOLTVARIANT* value);
+    void writeEmptyValues(std::int32_t count);
+
+    [[nodiscard]] std::uint64_t length() const { return length_; }
+
+  private:
+    std::uint64_t length_;
+};
 
 // Call order: beginRecord before the values of each record of `index`, writeValue for each of its values,
 // finish.  After a failure everything else does nothing, and finish answers false.
@@ -31,6 +47,8 @@ class IndexFileWriter {
     void beginRecord();
     // NULL writes an empty value.
     void writeValue(const MOLTVARIANT* value);
+    // None for a count below 1.
+    void writeEmptyValues(std::int32_t count);
     bool finish();
 
   private:
@@ -61,5 +79,19 @@ class IndexFileWriter {
     std::size_t used_ = 0;
     std::unique_ptr<unsigned char[]> buffer_;
 };
+
+// Writes a whole file, unless it becomes longer than a reader takes: then nothing is touched.  `putValues` is
+// handed a measure first and a writer then, and gives each the values of all records of `index`, which takes
+// the offsets.
+template <class PutValues>
+bool writeIndexFile(const char* fileName, std::vector<_IndexRecord>& index, const PutValues& putValues) {
+    IndexFileMeasure measure(index.size());
+    putValues(measure);
+    if (measure.length() > longestReadable) return false;
+    IndexFileWriter writer(fileName, index);
+    if (!writer.isOpen()) return false;
+    putValues(writer);
+    return writer.finish();
+}
 
 }  // namespace tarn

@@ -12,7 +12,7 @@ namespace tarn {
 namespace {
 
 // Asks the file's length.  A failure is above every limit as well.
-bool measure(HANDLE file, DWORD longest, std::size_t& length) {
+bool measure(HANDLE file, std::size_t longest, std::size_t& length) {
     DWORD high = 0;
     const DWORD low = GetFileSize(file, &high);
     length = low;
@@ -27,8 +27,7 @@ WholeFile readWholeFile(const char* name, DWORD share, DWORD flags, std::size_t 
     if (!file.isOpen()) return whole;
     whole.result = FileResult::cantMeasure;
     std::size_t length = 0;
-    if (!measure(file.get(), static_cast<DWORD>(std::min<std::size_t>(longest, SIZE_MAX / 2)), length))
-        return whole;
+    if (!measure(file.get(), std::min<std::size_t>(longest, longestReadable), length)) return whole;
 
     whole.length = length;
     whole.data = std::make_unique_for_overwrite<char[]>(length + room);

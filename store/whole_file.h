@@ -4,6 +4,7 @@
 //
 // Threads: no shared state.
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -31,6 +32,9 @@ struct WholeFile {
 
 constexpr DWORD longestSigned = 0x7FFFFFFF;    // what the callers with 32-bit signed sizes can take
 constexpr DWORD longestUnsigned = 0xFFFFFFF0;  // what one read can take
+
+// The longest file that readWholeFile can ever take.
+constexpr std::size_t longestReadable = std::min<std::size_t>(longestUnsigned, SIZE_MAX / 2);
 
 // Reads an existing file, opened for reading with these sharing modes and flags.
 //   room     zero bytes behind the content, for terminators; bytes that weren't read are zero as well

@@ -75,6 +75,25 @@ TEST(EngineDataTest, AWholeValueIsTakenOverWithItsRows) {
     expectRecord(record, counted, 5);
 }
 
+TEST(EngineDataTest, APartThatLiesDeeperIsTakenOver) {
+    const Owned part = recordOf({{1, whole(5)}}), list = listOf({part}), vector = vectorOf({part});
+    tarnEngineData record;
+    const auto payload = [&] { return record.fields->values->getAt(0)->payload; };
+    const auto takeOver = [&](MOLTVARIANT* value) {
+        record.setRootData(value);
+        expectRecord(record, {{1, whole(5)}}, 0);
+        record.removeData(1);
+    };
+    record.storeMultiData(9, 0, &part, 0);
+    takeOver(payload().multi->nodes->cells[0]->value);
+    record.storeData(9, &list);
+    takeOver(payload().list->getAt(0));
+    record.storeData(9, &vector);
+    takeOver(payload().vector[0]);
+    record.setRootData(recordOf({{9, recordOf({{8, part}})}}).release());
+    takeOver(payload().record->values->getAt(0));
+}
+
 TEST(EngineDataTest, ACopyIsDeepAndStartsWithoutMemory) {
     const Keyed fields = {{7, whole(1)}, {7, rowsOf({whole(1), whole(2)})}, {185, number(tagShort, 2)}};
     tarnEngineData record;

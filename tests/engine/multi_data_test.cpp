@@ -152,6 +152,18 @@ TEST_F(MultiDataTest, ARecordAppendedToItselfDoubles) {
     expectRecord(record, {{1, upper}, {2, lower}, {-26, Owned()}}, 4);
 }
 
+TEST_F(MultiDataTest, InsertedAtTheEndARowMovesNoOther) {
+    int moves = 0;
+    const nodeCell* const* cells = nullptr;
+    for (std::int32_t row = 0; row < 10'000; ++row) {
+        insert(7, row, whole(row));
+        const nodeList& column = *record.fields->values->getAt(0)->payload.multi->nodes;
+        if (column.cells != cells) ++moves;
+        cells = column.cells;
+    }
+    EXPECT_LT(moves, 100);  // it grows by a factor
+}
+
 TEST_F(MultiDataTest, ACellTakesAViewOfItself) {
     const Owned abc = text("abc");
     MOLTVARIANT view;

@@ -1,5 +1,7 @@
 // Files of the record: engine/text_file.cpp, engine/indexed_file.cpp, engine/record_loader.cpp.
 
+#include <ctime>
+
 #include "tests/engine/records.h"
 
 namespace {
@@ -118,6 +120,42 @@ TEST_F(RecordFilesTest, InsertedRowsEndWhereInsertingOneByOneEnds) {
 }
 
 // Empty cells leave gaps, a column without any other cell isn't made, a list has no form in a file.
+// Processor time of a load, and what it leaves.
+TEST_F(RecordFilesTest, AColumnThatRecursInARowTakesNoLongerToInsert) {
+    constexpr std::int32_t cells = 20'000;
+    std::string content = "#0^#1|1^1|3|1^";
+    for (std::int32_t i = 0; i < cells; ++i) content += "2|3|" + std::to_string(i) + "^";
+    fill(name, content);
+    const auto timeOf = [&](tarnEngineData& record, eLoadType mode) {
+        const std::clock_t start = std::clock();
+        EXPECT_EQ(record.loadData(name.c_str(), mode), 1);
+        return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
+    };
+    tarnEngineData replaced, inserted;
+    const double plain = timeOf(replaced, loadReplace);
+    EXPECT_LT(timeOf(inserted, loadInsert), 100 * std::max(plain, 0.001));
+    MOLTVARIANT out;
+    EXPECT_EQ(inserted.numMulti, cells);
+    EXPECT_EQ(inserted.getMultiData(2, 0, &out), 1);
+    EXPECT_EQ(whole(cells - 1), out);
+    EXPECT_EQ(inserted.getMultiData(2, cells - 1, &out), 1);
+    EXPECT_EQ(whole(0), out);
+}
+
+// Single cells in 3,000 columns of 100,001 rows are 4.8 GB of empty values, more than a reader takes.
+TEST_F(RecordFilesTest, AFileThatNobodyCouldReadIsNotWritten) {
+    const Owned one = whole(1);
+    tarnEngineData record;
+    for (std::int32_t id = 0; id < 3000; ++id) record.storeMultiData(id, 0, &one, 1);
+    record.setNumMulti(100'001);
+    fill(name, "old");
+    EXPECT_EQ(record.saveData(name.c_str()), 0);
+    EXPECT_EQ(contentOf(name), "old");
+    record.setNumMulti(-1);
+    EXPECT_EQ(record.saveData(name.c_str()), 1);
+    EXPECT_EQ(contentOf(name).size(), 13U + 3000 * 16);
+}
+
 TEST_F(RecordFilesTest, ASavedRecordLoadsEqualWithItsGaps) {
     const Owned list = listOf({});
     const Element old = text("old"), empty = Owned(), zero = whole(0), two = whole(2), three = whole(3);

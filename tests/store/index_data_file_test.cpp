@@ -3,6 +3,7 @@
 
 #include "store/index_data_file.h"
 
+#include "store/index_file_writer.h"
 #include "tests/values.h"
 
 namespace {
@@ -139,8 +140,33 @@ TEST_F(IndexDataFileTest, EveryFormHasItsBytes) {
                   value(tagText, "abc\0"s) + emptyValue + prefix(tagVector, 11) + word(2) +
                   value(tagDouble, word(0) + word(0x3FF00000)) + value(tagText, "ab\0"s) +
                   prefix(tagBlob, 9) + word(5) + "12345" + longValue(42) + value(tagWideText, "w\0\0\0"s));
+    // More than is written in one piece, behind what waits to be written.
+    const std::string longText(70'000, 'x');
+    tarnIndexDataFile larger;
+    larger.addIndexRecord(0, 0, 2);
+    larger.addDataRecord(0, 0, 0, "abc");
+    larger.addDataRecord(0, 0, 1, longText.c_str());
+    EXPECT_EQ(larger.writeIndexDataFile(name.c_str()), 1);
+    EXPECT_EQ(contentOf(name), header(12, 1, 1) + record(0, 0, 2) + value(tagText, "abc\0"s) +
+                                   value(tagText, longText + "\0"s));
     EXPECT_EQ(file.writeIndexDataFile(folder.path().string().c_str()), 0);
     EXPECT_EQ(file.writeIndexDataFile(nullptr), 0);
+}
+
+// A blob's length is read before its bytes, which aren't there.
+TEST_F(IndexDataFileTest, AFileThatNobodyCouldReadIsNotWritten) {
+    fill(name, "old");
+    add(1, 0, blob("x"));
+    add(2, 0, blob("x"));
+    std::vector<MOLTVARIANT*> stored(2);
+    for (std::int32_t i = 0; i < 2; ++i) {
+        file.getDataRecord(i + 1, 0, 0, &stored[static_cast<std::size_t>(i)]);
+        stored[static_cast<std::size_t>(i)]->payload.blob.length = INT32_MAX;
+    }
+    EXPECT_EQ(file.writeIndexDataFile(name.c_str()), 0);
+    EXPECT_EQ(contentOf(name), "old");
+    for (MOLTVARIANT* const value : stored) value->payload.blob.length = 1;
+    EXPECT_EQ(file.writeIndexDataFile(name.c_str()), 1);
 }
 
 // One record of each form, read back as the format says, and then every truncation and flipped byte of it.
@@ -165,15 +191,19 @@ TEST_F(IndexDataFileTest, EveryFormReadsBackAndItsDamageIsSafe) {
                                                {block, Owned()},
                                                {listOf({}), Owned()}};
     std::vector<Held> expected;
+    tarn::IndexFileMeasure measure(std::size(same) + std::size(changed));
     const auto addForm = [&](const Owned& saved, const Owned& read) {
         const auto id = static_cast<std::int32_t>(expected.size());
         file.addIndexRecord(id, id % 2, 2);
         file.addDataRecord(id, id % 2, 1, &saved);
+        measure.writeEmptyValues(1);
+        measure.writeValue(&saved);
         expected.push_back({id, id % 2, 2, {Owned(), read}});
     };
     for (const Owned& form : same) addForm(form, form);
     for (const auto& [saved, read] : changed) addForm(saved, read);
     const std::string good = savedBytes();
+    EXPECT_EQ(measure.length(), good.size());
     load(good);
     expectRecords(loaded, expected);
     ASSERT_EQ(loaded.writeIndexDataFile(name.c_str()), 1);
