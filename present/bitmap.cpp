@@ -36,7 +36,7 @@ std::int32_t colorCount(const BITMAPINFOHEADER& header) {
 }
 
 std::uint64_t pixelOffset(const BITMAPINFOHEADER& header) {
-    return header.biSize + colorSize * static_cast<std::uint64_t>(colorCount(header));
+    return tarn::packedTableOffset(header) + colorSize * static_cast<std::uint64_t>(colorCount(header));
 }
 
 bool isWhole(const void* packed, std::uint64_t size) {
@@ -44,9 +44,8 @@ bool isWhole(const void* packed, std::uint64_t size) {
     const BITMAPINFOHEADER header = headerOf(packed);
     const std::uint64_t offset = pixelOffset(header);
     if (header.biSize < headerSize || header.biWidth < 0 || offset > size) return false;
-    if (header.biCompression == BI_BITFIELDS && size < headerSize + tarn::packedMasksSize) return false;
     const std::uint64_t room = size - offset;
-    if (header.biCompression == BI_RLE8 || header.biCompression == BI_RLE4) return header.biSizeImage <= room;
+    if (tarn::isRunLength(header)) return header.biSizeImage <= room;
     const auto rows = static_cast<std::uint64_t>(std::abs(std::int64_t{header.biHeight}));
     const std::uint64_t rowBits = static_cast<std::uint64_t>(header.biWidth) * header.biBitCount;
     const std::uint64_t rowBytes = (rowBits + 31) / 32 * 4;
@@ -59,8 +58,10 @@ struct BitmapInfo {
     RGBQUAD colors[256];
 };
 
-BitmapInfo infoOf(const unsigned char* packed) {
+BitmapInfo infoOf(const unsigned char* packed, std::uint32_t size) {
     BitmapInfo info{headerOf(packed), {}};
+    if (tarn::hasUnmeasuredRuns(info.header))
+        info.header.biSizeImage = static_cast<DWORD>(size - pixelOffset(info.header));
     if (info.header.biCompression == BI_BITFIELDS) {
         const unsigned char* const stored = packed + headerSize;
         const DWORD masks[] = {tarn::loadWord(stored), tarn::loadWord(stored + 4),
@@ -154,7 +155,8 @@ HBITMAP tarnBitmap::loadPaletteBitmap(std::uint16_t id) {
     const HGLOBAL loaded = LoadResource(instance, resource);
     const auto* const packed = static_cast<const unsigned char*>(LockResource(loaded));
     HBITMAP made = nullptr;
-    if (isWhole(packed, SizeofResource(instance, resource))) {
+    const DWORD size = SizeofResource(instance, resource);
+    if (isWhole(packed, size)) {
         const ScreenContext owner(GetDC(nullptr));
         const HDC screen = owner.get();
         std::int32_t colors = 0;
@@ -164,7 +166,7 @@ HBITMAP tarnBitmap::loadPaletteBitmap(std::uint16_t id) {
             RealizePalette(screen);
         }
         const BITMAPINFOHEADER header = headerOf(packed);
-        const BitmapInfo info = infoOf(packed);
+        const BitmapInfo info = infoOf(packed, size);
         made = CreateDIBitmap(screen, &info.header, CBM_INIT, packed + pixelOffset(header),
                               reinterpret_cast<const BITMAPINFO*>(&info), DIB_RGB_COLORS);
         width = header.biWidth;

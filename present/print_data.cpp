@@ -1,15 +1,22 @@
-// Print items: records that own a deep copy of their value, and rows that own their texts and blobs alone.
+// Print items: records that own a deep copy of their value, and rows that own their texts and blobs alone.  A
+// row finds its container by an index of the first item of each id.
 // Tests: tests/present/print_data_test.cpp.
 
 #include "present/print_data.h"
 
 #include <cstdio>
+#include <map>
 #include <memory>
 #include <string_view>
 
 #include "calendar/market_calendar.h"
 #include "core/value_text.h"
 #include "platform/win32.h"
+
+// The item that decides about the rows of its id.
+struct tarn::PrintIndex {
+    std::map<std::int32_t, _PrintStruct*> byId;
+};
 
 namespace {
 
@@ -71,19 +78,31 @@ Item newItem(std::int32_t id, std::int32_t flags, std::int32_t extra) {
     return item;
 }
 
+// Answers the record, which belongs to the list from now on; NULL for a list that is full.
 template <class Record, class Deleter>
-void append(tarnTList<Record*>& list, std::unique_ptr<Record, Deleter> record) {
+Record* append(tarnTList<Record*>& list, std::unique_ptr<Record, Deleter> record) {
     const std::int32_t place = list.count;
     list.add(record.get());
-    if (list.getAt(place) == record.get()) static_cast<void>(record.release());  // the list's from now on
+    return list.getAt(place) == record.get() ? record.release() : nullptr;
+}
+
+// Takes memory for the index first, so that an item is in both or in none.
+void append(tarnTList<_PrintStruct*>& list, tarn::PrintIndex& index, Item item) {
+    std::map<std::int32_t, _PrintStruct*> entry{{item->id, item.get()}};
+    if (append(list, std::move(item)) != nullptr) index.byId.merge(entry);  // an earlier item of the id stays
 }
 
 }  // namespace
 
-tarnPrintData::tarnPrintData() : items_(new tarnTList<_PrintStruct*>) {}
+tarnPrintData::tarnPrintData() : items_(nullptr), firstItems_(nullptr) {
+    auto index = std::make_unique<tarn::PrintIndex>();
+    items_ = new tarnTList<_PrintStruct*>;
+    firstItems_ = index.release();
+}
 
 tarnPrintData::~tarnPrintData() {
     releaseList(items_, ItemDeleter{});
+    delete firstItems_;
 }
 
 void tarnPrintData::storeData(std::int32_t id, const MOLTVARIANT* value, std::int32_t flags,
@@ -97,7 +116,7 @@ void tarnPrintData::storeData(std::int32_t id, const MOLTVARIANT* value, std::in
     if (item->value.tag == tagPlain9 && (flags & tarn::printMultiData) != 0) {
         item->multiData = new tarnTList<_MultiPrintStruct*>;
     }
-    append(*items_, std::move(item));
+    append(*items_, *firstItems_, std::move(item));
 }
 
 void tarnPrintData::storeDateTime(std::int32_t flags) {
@@ -109,7 +128,7 @@ void tarnPrintData::storeDateTime(std::int32_t flags) {
     std::snprintf(text, sizeof text, "%s  %d:%02d:%02d", date, now.wHour, now.wMinute, now.wSecond);
     Item item = newItem(0, flags, 0);
     item->value = newText("", text);
-    append(*items_, std::move(item));
+    append(*items_, *firstItems_, std::move(item));
 }
 
 void tarnPrintData::storeMultiData(const _MultiPrintStruct* record, const MOLTVARIANT* value) {
@@ -143,12 +162,6 @@ std::int32_t tarnPrintData::getNumMultiData(std::int32_t id) const {
 }
 
 tarnTList<_MultiPrintStruct*>* tarnPrintData::findMultiData(std::int32_t id) const {
-    if (lastFound_ != nullptr && lastFound_->id == id) return lastFound_->multiData;
-    for (std::int32_t i = 0; i < items_->count; ++i) {
-        const _PrintStruct* const item = items_->getAt(i);
-        if (item->id != id) continue;
-        lastFound_ = item;
-        return item->multiData;
-    }
-    return nullptr;
+    const auto found = firstItems_->byId.find(id);
+    return found == firstItems_->byId.end() ? nullptr : found->second->multiData;
 }

@@ -26,6 +26,8 @@ namespace tarn {
 constexpr std::int32_t printMultiData = 0x40;  ///< an item of tag 9 holds rows
 constexpr std::int32_t printBullet = 0x2000;   ///< the text gets a bullet in front, the bytes 0x95 0x20
 
+struct PrintIndex;
+
 }  // namespace tarn
 
 /// A row of a container.
@@ -85,5 +87,5 @@ class TARN_EXPORT tarnPrintData {
     TARN_HIDDEN tarnTList<_MultiPrintStruct*>* findMultiData(std::int32_t id) const;
 
     tarnTList<_PrintStruct*>* items_;
-    mutable const _PrintStruct* lastFound_ = nullptr;  // the first item of its id: rows come in runs
+    tarn::PrintIndex* firstItems_;
 };

@@ -1,7 +1,7 @@
 // Device-independent bitmaps: rows of pixels of 1, 4, 8, 16, 24 or 32 bits, each row on a multiple of 4
-// bytes, from the bottom up where the height is above 0.  Up to 8 bits a pixel is an entry of the colour
-// table behind the header; above, masks say which bits are its primaries, fixed ones or (BI_BITFIELDS) three
-// words behind the first 40 bytes of the header.  Run-length encoded pixels aren't read.
+// bytes, from the bottom up where the height is above 0; of 4 and 8 bits also as runs (run_length.h).  Up to 8
+// bits a pixel is an entry of the colour table behind the header; above, masks say which bits are its
+// primaries, fixed ones or (BI_BITFIELDS) three words behind the first 40 bytes of the header.
 // Tests: tests/platform/screen_test.cpp, tests/present/bitmap_test.cpp.
 
 #include <algorithm>
@@ -12,15 +12,21 @@
 
 #include "platform/drawing/objects.h"
 #include "platform/drawing/packed_bitmap.h"
+#include "platform/drawing/run_length.h"
 #include "platform/win32.h"
 
 namespace {
 
-using tarn::Bitmap;
+using tarn::Bitmap, tarn::ColorTable;
 
 struct ColorMasks {
     DWORD red, green, blue;
 };
+
+HBITMAP refuse() {
+    SetLastError(ERROR_INVALID_PARAMETER);
+    return nullptr;
+}
 
 constexpr ColorMasks masks16{0x7C00, 0x03E0, 0x001F};
 constexpr ColorMasks masks32{0xFF0000, 0x00FF00, 0x0000FF};
@@ -32,26 +38,30 @@ struct Layout {
     std::uint64_t rowBytes;
     std::uint64_t rows;
     std::uint64_t tableEntries;  // colours of the table behind the header
-    std::uint64_t masksBehind;   // bytes of masks between a header of 40 bytes and the table
 };
+
+bool isReadable(const BITMAPINFOHEADER& header) {
+    constexpr WORD depths[] = {1, 4, 8, 16, 24, 32};
+    const WORD depth = header.biBitCount;
+    if (header.biSize < sizeof header || header.biWidth < 0) return false;
+    switch (header.biCompression) {
+        case BI_RGB: return std::ranges::find(depths, depth) != std::end(depths);
+        case BI_BITFIELDS: return depth == 16 || depth == 32;
+        case BI_RLE8: return depth == 8 && header.biHeight >= 0;
+        case BI_RLE4: return depth == 4 && header.biHeight >= 0;
+        default: return false;
+    }
+}
 
 bool readLayout(const BITMAPINFOHEADER& header, Layout& layout) {
     layout.header = header;
-    constexpr WORD depths[] = {1, 4, 8, 16, 24, 32};
-    const bool maskedDepth = header.biBitCount == 16 || header.biBitCount == 32;
-    const bool readable =
-        header.biSize >= sizeof header && header.biWidth >= 0 &&
-        std::ranges::find(depths, header.biBitCount) != std::end(depths) &&
-        (header.biCompression == BI_RGB || (header.biCompression == BI_BITFIELDS && maskedDepth));
-    if (!readable) return false;
+    if (!isReadable(header)) return false;
     const auto width = static_cast<std::uint64_t>(header.biWidth);
     layout.rowBytes = (width * header.biBitCount + 31) / 32 * 4;
     layout.rows = static_cast<std::uint64_t>(std::abs(std::int64_t{header.biHeight}));
     const std::uint64_t allEntries = header.biBitCount <= 8 ? 1U << header.biBitCount : 0;
     const std::uint64_t used = header.biClrUsed;
     layout.tableEntries = used == 0 ? allEntries : allEntries == 0 ? used : std::min(used, allEntries);
-    layout.masksBehind =
-        header.biCompression == BI_BITFIELDS && header.biSize == sizeof header ? tarn::packedMasksSize : 0;
     layout.masks = header.biBitCount == 16 ? masks16 : masks32;
     return true;
 }
@@ -90,15 +100,21 @@ class PixelReader {
         return RGB(primary(pixel, masks_.red), primary(pixel, masks_.green), primary(pixel, masks_.blue));
     }
 
+    [[nodiscard]] const ColorTable& table() const { return table_; }
+
   private:
     unsigned depth_;
     ColorMasks masks_;
-    COLORREF table_[256] = {};  // entries that the file leaves out are black
+    ColorTable table_ = {};  // entries that the file leaves out are black
 };
 
 void decode(const Layout& layout, const unsigned char* info, const unsigned char* pixels,
             const Bitmap& bitmap) {
     const PixelReader reader(layout, info);
+    if (tarn::isRunLength(layout.header)) {
+        decodeRuns({pixels, layout.header.biSizeImage}, layout.header.biBitCount, reader.table(), bitmap);
+        return;
+    }
     for (std::int32_t y = 0; y < bitmap.height; ++y) {
         const auto line = static_cast<std::uint64_t>(layout.header.biHeight < 0 ? y : bitmap.height - 1 - y);
         const unsigned char* source = pixels + line * layout.rowBytes;
@@ -109,8 +125,18 @@ void decode(const Layout& layout, const unsigned char* info, const unsigned char
     }
 }
 
+// A few runs can claim a picture of any size; every pixel that they cover is paid for by its part of a run.
+bool isInProportion(const Layout& layout) {
+    constexpr std::uint64_t sparePixels = 16U << 20;
+    constexpr std::uint64_t pixelsPerByte = 128;  // two bytes are a run of 255 pixels at most
+    if (!tarn::isRunLength(layout.header)) return true;
+    const std::uint64_t most = sparePixels + pixelsPerByte * layout.header.biSizeImage;
+    return layout.rows == 0 || static_cast<std::uint64_t>(layout.header.biWidth) <= most / layout.rows;
+}
+
 HBITMAP decodeNew(const Layout& layout, const unsigned char* info, const unsigned char* pixels,
                   bool monochrome) {
+    if (!isInProportion(layout)) return refuse();
     const HBITMAP handle = tarn::makeBitmap(layout.header.biWidth, layout.header.biHeight, monochrome);
     const auto* bitmap = tarn::findDrawing<Bitmap>(handle);
     const bool empty = layout.header.biWidth == 0 || layout.rows == 0;
@@ -118,9 +144,9 @@ HBITMAP decodeNew(const Layout& layout, const unsigned char* info, const unsigne
     return handle;
 }
 
-HBITMAP refuse() {
-    SetLastError(ERROR_INVALID_PARAMETER);
-    return nullptr;
+bool fits(const Layout& layout, std::uint64_t room) {
+    if (tarn::isRunLength(layout.header)) return layout.header.biSizeImage <= room;
+    return layout.rows == 0 || layout.rowBytes <= room / layout.rows;
 }
 
 }  // namespace
@@ -139,7 +165,8 @@ HBITMAP CreateDIBitmap(HDC context, const BITMAPINFOHEADER* header, DWORD flags,
     if (!readLayout(described, layout)) return refuse();
     if (described.biCompression == BI_BITFIELDS)
         std::memcpy(&layout.masks, bytes + sizeof described, sizeof layout.masks);
-    if (layout.header.biWidth != header->biWidth || layout.header.biHeight != header->biHeight)
+    if (tarn::hasUnmeasuredRuns(described) || described.biWidth != header->biWidth ||
+        described.biHeight != header->biHeight)
         return refuse();
     return decodeNew(layout, bytes, static_cast<const unsigned char*>(pixels), monochrome);
 }
@@ -147,14 +174,13 @@ HBITMAP CreateDIBitmap(HDC context, const BITMAPINFOHEADER* header, DWORD flags,
 HBITMAP tarn::loadPackedBitmap(const unsigned char* data, std::size_t size) {
     Layout layout;
     if (size < packedHeaderSize || !readLayout(packedHeader(data), layout)) return refuse();
+    const std::uint64_t offset = packedTableOffset(layout.header) + layout.tableEntries * sizeof(RGBQUAD);
+    if (offset > size) return refuse();
+    if (hasUnmeasuredRuns(layout.header)) layout.header.biSizeImage = static_cast<DWORD>(size - offset);
+    if (!fits(layout, size - offset)) return refuse();
     if (layout.header.biCompression == BI_BITFIELDS) {
-        if (size < packedHeaderSize + packedMasksSize) return refuse();
         const unsigned char* const masks = data + packedHeaderSize;
         layout.masks = {loadWord(masks), loadWord(masks + 4), loadWord(masks + 8)};
     }
-    const std::uint64_t offset =
-        layout.header.biSize + layout.masksBehind + layout.tableEntries * sizeof(RGBQUAD);
-    if (offset > size || (layout.rows != 0 && layout.rowBytes > (size - offset) / layout.rows))
-        return refuse();
     return decodeNew(layout, data, data + offset, false);
 }

@@ -4,6 +4,7 @@
 // table or masks, pixels.  There they are little-endian at any address, while CreateDIBitmap takes a header of
 // the machine's own.  For the layer and for present/bitmap.cpp.
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -32,6 +33,22 @@ inline BITMAPINFOHEADER packedHeader(const unsigned char* packed) {
     header.biClrUsed = word(8);
     header.biClrImportant = word(9);
     return header;
+}
+
+// Where the colour table begins: behind the header, and behind the masks where the header is too short for
+// them.
+inline std::uint64_t packedTableOffset(const BITMAPINFOHEADER& header) {
+    const bool masked = header.biCompression == BI_BITFIELDS;
+    return std::max<std::uint64_t>(header.biSize, packedHeaderSize + (masked ? packedMasksSize : 0));
+}
+
+inline bool isRunLength(const BITMAPINFOHEADER& header) {
+    return header.biCompression == BI_RLE8 || header.biCompression == BI_RLE4;
+}
+
+// Runs whose size the header leaves out: in a packed bitmap they end with it.
+inline bool hasUnmeasuredRuns(const BITMAPINFOHEADER& header) {
+    return isRunLength(header) && header.biSizeImage == 0;
 }
 
 }  // namespace tarn

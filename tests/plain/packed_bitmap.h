@@ -33,12 +33,14 @@ struct PackedBitmap {
         const BITMAPINFOHEADER header{sizeof header, columns, rows, 1, depthWord, 0, 0, 0, 0, 0, 0};
         std::memcpy(described.data(), &header, sizeof header);
         const auto word = [](int value) { return static_cast<DWORD>(value); };
-        const DWORD words[10] = {sizeof header, word(columns), word(rows), word(1 + (bits << 16))};
-        for (std::size_t i = 0; i < 10; ++i) setWord(i, words[i]);
+        setWords(0, {sizeof header, word(columns), word(rows), word(1 + (bits << 16)), 0, 0, 0, 0, 0, 0});
     }
 
-    // Puts a word of the header: 0 its size, 1 the width, 2 the height, 4 the compression, 5 the image's size.
-    void setWord(std::size_t index, DWORD value) { tarn::storeWord(bytes.data() + 4 * index, value); }
+    // Changes words of the header: 0 its size, 1 the width, 2 the height, 4 the compression, 5 the bytes of the
+    // pixels, 10 to 12 the masks.
+    void setWords(std::size_t first, const std::vector<DWORD>& values) {
+        for (const DWORD value : values) tarn::storeWord(bytes.data() + 4 * first++, value);
+    }
 
     [[nodiscard]] const BITMAPINFO* info() const {
         return reinterpret_cast<const BITMAPINFO*>(described.data());

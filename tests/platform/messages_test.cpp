@@ -26,6 +26,19 @@ TEST(Messages, AllocatedTextsEndTheirLineAndUnknownCodesHaveNone) {
     }
 }
 
+TEST(Messages, TheCallersBufferHoldsTheWholeTextOrNothing) {
+    const auto format = [](char* buffer, DWORD size) {
+        return FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM, nullptr, 126, 1024, buffer, size, nullptr);
+    };
+    char whole[200], exact[200];
+    const DWORD length = format(whole, sizeof whole);
+    EXPECT_EQ(length, std::strlen(whole));
+    EXPECT_EQ(format(exact, length), 0U);
+    EXPECT_EQ(GetLastError(), ERROR_INSUFFICIENT_BUFFER);
+    EXPECT_EQ(format(exact, length + 1), length);
+    EXPECT_STREQ(exact, whole);
+}
+
 void expectNoModule(const std::string& file, DWORD error) {
     EXPECT_EQ(LoadLibraryA(file.c_str()), nullptr) << file;
     EXPECT_EQ(GetLastError(), error) << file;
@@ -71,6 +84,19 @@ TEST(Modules, AModuleIsUnloadedByItsLastRelease) {
 }
 
 #if !defined(_WIN32)
+
+TEST(Modules, AModuleThatLacksAnotherIsNotOneOfAnotherSystem) {
+    const tarntest::TemporaryFolder folder;
+    // The beginning of a module, which the loader refuses for what follows; its fifth byte is 2 for 64 bits.
+    const char thisClass = sizeof(void*) == 8 ? 2 : 1, otherClass = sizeof(void*) == 8 ? 1 : 2;
+    for (const char elfClass : {thisClass, otherClass}) {
+        tarntest::fill(folder.file("a.so"), std::string("\x7F"
+                                                        "ELF") +
+                                                elfClass + std::string(100, '\0'));
+        expectNoModule(folder.file("a"), elfClass == thisClass ? ERROR_MOD_NOT_FOUND : ERROR_BAD_EXE_FORMAT);
+    }
+    expectNoModule(folder.path().string(), ERROR_MOD_NOT_FOUND);
+}
 
 TEST(Messages, AProgramsOwnBoxGetsWhatTheCallerGave) {
     static std::string seen;

@@ -144,20 +144,6 @@ TEST(Screen, ResourcesAreFoundByNumberAndByText) {
     EXPECT_EQ(LockResource(found), nullptr);
 }
 
-TEST(Screen, MaskedBitmapsReadTheirOwnMasks) {
-    // 5-6-5 bits: full green, then full red, then a blue of 16 of 31, which shows as 132.
-    PackedBitmap packed(16, 3, 1);
-    packed.setWord(4, BI_BITFIELDS);
-    packed.bytes.resize(60);
-    const DWORD masksAndPixels[] = {0xF800, 0x07E0, 0x001F, 0xF80007E0, 0x10};
-    for (std::size_t i = 0; i < 5; ++i) packed.setWord(10 + i, masksAndPixels[i]);
-    tarn::addResource(nullptr, 2, 9, packed.bytes.data(), 60);
-    const HBITMAP bitmap = LoadBitmapA(nullptr, "#9");
-    EXPECT_EQ(pixelsOf(bitmap), (std::vector{RGB(0, 255, 0), RGB(255, 0, 0), RGB(0, 0, 132)}));
-    DeleteObject(bitmap);
-    tarn::removeResources(nullptr);
-}
-
 #endif
 
 }  // namespace

@@ -72,6 +72,84 @@ TEST(Bitmap, PackedResourcesGiveTheirPixelsAndTheirPalette) {
     EXPECT_EQ(tarn::openHandles(), before);
 }
 
+// Both loaders show these pixels; none where neither makes a bitmap.
+void expectPixels(const PackedBitmap& packed, const std::vector<COLORREF>& pixels, const char* what) {
+    const Resource resource(packed.bytes);
+    for (const int usePalette : {0, 1})
+        EXPECT_EQ(pixelsOf(tarnBitmap(module, 300, usePalette).bitmap), pixels) << what << ' ' << usePalette;
+}
+
+TEST(Bitmap, MasksAreReadWhereverTheyAre) {
+    // 5-6-5 bits: full green, full red, then a blue of 16 of 31, which shows as 132.
+    const std::vector pixels{RGB(0, 255, 0), RGB(255, 0, 0), RGB(0, 0, 132)};
+    const std::vector<unsigned char> pixelBytes{0xE0, 0x07, 0x00, 0xF8, 0x10, 0x00, 0, 0};
+    for (const DWORD headerSize : {40U, 44U, 52U, 124U}) {
+        PackedBitmap packed(16, 3, 1);
+        packed.bytes.resize(std::max(headerSize, 52U));
+        packed.setWords(0, {headerSize});
+        packed.setWords(4, {BI_BITFIELDS, 0, 0, 0, 0, 0, 0xF800, 0x07E0, 0x001F});
+        packed.bytes.insert(packed.bytes.end(), pixelBytes.begin(), pixelBytes.end());
+        expectPixels(packed, pixels, "masks");
+        packed.bytes.pop_back();
+        expectPixels(packed, {}, "pixels cut");
+        packed.bytes.resize(48);
+        expectPixels(packed, {}, "masks cut");
+    }
+}
+
+TEST(Bitmap, TheColorTableIsBehindALongerHeader) {
+    PackedBitmap packed(4, 37, 6);
+    const std::vector<COLORREF> pixels = packed.colors();
+    packed.setWords(0, {108});
+    packed.bytes.insert(packed.bytes.begin() + 40, 68, 0xEE);
+    expectPixels(packed, pixels, "long header");
+}
+
+// A packed bitmap of 4 x 3 pixels whose pixels are these runs.
+PackedBitmap packedRuns(int depth, const std::vector<unsigned char>& runs, std::size_t runBytes) {
+    PackedBitmap packed(depth, 4, 3);
+    packed.bytes.resize(packed.pixelOffset);
+    packed.bytes.insert(packed.bytes.end(), runs.begin(), runs.end());
+    packed.setWords(4, {depth == 8 ? BI_RLE8 : BI_RLE4, static_cast<DWORD>(runBytes)});
+    return packed;
+}
+
+TEST(Bitmap, RunsPaintWhatTheyCoverFromTheBottomUp) {
+    const struct {
+        int depth;
+        std::vector<unsigned char> runs;
+        std::string_view picture;  // rows from the top: entries of the colour table, and a point for black
+    } rows[] = {
+        {8, {3, 7, 1, 9, 0, 0, 0, 3, 1, 2, 3, 0, 0, 0, 0, 2, 1, 0, 9, 5, 0, 1, 4, 8}, ".555123.7779"},
+        {4, {0, 5, 0x12, 0x34, 0x50, 0, 0, 0, 3, 0x67, 0, 2, 0, 1, 2, 0x89, 0, 0, 2, 0xAB}, "...8676.1234"},
+        {8, {0, 2, 255, 0, 1, 6, 0, 0, 0, 2, 0, 255, 2, 6}, "............"},  // outside after each move
+        {8, {1, 2, 0, 4, 1, 2}, "........2..."},                              // cut within four pixels
+        {8, {1, 2, 0, 2, 1}, "........2..."},                                 // cut within a move
+    };
+    for (const auto& each : rows) {
+        for (const std::size_t runBytes : {std::size_t{0}, each.runs.size()}) {
+            const PackedBitmap packed = packedRuns(each.depth, each.runs, runBytes);
+            std::vector<COLORREF> pixels;
+            for (const char entry : each.picture)
+                pixels.push_back(entry == '.' ? 0 : packed.tableColor(static_cast<std::size_t>(entry - '0')));
+            expectPixels(packed, pixels, each.picture.data());
+        }
+        expectPixels(packedRuns(each.depth, each.runs, each.runs.size() + 1), {}, "longer than the resource");
+    }
+}
+
+TEST(Bitmap, RunsOfAnotherDepthUpsideDownOrOutOfProportionGiveNone) {
+    const struct {
+        std::size_t word;
+        DWORD value;
+    } rows[] = {{2, ~DWORD{0}}, {4, BI_RLE4}, {1, 6'000'000}};
+    for (const auto& each : rows) {
+        PackedBitmap packed = packedRuns(8, {4, 1, 0, 1}, 0);
+        packed.setWords(each.word, {each.value});
+        expectPixels(packed, {}, "bent");
+    }
+}
+
 TEST(Bitmap, CutResourcesGiveNoneAndBentOnesAreNotReadOutside) {
     for (const int depth : {1, 4, 8, 16, 24, 32}) {
         const PackedBitmap packed(depth, 37, 6);
@@ -79,7 +157,7 @@ TEST(Bitmap, CutResourcesGiveNoneAndBentOnesAreNotReadOutside) {
             const Resource resource(packed.bytes, cut);
             EXPECT_EQ(tarnBitmap(module, 300, cut % 2).bitmap, nullptr) << cut;
         }
-        // Every bit of the header turned over, where the address checks are the judge.
+        // Every bit of the header turned over, which also makes runs of random pixels; the address checks judge.
         for (std::size_t i = 0; i < sizeof(BITMAPINFOHEADER) * 8; ++i) {
             auto bent = packed.bytes;
             bent[i / 8] ^= static_cast<unsigned char>(1 << i % 8);
@@ -89,28 +167,17 @@ TEST(Bitmap, CutResourcesGiveNoneAndBentOnesAreNotReadOutside) {
     }
 }
 
-TEST(Bitmap, RunsAreMeasuredByTheirOwnSize) {
-    for (const DWORD compression : {BI_RLE8, BI_RLE4}) {
-        for (const bool fits : {true, false}) {
-            PackedBitmap packed(8, 37, 6);
-            const auto room = static_cast<DWORD>(packed.bytes.size() - packed.pixelOffset);
-            packed.setWord(2, 1000);  // more rows than there would be room for without runs
-            packed.setWord(4, compression);
-            packed.setWord(5, fits ? room : room + 1);
-            const Resource resource(packed.bytes);
-            EXPECT_EQ(tarnBitmap(module, 300, 1).width, fits ? 37 : 0);
-        }
-    }
-}
-
-TEST(Bitmap, MasksThatAreNotWholeGiveNone) {
-    for (const DWORD headerSize : {40U, 44U}) {
-        PackedBitmap masked(32, 1, 1);
-        masked.setWord(0, headerSize);
-        masked.setWord(4, BI_BITFIELDS);
-        masked.bytes.resize(52);
-        const Resource resource(masked.bytes, 48);
-        for (const int withPalette : {0, 1}) EXPECT_EQ(tarnBitmap(module, 300, withPalette).bitmap, nullptr);
+TEST(Bitmap, ASizeThatIsUnknownIsReadFromTheBitmap) {
+    std::int32_t width = -7, height = -7;
+    tarnBitmap().getSize(width, height);
+    EXPECT_EQ(width, -7);
+    EXPECT_EQ(height, -7);
+    const Resource resource(PackedBitmap(8, 37, 6).bytes);
+    for (const int usePalette : {0, 1}) {
+        tarnBitmap bitmap(module, 300, usePalette);
+        bitmap.getSize(width, height);
+        EXPECT_EQ(width, 37);
+        EXPECT_EQ(height, 6);
     }
 }
 

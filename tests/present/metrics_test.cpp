@@ -23,6 +23,16 @@ TEST(Metrics, FieldsAreInOrderAndHoldTheSystemsValues) {
 
 #if !defined(_WIN32)
 
+TEST(Metrics, OnlyAScreenOfUpTo256ColorsHasAPalette) {
+    tarn::ScreenDescription screen = tarn::classicScreen();
+    for (const std::int32_t colors : {-1, 0, 16}) {
+        screen.numColors = colors;
+        tarn::setScreen(&screen);
+        EXPECT_EQ(tarnMetrics().paletteDisplay, colors >= 0 ? 1 : 0) << colors;
+    }
+    tarn::setScreen(nullptr);
+}
+
 TEST(Metrics, EachSystemHasItsKind) {
     const struct {
         std::int32_t platform, version, kind;

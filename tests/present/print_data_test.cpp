@@ -64,4 +64,19 @@ TEST(PrintData, OnlyTheFirstItemOfAnIdHoldsRows) {
     EXPECT_EQ(data.getPrintData(8), nullptr);
 }
 
+TEST(PrintData, RowsOfManyContainersAreStoredAndFoundWithoutAWalk) {
+    constexpr std::int32_t containers = 60'000;
+    const Owned marker = number(tagPlain9, 0), value = number(tagLong, 5);
+    const std::clock_t begin = std::clock();
+    tarnPrintData data;
+    for (std::int32_t id = 0; id < containers; ++id) data.storeData(id, &marker, printMultiData, 0);
+    for (std::int32_t i = 0; i < 3 * containers; ++i) {
+        const _MultiPrintStruct row{i % containers, 0, {}, {i}};
+        data.storeMultiData(&row, &value);
+    }
+    for (std::int32_t id = 0; id < containers; ++id)
+        ASSERT_EQ(data.getMultiPrintData(id, 2)->words[0], id + 2 * containers);
+    EXPECT_LT(std::clock() - begin, 15 * CLOCKS_PER_SEC) << "walks over all take minutes";
+}
+
 }  // namespace
