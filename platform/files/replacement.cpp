@@ -147,7 +147,9 @@ DWORD syncFolder(int folder, const std::string& name) {
     const Descriptor opened(
         retried([&] { return ::openat(folder, name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
     if (!opened) return errno == EACCES ? ERROR_SUCCESS : fromErrno(errno);
-    return retried([&] { return ::fsync(opened.number()); }) == 0 ? ERROR_SUCCESS : fromErrno(errno);
+    if (retried([&] { return ::fsync(opened.number()); }) == 0) return ERROR_SUCCESS;
+    const bool cantSync = errno == EINVAL || errno == ENOTSUP;
+    return cantSync ? ERROR_SUCCESS : fromErrno(errno);
 }
 
 }  // namespace tarn

@@ -56,7 +56,8 @@ class Replacement {
 DWORD readWhole(int folder, const std::string& name, int flags, std::size_t limit, std::string& content);
 
 // Writes through to the disk what was renamed in a folder.  Without it a crash may bring the former file
-// back, whole.  A folder that may be written but not read is left to the system.
+// back, whole.  A folder that the system can't sync, or that may be written but not read, is left to the
+// system.
 DWORD syncFolder(int folder, const std::string& name);
 
 }  // namespace tarn
