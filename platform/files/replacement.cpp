@@ -8,15 +8,19 @@
 #include "platform/files/replacement.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
+#include <ctime>
 #include <span>
 #include <utility>
 
 #include "platform/error_codes.h"
+#include "platform/files/path.h"
 #include "platform/files/sharing.h"
 
 namespace tarn {
@@ -25,13 +29,44 @@ namespace {
 
 constexpr mode_t permissionBits = 0777;
 
-// Waits for the lock on the first byte, which belongs to this open file and ends with it.
-int lockFirstByte(int descriptor) {
+constexpr std::int64_t longestWait = 5'000'000'000;  // for another writer, in nanoseconds
+constexpr std::timespec pauseBetweenTries{0, 250'000};
+constexpr DWORD tryAgain = ERROR_SHARING_VIOLATION;
+
+std::int64_t nanosecondsNow() {
+    std::timespec now{};
+    ::clock_gettime(CLOCK_MONOTONIC, &now);
+    return std::int64_t{now.tv_sec} * 1'000'000'000 + now.tv_nsec;
+}
+
+// Locks the first byte, if it is free.  The lock belongs to this open file and ends with it.
+DWORD lockFirstByte(int descriptor) {
     struct flock lock {};
     lock.l_type = F_WRLCK;
     lock.l_whence = SEEK_SET;
     lock.l_len = 1;
-    return retried([&] { return ::fcntl(descriptor, F_OFD_SETLKW, &lock); });
+    if (retried([&] { return ::fcntl(descriptor, F_OFD_SETLK, &lock); }) == 0) return ERROR_SUCCESS;
+    return errno == EAGAIN ? tryAgain : fromErrno(errno);
+}
+
+// Removes a link, a pipe or an empty folder under a temporary name, which can't be locked themselves.  The
+// folder around them is: without that, another writer's file could take the name between the look and the
+// removal.
+DWORD removeForeign(int folder, const std::string& name) {
+    const Descriptor around(retried(
+        [&] { return ::openat(folder, folderOf(name).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
+    if (!around) return fromErrno(errno);
+    if (::flock(around.number(), LOCK_EX | LOCK_NB) != 0) {
+        return errno == EWOULDBLOCK ? tryAgain : fromErrno(errno);
+    }
+    struct stat found {};
+    if (::fstatat(folder, name.c_str(), &found, AT_SYMLINK_NOFOLLOW) != 0) {
+        return errno == ENOENT ? tryAgain : fromErrno(errno);
+    }
+    if (S_ISREG(found.st_mode)) return tryAgain;
+    const int flags = S_ISDIR(found.st_mode) ? AT_REMOVEDIR : 0;
+    if (::unlinkat(folder, name.c_str(), flags) == 0) return tryAgain;
+    return errno == ENOTEMPTY ? ERROR_ACCESS_DENIED : fromErrno(errno);
 }
 
 bool isSameFile(const struct stat& a, const struct stat& b) {
@@ -80,29 +115,39 @@ Replacement::~Replacement() {
 DWORD Replacement::begin(int folder, const std::string& temporary, unsigned permissions) {
     folder_ = folder;
     temporary_ = temporary;
+    const std::int64_t end = nanosecondsNow() + longestWait;
     for (;;) {
-        constexpr int flags = O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY;
-        Descriptor file(retried([&] { return ::openat(folder, temporary.c_str(), flags, permissions); }));
-        if (!file || lockFirstByte(file.number()) != 0) return fromErrno(errno);
-        struct stat opened {};
-        struct stat named {};
-        if (::fstat(file.number(), &opened) != 0) return fromErrno(errno);
-        if (::fstatat(folder, temporary.c_str(), &named, AT_SYMLINK_NOFOLLOW) != 0) {
-            if (errno != ENOENT) return fromErrno(errno);
-            continue;
-        }
-        if (!isSameFile(opened, named)) continue;
-        if (!S_ISREG(opened.st_mode)) return ERROR_ACCESS_DENIED;
-        if (opened.st_nlink != 1 || opened.st_uid != ::geteuid()) {  // another's, under our name
-            if (::unlinkat(folder, temporary.c_str(), 0) != 0) return fromErrno(errno);
-            continue;
-        }
-        if (opened.st_size != 0 && retried([&] { return ::ftruncate(file.number(), 0); }) != 0) {
-            return fromErrno(errno);
-        }
-        file_ = std::move(file);
-        return ERROR_SUCCESS;
+        const DWORD code = tryToBegin(permissions);
+        if (code != tryAgain || nanosecondsNow() >= end) return code;
+        ::nanosleep(&pauseBetweenTries, nullptr);
     }
+}
+
+DWORD Replacement::tryToBegin(unsigned permissions) {
+    constexpr int flags = O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY;
+    Descriptor file(retried([&] { return ::openat(folder_, temporary_.c_str(), flags, permissions); }));
+    if (!file) {
+        const bool isForeign = errno == ELOOP || errno == EISDIR || errno == ENXIO;  // link, folder, socket
+        return isForeign ? removeForeign(folder_, temporary_) : fromErrno(errno);
+    }
+    struct stat opened {};
+    struct stat named {};
+    if (::fstat(file.number(), &opened) != 0) return fromErrno(errno);
+    if (!S_ISREG(opened.st_mode)) return removeForeign(folder_, temporary_);
+    const DWORD code = lockFirstByte(file.number());
+    if (code != ERROR_SUCCESS) return code;
+    if (::fstatat(folder_, temporary_.c_str(), &named, AT_SYMLINK_NOFOLLOW) != 0) {
+        return errno == ENOENT ? tryAgain : fromErrno(errno);
+    }
+    if (!isSameFile(opened, named)) return tryAgain;
+    if (named.st_nlink != 1 || named.st_uid != ::geteuid()) {  // another's, under our name
+        return ::unlinkat(folder_, temporary_.c_str(), 0) == 0 ? tryAgain : fromErrno(errno);
+    }
+    if (named.st_size != 0 && retried([&] { return ::ftruncate(file.number(), 0); }) != 0) {
+        return fromErrno(errno);
+    }
+    file_ = std::move(file);
+    return ERROR_SUCCESS;
 }
 
 DWORD Replacement::commit(const std::string& target, std::string_view content, const struct stat* former) {
@@ -147,7 +192,9 @@ DWORD syncFolder(int folder, const std::string& name) {
     const Descriptor opened(
         retried([&] { return ::openat(folder, name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
     if (!opened) return errno == EACCES ? ERROR_SUCCESS : fromErrno(errno);
-    return retried([&] { return ::fsync(opened.number()); }) == 0 ? ERROR_SUCCESS : fromErrno(errno);
+    if (retried([&] { return ::fsync(opened.number()); }) == 0) return ERROR_SUCCESS;
+    const bool cantSync = errno == EINVAL || errno == ENOTSUP;
+    return cantSync ? ERROR_SUCCESS : fromErrno(errno);
 }
 
 }  // namespace tarn

@@ -8,7 +8,7 @@
 // it, and a file that a dead process left is used by the next.
 //
 //   Replacement replacement;
-//   replacement.begin(AT_FDCWD, "data/.x.new", 0666);   // waits for other writers
+//   replacement.begin(AT_FDCWD, "data/.x.new", 0666);   // waits for other writers, five seconds at most
 //   replacement.commit("data/x", content, nullptr);     // without it the temporary file is removed
 //
 // Threads: one object belongs to one thread; two objects exclude each other in one process too.
@@ -34,7 +34,9 @@ class Replacement {
     // Gives up what wasn't committed.
     ~Replacement();
 
-    // Takes the lock by making the temporary file, with these permissions less the process's mask.
+    // Takes the lock by making the temporary file, with these permissions less the process's mask.  A link, a
+    // pipe, another user's file or an empty folder under its name is removed.  Answers
+    // ERROR_SHARING_VIOLATION if another holds the lock for longer than five seconds.
     DWORD begin(int folder, const std::string& temporary, unsigned permissions);
 
     // Writes the content through to the disk and renames the file; the folder is left to the system, see
@@ -43,6 +45,8 @@ class Replacement {
     DWORD commit(const std::string& target, std::string_view content, const struct stat* former);
 
   private:
+    DWORD tryToBegin(unsigned permissions);
+
     int folder_ = -1;
     std::string temporary_;
     Descriptor file_;
@@ -56,7 +60,8 @@ class Replacement {
 DWORD readWhole(int folder, const std::string& name, int flags, std::size_t limit, std::string& content);
 
 // Writes through to the disk what was renamed in a folder.  Without it a crash may bring the former file
-// back, whole.  A folder that may be written but not read is left to the system.
+// back, whole.  A folder that the system can't sync, or that may be written but not read, is left to the
+// system.
 DWORD syncFolder(int folder, const std::string& name);
 
 }  // namespace tarn

@@ -1,6 +1,8 @@
 // Ini files as files: platform/profile/operations.cpp and platform/files/replacement.cpp, and the system's
 // own on Windows.
 
+#include <functional>
+
 #include "tests/platform/profile.h"
 #include "tests/process.h"
 
@@ -139,6 +141,34 @@ TEST_F(ProfileFiles, LinksAndPermissionsStay) {
     EXPECT_TRUE(std::filesystem::is_symlink(file));
     EXPECT_EQ(contentOf(target), "[s]\r\nk=v\r\n");
     EXPECT_EQ(std::filesystem::status(target).permissions(), std::filesystem::perms{0640});
+}
+
+// Former faults
+TEST_F(ProfileFiles, WhatIsUnderTheTemporaryNameBlocksEveryWrite) {
+    const std::string other = folder.file("other");
+    const std::string name = folder.file(".x.ini.new");
+    const struct {
+        const char* kind;
+        std::function<void()> make;
+    } rows[] = {
+        {"link", [&] { std::filesystem::create_symlink("other", name); }},
+        {"link to nothing", [&] { std::filesystem::create_symlink("nothing", name); }},
+        {"second name of a file", [&] { std::filesystem::create_hard_link(other, name); }},
+        {"pipe", [&] { ::mkfifo(name.c_str(), 0600); }},
+        {"empty folder", [&] { std::filesystem::create_directory(name); }},
+    };
+    fill(other, "kept");
+    for (const auto& each : rows) {
+        each.make();
+        EXPECT_TRUE(write("s", "k", each.kind)) << each.kind;
+        EXPECT_EQ(read("s", "k"), each.kind);
+    }
+    EXPECT_EQ(contentOf(other), "kept");
+    EXPECT_FALSE(std::filesystem::exists(folder.file("nothing")));
+    std::filesystem::create_directories(name + "/something");
+    EXPECT_FALSE(write("s", "k", "v"));
+    EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
+    EXPECT_TRUE(std::filesystem::exists(name + "/something"));
 }
 
 TEST_F(ProfileFiles, WhatIsNoFileNeitherHangsNorIsReplaced) {
