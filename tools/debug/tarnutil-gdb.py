@@ -36,7 +36,7 @@ BLOCK_SIZE = 16
 
 
 class Damaged(Exception):
-    """What stands in memory makes no sense; the text says why."""
+    """What is in memory makes no sense; the text says why."""
 
 
 def told(call):
@@ -235,7 +235,7 @@ def child_at(pointer, budget):
 # ------------------------------------------------------------------------------------------------------ printers
 
 class Printer:
-    """A printer of one object.  Below it: `text` says what stands there, `items` what is nested in it."""
+    """A printer of one object.  Below it: `text` says what it is, `items` what is nested in it."""
 
     def __init__(self, value):
         self.value = value
