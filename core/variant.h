@@ -18,8 +18,8 @@
 /// What a value owns comes from: `text` new char[], `wideText` new char16_t[], `vector` new MOLTVARIANT*[],
 /// `blob.data` and `block` new unsigned char[]; everything else, elements and cells' values too, a plain new.
 ///
-/// Copying, measuring and releasing a value recurse into what it holds.  A file nests values 64 deep at most; a
-/// client that nests them by calls keeps to 1000.
+/// Copying, measuring and releasing a value recurse into what it holds.  A file nests values 64 deep at most;
+/// a client that nests them by calls keeps to 1000.
 ///
 /// Threads: no shared state; a value and the tree below it belong to one thread at a time.
 
