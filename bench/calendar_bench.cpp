@@ -47,7 +47,7 @@ std::vector<std::string> texts(const std::vector<Day>& days, const char* format)
     return result;
 }
 
-// Standard output into the void, for as long as the object lives.
+// Sends standard output to /dev/null as long as the object lives.
 class SilencedOutput {
   public:
     SilencedOutput() {
@@ -260,7 +260,7 @@ char* settlementOurs(const char* text, int businessDays) {
     return getSettlementDate(text, businessDays, 1);
 }
 
-// The exchange's calendar with the days on which only nothing is settled.
+// The exchange's calendar with the days on which trades aren't settled.
 QuantLib::Calendar settlementCalendar() {
     QuantLib::BespokeCalendar banks;
     for (int year = 1997; year <= 2000; ++year) {

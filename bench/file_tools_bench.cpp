@@ -1,6 +1,6 @@
 // Scrambling and the codec beside memcpy to another buffer, the least that the machine can do, and beside
-// OpenSSL's and GLib's Base64.  A scrambled buffer is scrambled again and again, as it lies, so that each
-// call waits for the one before it. Every answer is checked before it is timed.
+// OpenSSL's and GLib's Base64.  A scrambled buffer is scrambled again and again, so that each call waits
+// for the one before it.  Every answer is checked before it is timed.
 
 #include <glib.h>
 #include <openssl/crypto.h>

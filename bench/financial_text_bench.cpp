@@ -1,6 +1,6 @@
 // Prices from text, to text, and from text to text with rounding, against hand-written forms for plain prices
-// and the standard library.  Every peer's answers are compared before anything is timed.  One iteration works
-// off a whole book of prices with one to five digits in front of the point and two to four behind it.
+// and the standard library.  Every peer's answers are compared before anything is timed.  One iteration
+// processes a whole book of prices with one to five digits in front of the point and two to four behind it.
 
 #include <charconv>
 #include <cmath>
@@ -124,7 +124,7 @@ void roundOurs(const Price& price, Shown& shown) {
     formatStringToFloatWithRounding(price.text, shown.text, decimalsShown);
 }
 
-// Rounds in decimal digits: a half in the first dropped place goes up.
+// Rounds in decimal digits: a half in the first dropped place is rounded up.
 void roundByHand(const Price& price, Shown& shown) {
     const char* text = price.text;
     std::uint64_t units = 0;
@@ -139,7 +139,7 @@ void roundByHand(const Price& price, Shown& shown) {
     writeUnits(units, decimalsShown, shown.text);
 }
 
-// As told step by step: printed, read back, compared, printed again where a half was dropped.
+// Rounds as the header documents it: prints, reads back, compares, and prints again if a half was dropped.
 void roundPrintf(const Price& price, Shown& shown) {
     constexpr double half = 0.005;
     const double value = readStrtod(price);

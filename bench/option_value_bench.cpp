@@ -1,5 +1,5 @@
 // doCalculateBSValue against a hand-written closed form, QuantLib's BlackCalculator and QuantLib's analytic
-// engine, without a quoted price (value and sensitivities) and with one (the implied volatility besides).
+// engine, without a quoted price (value and sensitivities) and with one (the implied volatility too).
 // Every peer's answers are compared before anything is timed.  One iteration values a whole book of options.
 
 #include <algorithm>
@@ -48,8 +48,7 @@ Result ours(const Option& option) {
     return r;
 }
 
-// ------------------------------------------------------------------------------- the hand-written closed
-// form
+// ----------------------------------------------------------------------------- hand-written closed form
 
 inline double cumulative(double x, double density) {
     const double t = 1 / (1 + 0.2316419 * std::fabs(x));
@@ -59,9 +58,11 @@ inline double cumulative(double x, double density) {
     return x < 0 ? tail : 1 - tail;
 }
 
-// Two logarithms and two exponentials in all, no repair of the terms, no dividends.  The quote's root is
-// found first, by Newton's steps, and the steps of the bisection are taken as the line through it foretells
-// them; where Newton doesn't get there, each step works out its price.
+// Two logarithms and two exponentials in all, no repair of the terms, no dividends.
+//
+// The implied volatility has to be the one that the bisection ends at.  Newton's method finds the volatility
+// that has the quote for its price; a line through that point then predicts the price at each step of the
+// bisection.  Where Newton's method fails, each step computes its price.
 inline Result handWritten(const Option& option) {
     const double years = option.days * dayFraction, root = std::sqrt(years);
     const double logGrowth = std::log(1 + option.rate), sigma = option.volatility, stock = option.stock;
@@ -93,12 +94,12 @@ inline Result handWritten(const Option& option) {
         slope = density * root * stock;
         rootOfPrice += miss / slope;
     }
-    const bool foretold = std::fabs(miss) <= 1e-5 && rootOfPrice > 0;
+    const bool predicted = std::fabs(miss) <= 1e-5 && rootOfPrice > 0;
     const bool upward = option.quote > price;
     double g = upward ? (1 - sigma) * 0.5 + sigma : 0.5 * sigma;
     double step = upward ? (g - sigma) * 0.5 : 0.25 * sigma;
     for (int i = 0; i < 15; ++i) {
-        const double difference = foretold ? slope * (g - rootOfPrice) : priceAt(g) - option.quote;
+        const double difference = predicted ? slope * (g - rootOfPrice) : priceAt(g) - option.quote;
         if (std::fabs(difference) < tolerance) break;
         g += difference < 0 ? step : -step;
         step *= 0.5;
@@ -225,7 +226,7 @@ bool agree(const Result& a, const Result& b, double slack) {
            std::fabs(a.vega - b.vega) <= slack;
 }
 
-// Two ends of the search are as good as each other where both prices are within the tolerance of the quote.
+// Two results of the search are equally good if both prices are within the tolerance of the quote.
 bool samePrice(Option option, double g1, double g2) {
     option.quote = 0;
     option.volatility = g1;

@@ -51,8 +51,8 @@ struct Columns {
     }
 };
 
-// One way to keep the rows.  `place` is the name of a file or folder of its own.  Nobody waits for the disk:
-// a record's file isn't synchronised either.
+// One way to keep the rows.  `place` is the name of a file or folder of its own.  None waits for the disk,
+// since a record's file isn't synchronised either.
 class RecordPeer {
   public:
     RecordPeer() = default;

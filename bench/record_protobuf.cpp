@@ -1,5 +1,5 @@
-// Protobuf: one message of repeated messages, a row each.  The texts are of the type bytes, which isn't held
-// against UTF-8; what is loaded is the message itself.
+// Protobuf: one message of repeated messages, a row each.  The texts are of the type bytes, which isn't
+// checked for UTF-8; what is loaded is the message itself.
 
 #include <fcntl.h>
 #include <unistd.h>

@@ -1,7 +1,7 @@
 // Settings against the least that the system needs for the same (opening, reading and closing the file; a
 // plain write of the whole content with fsync and rename, with and without an fsync of the folder), against
 // inih and GLib's key files for ini files, and against SQLite as a store of keys for the registry.  Every job
-// opens the file anew, but for the registry's and SQLite's, whose key and database stay open.
+// opens the file anew, except those of the registry and SQLite, whose key and database stay open.
 
 #include <fcntl.h>
 #include <glib.h>

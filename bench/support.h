@@ -23,8 +23,8 @@ inline void require(bool good, const char* what) {
     std::exit(1);
 }
 
-// A folder that goes with the object.  It has to lie on a disk for figures of synchronised writes to mean
-// anything.
+// A folder that is removed with the object.  It has to be on a disk, or the figures of synchronised writes
+// mean nothing.
 class Folder {
   public:
     Folder() {
@@ -52,7 +52,7 @@ inline std::string version(unsigned major, unsigned minor, unsigned patch) {
 }
 
 // The main function of a program.
-//   peers  names and versions, which come into the report's context
+//   peers  names and versions, for the report's context
 inline int run(int argc, char** argv, std::initializer_list<std::pair<const char*, std::string>> peers) {
 #ifndef __OPTIMIZE__
     require(false, "built without optimisation");

@@ -1,4 +1,4 @@
-# What `cmake --install` puts down: the public headers, the library, a CMake package and a pkg-config file.  None
+# What `cmake --install` installs: the public headers, the library, a CMake package and a pkg-config file.  None
 # of it holds the prefix, so that an installed tree can be moved.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
@@ -15,7 +15,7 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/tarnutilConfig.cmake
               ${CMAKE_CURRENT_BINARY_DIR}/tarnutilConfigVersion.cmake
         DESTINATION ${package_folder})
 
-# Folders below the prefix are told from the place of the file itself, those outside it as they are.
+# Folders below the prefix are written relative to the file itself, those outside it as they are.
 set(pc_folder ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 cmake_path(ABSOLUTE_PATH pc_folder BASE_DIRECTORY ${CMAKE_INSTALL_PREFIX} OUTPUT_VARIABLE pc_place)
 cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX BASE_DIRECTORY ${pc_place} OUTPUT_VARIABLE pc_up)

@@ -1,5 +1,5 @@
 # What debuggers show of the library, for its clients: docs/debugging.md.  gdb loads its printers by the place of the
-# shared library: below the auto-load folder stands the library's whole path.  The prefix is that of the installation,
+# shared library: below the auto-load folder is the library's whole path.  The prefix is that of the installation,
 # which `cmake --install --prefix` may change.
 include(GNUInstallDirs)
 

@@ -74,7 +74,7 @@ class tarnTArray {
     }
 
     /// Moves the slots from `index` on up by one and puts the item there.  The array grows by 16 first if
-    /// `index` lies at the capacity or behind it, or if the last slot is taken.
+    /// `index` is at the capacity or behind it, or if the last slot is taken.
     /// - Bad input: an index below 0, or 16 or more above the capacity, changes nothing.
     void insertAt(T item, std::int32_t index) {
         if (index < 0 || index - growth >= capacity) return;

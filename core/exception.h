@@ -50,8 +50,8 @@ enum FieldType : std::int32_t {
 class TARN_EXPORT tarnFieldDictionary {
   public:
     virtual ~tarnFieldDictionary() = default;
-    /// Answers the type code of a field in the low 16 bits, signed: 1 short, 2 and 3 long, 4 character, 5
-    /// text, 6 float, 7 double.  Any other code means text; an unknown field answers such a code.
+    /// Answers the type code of a field (tarn::FieldType) in the low 16 bits, signed.  Any other code means
+    /// text; an unknown field answers such a code.
     virtual std::int32_t getFieldType(std::int32_t id) = 0;
 };
 

@@ -85,8 +85,8 @@ class TARN_EXPORT tarnString : public tarnObject {
 /// A growable block of bytes.  `capacity` grows in steps of 4096 and never shrinks; the block behind it grows
 /// by more, so that n small appends cost O(n).  Bytes behind `length` in a block that has just grown are 0.
 ///
-/// In all operations the bytes may lie in the buffer itself.  NULL or a count below 0 changes nothing, and
-/// neither does an operation that would need a capacity above 2^31 - 1.
+/// In all operations the bytes may be those of the buffer itself.  NULL or a count below 0 changes nothing,
+/// and neither does an operation that would need a capacity above 2^31 - 1.
 class TARN_EXPORT tarnBuffer {
   public:
     std::int32_t length;    ///< bytes in use
@@ -104,7 +104,7 @@ class TARN_EXPORT tarnBuffer {
     tarnBuffer& operator=(const tarnBuffer&) = delete;
     ~tarnBuffer();
 
-    /// Overwrites bytes from `offset` on if they all lie within `length`; otherwise changes nothing.
+    /// Overwrites bytes from `offset` on if they are all within `length`; otherwise changes nothing.
     void replace(const void* bytes, std::int32_t offset, std::int32_t count);
     /// Puts bytes at the end.
     void append(const void* bytes, std::int32_t count);
@@ -118,7 +118,7 @@ class TARN_EXPORT tarnBuffer {
     void prepend(const void* bytes, std::int32_t count);
     /// Puts another buffer's bytes in front, in a new block.
     void prepend(const tarnBuffer& other);
-    /// Takes bytes out; what lies behind them moves down.  A range that reaches past the end is cut there.
+    /// Takes bytes out; what is behind them moves down.  A range that reaches past the end is cut there.
     void removeRange(std::int32_t offset, std::int32_t count);
 
   private:

@@ -18,6 +18,9 @@
 /// What a value owns comes from: `text` new char[], `wideText` new char16_t[], `vector` new MOLTVARIANT*[],
 /// `blob.data` and `block` new unsigned char[]; everything else, elements and cells' values too, a plain new.
 ///
+/// Copying, measuring and releasing a value recurse into what it holds.  A file nests values 64 deep at most;
+/// a client that nests them by calls keeps to 1000.
+///
 /// Threads: no shared state; a value and the tree below it belong to one thread at a time.
 
 #include <cstdint>
@@ -127,10 +130,9 @@ TARN_EXPORT char* convertToString(const MOLTVARIANT* value, const char* format);
 TARN_EXPORT void convertFromString(MOLTVARIANT* value, std::int32_t tag);
 
 /// Sets the tag of a value whose payload came from 32 bits.
-/// - `type`: a field type code as those of tarnFieldDictionary (core/exception.h), and two more for texts, 8
-///   and 9.  1 makes tag 2; 4, 5, 8 and 9 make tag 6 for size 1 and tag 10 for any other size (the payload
-///   was a pointer to a text); 6 and 7 turn the 32-bit integer into a float or a double.  Any other code
-///   changes nothing.
+/// - `type`: a tarn::FieldType (core/exception.h).  1 makes tag 2; 4, 5, 8 and 9 make tag 6 for size 1 and
+///   tag 10 for any other size (the payload was a pointer to a text); 6 and 7 turn the 32-bit integer into a
+///   float or a double.  Any other code changes nothing.
 /// - `size`: of the field, in characters
 TARN_EXPORT void convertFromLong(MOLTVARIANT* value, std::int32_t type, std::int32_t size);
 

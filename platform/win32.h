@@ -236,7 +236,7 @@ TARN_LINKAGE BOOL WritePrivateProfileStructA(const char* section, const char* ke
 ///
 /// The operations answer 0 or an error: 2 for what isn't there, 5 for a key that still has keys below it, 6
 /// for no handle of an open key, 87 for what is too long or too deep or has NULL where it can't be, 1015 for
-/// what is in the folder and isn't the registry's or is damaged, 1018 for a handle of a deleted key.  The
+/// a key or value whose file is damaged or isn't the registry's, 1018 for a handle of a deleted key.  The
 /// access mask, options and security attributes are ignored: every handle may do everything.
 /// @{
 

@@ -32,7 +32,7 @@ namespace tarn {
 class MenuBuilder;
 }
 
-/// What a node of a menu tree is: the values of tarnMenuDef::kind.
+/// What a node of a menu tree is.
 enum tarnMenuKind : std::int32_t { menuPopup = 1, menuItem = 2, menuSeparator = 3 };
 
 /// A token: the trimmed text inside the parsed one.
@@ -79,7 +79,7 @@ class TARN_EXPORT tarnParser {
 /// its children.  Only the parser makes nodes.
 class TARN_EXPORT tarnMenuDef {
   public:
-    std::int32_t kind = 0;         ///< 1 popup, 2 item, 3 separator
+    std::int32_t kind = 0;         ///< a tarnMenuKind
     char* label = nullptr;         ///< NUL-terminated; NULL for a separator
     std::int32_t labelLength = 0;  ///< in bytes
     std::int32_t id = -1;          ///< an item's command

@@ -12,7 +12,7 @@
 /// Every operation answers 1 for success and 0 otherwise, without a reason.
 ///
 /// Where this isn't Windows itself, an ini file is a file of that name with `/` for every `\`, and the
-/// registry lies in the user's data folder (docs/registry-folder.md).  A program on Windows sees these
+/// registry is in the user's data folder (docs/registry-folder.md).  A program on Windows sees these
 /// differences: there, a file whose path has no folder is searched for in the Windows folder and not in the
 /// current one, the case of its name doesn't count, and below HKEY_LOCAL_MACHINE only an administrator may
 /// write.

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """Runs the benchmarks of a build and prints, for each job, our median and how many times as long it takes as each
-peer of the same run, held against the goals of bench/goals.txt.
+peer of the same run, and whether it reaches the goals of bench/goals.txt.
 
     bench_table.py BUILD/bench [FILTER]     FILTER is a regular expression over names such as value/ours
                    --json FILE              also keeps the figures, for bench_picture.py
@@ -39,7 +39,7 @@ class Output:
 
 class Figures:
     """Medians in nanoseconds by job and who, and bytes a row by job; of each of our jobs also how far its repetitions
-    lay apart, and how many times as long as the processor worked it took."""
+    differ, and how many times as long as the processor worked it took."""
 
     def __init__(self):
         self.medians = collections.defaultdict(dict)
@@ -93,7 +93,7 @@ class Goals:
         self.results = []
 
     def verdict(self, job, peer, figure):
-        """What stands behind a figure: nothing, its goal, or that it is missed."""
+        """What is printed behind a figure: nothing, its goal, or that it is missed."""
         for key in ((job, peer), (job.partition("/")[0], peer)):
             if key in self.limits:
                 limit, met = self.limits[key], figure <= self.limits[key]
@@ -152,7 +152,7 @@ def describe(folder):
             "tarnutil": cache["CMAKE_PROJECT_VERSION:STATIC"]}
 
 
-def tell_jobs(output, figures, goals, jobs):
+def print_jobs(output, figures, goals, jobs):
     for job in jobs:
         if job in figures.bytes_a_row:
             figure = figures.bytes_a_row[job]
@@ -163,7 +163,7 @@ def tell_jobs(output, figures, goals, jobs):
             output.say(f"{job:{WIDTH}}  {readable_time(figures.medians[job]['ours']):>8}  {peers}".rstrip())
 
 
-def tell_growth(output, figures, goals):
+def print_growth(output, figures, goals):
     sweeps = figures.sweeps()
     if not sweeps:
         return
@@ -176,7 +176,7 @@ def tell_growth(output, figures, goals):
         output.say(f"{job:{WIDTH}}  {steps}  {readable_ratio(growth)}{goals.verdict(job, 'growth', growth)}")
 
 
-def tell_end(output, figures, goals):
+def print_end(output, figures, goals):
     if figures.spreads and figures.waits:
         spread, wait = 100 * statistics.median(figures.spreads), statistics.median(figures.waits)
         output.say(f"spread    {spread:.1f} % between our repetitions; {wait:.2f} times the processor's time, 1.00 on a quiet "
@@ -227,11 +227,11 @@ def main():
             title = program.name.removesuffix("_bench").replace("_", " ")
             groups[title] = jobs
             output.say(f"\n{title}")
-            tell_jobs(output, figures, goals, jobs)
-    tell_growth(output, figures, goals)
+            print_jobs(output, figures, goals, jobs)
+    print_growth(output, figures, goals)
     context["peers"] = ", ".join(f"{name} {version}" for name, version in sorted(peers.items()))
     output.say(f"\npeers     {context['peers']}")
-    tell_end(output, figures, goals)
+    print_end(output, figures, goals)
 
     if arguments.json:
         arguments.json.write_text(json.dumps({"context": context, "groups": groups, "medians": figures.medians,

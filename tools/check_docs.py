@@ -1,14 +1,14 @@
 #!/usr/bin/env python3
-"""Holds the documentation against what it speaks of, for `./dev docs`.
+"""Compares the documentation with what it describes, for `./dev docs`; links are linkchecker's.
 
-    check_docs.py        runs in the repository's root, behind Doxygen; says what is wrong and answers 1 if anything is
+    check_docs.py        runs in the repository's root, after Doxygen; says what is wrong and answers 1 if anything is
 
-- Every name of tests/shared/exports.txt stands on a page and has a comment.
+- Every name of tests/shared/exports.txt is on a page and has a comment.
 - The examples of the format pages are the files of tests/data, byte for byte.
-- Files, folders, anchors and tests that a page names or links to exist, in the sources and in what Doxygen made of them.
+- Files, folders, headings and tests that a page of the sources names or links to exist.
+- No page that Doxygen made is blank, and a comment lists no parameter that its declaration lacks.
 """
 import collections
-import html.parser
 import pathlib
 import re
 import subprocess
@@ -42,7 +42,7 @@ def has_comment(element):
 
 
 def is_special(owner, name, parameters):
-    """The members that C++ makes by itself: the comment of their class speaks for them."""
+    """The members that C++ makes by itself: the comment of their class is enough."""
     if name in ("~" + owner, "operator="):
         return True
     return name == owner and (not parameters or owner + " &" in parameters[0])
@@ -63,9 +63,9 @@ def documented():
                 seen.add(member.get("id"))
                 name = text_of(member.find("name"))
                 parameters = [text_of(p.find("type")) for p in member.findall("param")]
-                told = has_comment(member) or member.get("prot") == "private"
-                told = told or (is_special(scope, name, parameters) and classes.get(scope, False))
-                functions[f"{scope}::{name}" if scope else name, len(parameters)].append(told)
+                enough = has_comment(member) or member.get("prot") == "private"  # for what inline code calls
+                enough = enough or (is_special(scope, name, parameters) and classes.get(scope, False))
+                functions[f"{scope}::{name}" if scope else name, len(parameters)].append(enough)
     return classes, functions
 
 
@@ -96,7 +96,7 @@ EXAMPLE = re.compile(r"`tests/data/([^`]+)`:\n\n```\n(.*?)^```$", re.S | re.M)
 
 
 def bytes_of(block):
-    """The bytes of an example; ValueError for a line that doesn't stand at its offset."""
+    """The bytes of an example; ValueError for a line that isn't at its offset."""
     content = b""
     for line in block.splitlines():
         row = re.fullmatch(r" *(\d+)  ((?:[0-9A-F]{2} {1,2})*[0-9A-F]{2})(?:   .*)?", line)
@@ -140,7 +140,7 @@ def anchors(text):
 
 
 def test_names():
-    for path in (*pathlib.Path("tests").rglob("*_test.cpp"), *pathlib.Path("fuzz").rglob("*_test.cpp")):
+    for path in pathlib.Path("tests").rglob("*_test.cpp"):
         for suite, name in re.findall(r"^TEST(?:_F|_P)?\((\w+),\s*(\w+)\)", path.read_text(encoding="utf-8"), re.M):
             yield f"{suite}.{name}"
 
@@ -175,29 +175,24 @@ def check_links():
     return f"{count} links and names of files and tests", problems
 
 
-class Page(html.parser.HTMLParser):
-    def __init__(self, path):
-        super().__init__()
-        self.links, self.ids = set(), set()
-        self.feed(path.read_text(encoding="utf-8"))
+# ---- What Doxygen made
 
-    def handle_starttag(self, tag, attrs):
-        for name, value in attrs:
-            if name in ("id", "name"):
-                self.ids.add(value)
-            elif name in ("href", "src") and value and not re.match(r"\w+:|//", value):
-                self.links.add(value)
+CONTENTS = re.compile(r'<div class="contents">(.*)</div><!-- contents -->', re.S)
+ITEM = re.compile(r"((?:^ */// .*\n)+)((?:^ *(?!///)\S.*\n)+)", re.M)
 
 
 def check_pages():
-    folder, problems = PAGES / "html", []
-    pages = {path.name: Page(path) for path in sorted(folder.glob("*.html"))}
-    for name, page in pages.items():
-        for link in sorted(page.links):
-            target, _, anchor = urllib.parse.unquote(link).partition("#")
-            target = target or name
-            if not (folder / target).exists() or (anchor and target in pages and anchor not in pages[target].ids):
-                problems.append(f"{folder / name}: {link} leads nowhere")
+    """No page is blank, and a parameter that a comment lists (`- `name`: ...`) is one of the declaration's."""
+    pages, problems = sorted((PAGES / "html").glob("*.html")), []
+    for page in pages:
+        contents = CONTENTS.search(page.read_text(encoding="utf-8"))
+        if contents and not re.sub(r"<[^>]*>|\s", "", contents[1]):
+            problems.append(f"{page}: blank")
+    for header in (path for path in pathlib.Path().glob("*/*.h") if "/// @file" in path.read_text(encoding="utf-8")):
+        for comment, declaration in ITEM.findall(header.read_text(encoding="utf-8")):
+            for names in re.findall(r"/// - ((?:`\w+`,? ?)+):", comment):
+                problems += [f"{header}: {name} is no parameter" for name in re.findall(r"\w+", names)
+                             if not re.search(rf"\b{name}\b", declaration)]
     return f"{len(pages)} pages", problems
 
 

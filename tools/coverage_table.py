@@ -9,7 +9,7 @@ import json
 import pathlib
 import sys
 
-FOLDERS = ("core", "engine", "store", "options", "calendar", "fintext", "present", "platform")
+FOLDERS = ("base", "core", "engine", "store", "options", "calendar", "fintext", "present", "platform")
 
 
 def main():

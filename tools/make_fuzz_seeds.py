@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """Writes the seeds of the fuzz targets that nobody would write by hand: those that nest deeply, promise much,
-are cut short, or hold bytes.  Seeds that a fuzzer found stand beside them and are left alone.
+are cut short, or hold bytes.  Seeds that a fuzzer found are beside them and are left alone.
 
     tools/make_fuzz_seeds.py fuzz/seeds
 """

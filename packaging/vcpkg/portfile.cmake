@@ -1,4 +1,4 @@
-# Not run here: no vcpkg and no place to fetch it from.  An overlay port that builds the tree it lies in:
+# Not run here: no vcpkg and no place to fetch it from.  An overlay port that builds the tree that it is part of:
 #   vcpkg install tarnutil --overlay-ports=packaging/vcpkg
 set(SOURCE_PATH "${CURRENT_PORT_DIR}/../..")
 

@@ -36,10 +36,10 @@ BLOCK_SIZE = 16
 
 
 class Damaged(Exception):
-    """What stands in memory makes no sense; the text says why."""
+    """What is in memory makes no sense; the text says why."""
 
 
-def told(call):
+def text_or_failure(call):
     """Runs a reader and answers its text, or that of its failure."""
     try:
         return call()
@@ -235,7 +235,7 @@ def child_at(pointer, budget):
 # ------------------------------------------------------------------------------------------------------ printers
 
 class Printer:
-    """A printer of one object.  Below it: `text` says what stands there, `items` what is nested in it."""
+    """A printer of one object.  Below it: `text` says what it is, `items` what is nested in it."""
 
     def __init__(self, value):
         self.value = value
@@ -247,7 +247,7 @@ class Printer:
         return iter(())
 
     def to_string(self):
-        return told(self.text)
+        return text_or_failure(self.text)
 
     def children(self):
         try:
@@ -260,7 +260,7 @@ class Printer:
 
 class ValuePrinter(Printer):
     def to_string(self):
-        return told(lambda: (self.tag_name() + " " + told(self.text)).rstrip())
+        return text_or_failure(lambda: (self.tag_name() + " " + text_or_failure(self.text)).rstrip())
 
     def tag_name(self):
         tag = int(self.value["tag"])
@@ -331,7 +331,7 @@ def string_text(string):
 
 class RecordPrinter(Printer):
     def text(self):
-        rows = told(lambda: counted(checked_count(self.value["numMulti"], what="rows"), "row"))
+        rows = text_or_failure(lambda: counted(checked_count(self.value["numMulti"], what="rows"), "row"))
         return "record of " + fields_text(self.value["fields"].dereference()) + ", " + rows
 
     def items(self):
