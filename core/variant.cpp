@@ -1,5 +1,7 @@
-// Life of a tagged value: deep copy, release, size.  The one idea: a value that is being copied is at every
-// moment one that destroyContent can release, so that a copy that runs out of memory leaves nothing behind.
+// Life of a tagged value: deep copy, release, size.  `visit` knows which member of the payload belongs to which
+// tag, and hands it to a function with an overload for each type of member.  A value that is being copied is at
+// every moment one that destroyContent can release, so that a copy that runs out of memory leaves nothing behind.
+// Tests: tests/core/variant_test.cpp.
 
 #include "core/variant.h"
 
@@ -15,7 +17,57 @@ using tarn::copyOf;
 
 namespace {
 
+using Blob = decltype(MOLTVARIANT::payload.blob);
+using List = tarnTList<MOLTVARIANT*>;
+
 constexpr std::size_t blockBytes = 16;
+
+// Hands over the member of the payload that leads to memory of its own, or else the value itself.
+template <class Value, class Function>
+auto visit(Value& value, const Function& function) {
+    auto& payload = value.payload;
+    switch (value.tag) {
+        case tagText: return function(payload.text);
+        case tagWideText: return function(payload.wideText);
+        case tagVector: return function(payload.vector);
+        case tagBlob: return function(payload.blob);
+        case tagBlock: return function(payload.block);
+        case tagString: return function(payload.string);
+        case tagList: return function(payload.list);
+        case tagMulti: return function(payload.multi);
+        case tagRecord: return function(payload.record);
+        default: return function(value);
+    }
+}
+
+// Each calls `function` with the elements of a container in their order, NULL for one that isn't there.
+
+template <class Function>
+void forEachElement(MOLTVARIANT* const* vector, const Function& function) {
+    if (vector == nullptr) return;
+    for (; *vector != nullptr; ++vector) function(*vector);
+}
+
+template <class Function>
+void forEachElement(const List* list, const Function& function) {
+    if (list == nullptr) return;
+    for (std::int32_t i = 0; i < list->count; ++i) function(list->getAt(i));
+}
+
+template <class Function>
+void forEachElement(const multiColumn* column, const Function& function) {
+    if (column == nullptr || column->nodes == nullptr) return;
+    const nodeList& nodes = *column->nodes;
+    for (std::int32_t i = 0; i < nodes.count; ++i) function(nodes.cells[i]->value);
+}
+
+template <class Function>
+void forEachElement(const tarnFieldList* record, const Function& function) {
+    if (record == nullptr) return;
+    for (std::int32_t i = 0; i < record->count; ++i) function(record->values->getAt(i));
+}
+
+// ------------------------------------------------------------------------------------------------ deep copies
 
 // Releases a half-made copy unless it is completed.
 class CopyGuard {
@@ -32,134 +84,187 @@ class CopyGuard {
     MOLTVARIANT* value_;
 };
 
-std::size_t wideLength(const char16_t* text) {
-    return std::char_traits<char16_t>::length(text);
-}
-
-std::size_t vectorLength(MOLTVARIANT* const* vector) {
-    std::size_t length = 0;
-    while (vector[length] != nullptr) ++length;
-    return length;
-}
-
-unsigned char* copyBytes(const unsigned char* source, std::size_t count) {
-    auto* const copy = new unsigned char[count];
+template <class Item>
+Item* copyItems(const Item* source, std::size_t count) {
+    auto* const copy = new Item[count];
     std::copy_n(source, count, copy);
     return copy;
 }
 
-char16_t* copyWideText(const char16_t* source) {
-    const std::size_t units = wideLength(source) + 1;
-    auto* const copy = new char16_t[units];
-    std::copy(source, source + units, copy);
-    return copy;
+std::size_t wideLength(const char16_t* text) {
+    return std::char_traits<char16_t>::length(text);
 }
 
-// Each fills `target`, whose container exists and is empty, element by element.
+// Each makes an empty value into a copy of what it is given, which isn't NULL.  A container becomes the target's
+// before its elements are copied into it.
 
-void copyElements(MOLTVARIANT** target, MOLTVARIANT* const* source, std::size_t length) {
-    for (std::size_t i = 0; i < length; ++i) target[i] = copyOf(source[i]).release();
+void copyTo(MOLTVARIANT& target, const MOLTVARIANT& plain) {
+    target.assignContent(&plain);
 }
 
-void copyElements(tarnTList<MOLTVARIANT*>& target, const tarnTList<MOLTVARIANT*>& source) {
-    for (std::int32_t i = 0; i < source.count; ++i) {
-        auto element = copyOf(source.getAt(i));
-        target.add(element.get());
-        element.release();
+void copyTo(MOLTVARIANT& target, const char* text) {
+    target.payload.text = newstr(text);
+}
+
+void copyTo(MOLTVARIANT& target, const char16_t* text) {
+    target.payload.wideText = copyItems(text, wideLength(text) + 1);
+}
+
+void copyTo(MOLTVARIANT& target, const Blob& blob) {
+    const std::int32_t length = blob.data == nullptr ? 0 : std::max(blob.length, 0);
+    target.payload.blob = {copyItems(blob.data, static_cast<std::size_t>(length)), length};
+}
+
+void copyTo(MOLTVARIANT& target, const unsigned char* block) {
+    target.payload.block = copyItems(block, blockBytes);
+}
+
+void copyTo(MOLTVARIANT& target, const tarnString* string) {
+    target.payload.string = new tarnString(string->text);
+}
+
+void copyTo(MOLTVARIANT& target, MOLTVARIANT* const* vector) {
+    std::size_t length = 0;
+    while (vector[length] != nullptr) ++length;
+    MOLTVARIANT** next = target.payload.vector = new MOLTVARIANT*[length + 1]();
+    target.tag = tagVector;
+    forEachElement(vector, [&](const MOLTVARIANT* element) { *next++ = copyOf(element).release(); });
+}
+
+void copyTo(MOLTVARIANT& target, const List* source) {
+    List* const list = target.payload.list = new List;
+    target.tag = tagList;
+    forEachElement(source, [list](const MOLTVARIANT* element) {
+        auto copy = copyOf(element);
+        list->add(copy.get());
+        copy.release();
+    });
+}
+
+void copyTo(MOLTVARIANT& target, const multiColumn* source) {
+    multiColumn* const column = target.payload.multi = new multiColumn{nullptr};
+    target.tag = tagMulti;
+    column->nodes = new nodeList;
+    if (source->nodes == nullptr) return;
+    column->nodes->reserve(source->nodes->count);
+    for (std::int32_t i = 0; i < source->nodes->count; ++i) {
+        const nodeCell& cell = *source->nodes->cells[i];
+        auto copy = copyOf(cell.value);
+        column->nodes->add(copy.get(), cell.key.number);
+        copy.release();
     }
 }
 
-void copyElements(nodeList& target, const nodeList& source) {
-    target.reserve(source.count);
-    for (std::int32_t i = 0; i < source.count; ++i) {
-        auto value = copyOf(source.cells[i]->value);
-        target.add(value.get(), source.cells[i]->key.number);
-        value.release();
+void copyTo(MOLTVARIANT& target, const tarnFieldList* source) {
+    tarnFieldList* const record = target.payload.record = new tarnFieldList;
+    target.tag = tagRecord;
+    for (std::int32_t i = 0; i < source->count; ++i) {
+        auto copy = copyOf(source->values->getAt(i));
+        record->add(source->ids->getAt(i), copy.get());
+        copy.release();
     }
 }
 
-void copyElements(tarnFieldList& target, const tarnFieldList& source) {
-    for (std::int32_t i = 0; i < source.count; ++i) {
-        auto value = copyOf(source.values->getAt(i));
-        target.add(source.ids->getAt(i), value.get());
-        value.release();
-    }
+bool isNull(const void* pointer) {
+    return pointer == nullptr;
 }
+bool isNull(const Blob& /*blob*/) {
+    return false;
+}
+bool isNull(const MOLTVARIANT& /*plain*/) {
+    return false;
+}
+
+// ---------------------------------------------------------------------------------------------------- release
 
 void destroyValue(MOLTVARIANT* value) {
     const tarn::OwnedValue owner(value);
 }
 
-void destroyVector(MOLTVARIANT** vector) {
-    for (MOLTVARIANT** entry = vector; *entry != nullptr; ++entry) destroyValue(*entry);
+void release(const MOLTVARIANT& /*plain*/) {}
+void release(const char* text) {
+    delete[] text;
+}
+void release(const char16_t* text) {
+    delete[] text;
+}
+void release(const Blob& blob) {
+    delete[] blob.data;
+}
+void release(const unsigned char* block) {
+    delete[] block;
+}
+void release(const tarnString* string) {
+    delete string;
+}
+
+void release(MOLTVARIANT** vector) {
+    forEachElement(vector, destroyValue);
     delete[] vector;
 }
 
-void destroyList(tarnTList<MOLTVARIANT*>* list) {
-    for (std::int32_t i = 0; i < list->count; ++i) destroyValue(list->getAt(i));
-    delete list->array;
+void release(List* list) {
+    forEachElement(list, destroyValue);
+    if (list != nullptr) delete list->array;
     delete list;
 }
 
-void destroyColumn(multiColumn* column) {
-    if (nodeList* const nodes = column->nodes; nodes != nullptr) {
-        for (std::int32_t i = 0; i < nodes->count; ++i) destroyValue(nodes->cells[i]->value);
-        nodes->release();
-        delete nodes;
+void release(multiColumn* column) {
+    forEachElement(column, destroyValue);
+    if (column != nullptr && column->nodes != nullptr) {
+        column->nodes->release();
+        delete column->nodes;
     }
     delete column;
 }
 
-void destroyRecord(tarnFieldList* record) {
-    for (std::int32_t i = 0; i < record->count; ++i) destroyValue(record->values->getAt(i));
-    delete record->values;
-    delete record->ids;
+void release(tarnFieldList* record) {
+    forEachElement(record, destroyValue);
+    if (record != nullptr) {
+        delete record->values;
+        delete record->ids;
+    }
     delete record;
 }
 
-std::uint32_t sizeOf(const MOLTVARIANT* value) {
-    return value == nullptr ? 0 : static_cast<std::uint32_t>(value->sizeOfData());
-}
+// ------------------------------------------------------------------------------------------------------- size
+
+constexpr std::uint32_t countWord = 4;
 
 // Sums wrap at 32 bits, the width that they have in a file.
-std::uint32_t sizeOfElements(const MOLTVARIANT& value) {
+template <class Container>
+std::uint32_t sizeOfElements(const Container* container) {
     std::uint32_t size = 0;
-    switch (value.tag) {
-        case tagVector:
-            for (MOLTVARIANT* const* entry = value.payload.vector; *entry != nullptr; ++entry)
-                size += sizeOf(*entry);
-            break;
-        case tagList:
-            for (std::int32_t i = 0; i < value.payload.list->count; ++i)
-                size += sizeOf(value.payload.list->getAt(i));
-            break;
-        case tagMulti:
-            if (const nodeList* const nodes = value.payload.multi->nodes; nodes != nullptr) {
-                for (std::int32_t i = 0; i < nodes->count; ++i) size += sizeOf(nodes->cells[i]->value);
-            }
-            break;
-        default:
-            for (std::int32_t i = 0; i < value.payload.record->count; ++i) {
-                size += sizeOf(value.payload.record->values->getAt(i));
-            }
-            break;
-    }
+    forEachElement(container, [&size](const MOLTVARIANT* element) {
+        if (element != nullptr) size += static_cast<std::uint32_t>(element->sizeOfData());
+    });
     return size;
 }
 
-// A pointer form that holds no pointer: nothing to copy, measure or release.
-bool holdsNothing(const MOLTVARIANT& value) {
-    switch (value.tag) {
-        case tagText: return value.payload.text == nullptr;
-        case tagWideText: return value.payload.wideText == nullptr;
-        case tagVector: return value.payload.vector == nullptr;
-        case tagBlock: return value.payload.block == nullptr;
-        case tagString: return value.payload.string == nullptr;
-        case tagList: return value.payload.list == nullptr;
-        case tagMulti: return value.payload.multi == nullptr;
-        case tagRecord: return value.payload.record == nullptr;
-        default: return false;
-    }
+std::uint32_t sizeOf(const MOLTVARIANT& plain) {
+    return plain.tag == tagLong || plain.tag == tagNumber ? 4 : 8;
+}
+std::uint32_t sizeOf(const char* text) {
+    return text == nullptr ? 0 : static_cast<std::uint32_t>(std::strlen(text) + 1);
+}
+std::uint32_t sizeOf(const char16_t* text) {
+    return text == nullptr ? 0 : static_cast<std::uint32_t>(2 * wideLength(text) + 2);
+}
+std::uint32_t sizeOf(const Blob& blob) {
+    return countWord + static_cast<std::uint32_t>(blob.length);
+}
+std::uint32_t sizeOf(const unsigned char* /*block*/) {
+    return blockBytes;
+}
+std::uint32_t sizeOf(const tarnString* string) {
+    return string == nullptr ? 0 : sizeOf(string->text);
+}
+std::uint32_t sizeOf(MOLTVARIANT* const* vector) {
+    return sizeOfElements(vector);
+}
+template <class Container>
+std::uint32_t sizeOf(const Container* container) {
+    return countWord + sizeOfElements(container);
 }
 
 }  // namespace
@@ -176,92 +281,20 @@ void MOLTVARIANT::copyContent(const MOLTVARIANT* source) {
     if (source == nullptr) return assignContent(nullptr);
     const MOLTVARIANT view = *source;  // the source may be this value
     assignContent(nullptr);
-    if (holdsNothing(view)) {
-        tag = view.tag;
-        return;
-    }
     CopyGuard guard(*this);
-    switch (view.tag) {
-        case tagText: payload.text = newstr(view.payload.text); break;
-        case tagWideText: payload.wideText = copyWideText(view.payload.wideText); break;
-        case tagVector: {
-            const std::size_t length = vectorLength(view.payload.vector);
-            payload.vector = new MOLTVARIANT*[length + 1]();
-            tag = tagVector;
-            copyElements(payload.vector, view.payload.vector, length);
-            break;
-        }
-        case tagBlob:
-            if (view.payload.blob.data != nullptr)
-                payload.blob.length = std::max(view.payload.blob.length, 0);
-            payload.blob.data =
-                copyBytes(view.payload.blob.data, static_cast<std::size_t>(payload.blob.length));
-            break;
-        case tagBlock: payload.block = copyBytes(view.payload.block, blockBytes); break;
-        case tagString: payload.string = new tarnString(view.payload.string->text); break;
-        case tagList:
-            payload.list = new tarnTList<MOLTVARIANT*>;
-            tag = tagList;
-            copyElements(*payload.list, *view.payload.list);
-            break;
-        case tagMulti:
-            payload.multi = new multiColumn{nullptr};
-            tag = tagMulti;
-            payload.multi->nodes = new nodeList;
-            if (view.payload.multi->nodes != nullptr)
-                copyElements(*payload.multi->nodes, *view.payload.multi->nodes);
-            break;
-        case tagRecord:
-            payload.record = new tarnFieldList;
-            tag = tagRecord;
-            copyElements(*payload.record, *view.payload.record);
-            break;
-        default: assignContent(&view); break;
-    }
+    visit(view, [this](const auto& content) {
+        if (!isNull(content)) copyTo(*this, content);
+    });
     tag = view.tag;
     guard.complete();
 }
 
 void MOLTVARIANT::destroyContent() {
     if (tag == tagEmpty || (tag == tagVector && payload.vector == nullptr)) return;
-    if (!holdsNothing(*this)) {
-        switch (tag) {
-            case tagText: delete[] payload.text; break;
-            case tagWideText: delete[] payload.wideText; break;
-            case tagVector: destroyVector(payload.vector); break;
-            case tagBlob: delete[] payload.blob.data; break;
-            case tagBlock: delete[] payload.block; break;
-            case tagString: delete payload.string; break;
-            case tagList: destroyList(payload.list); break;
-            case tagMulti: destroyColumn(payload.multi); break;
-            case tagRecord: destroyRecord(payload.record); break;
-            default: break;
-        }
-    }
+    visit(*this, [](const auto& content) { release(content); });
     assignContent(nullptr);
 }
 
 std::int32_t MOLTVARIANT::sizeOfData() const {
-    constexpr std::uint32_t countWord = 4;
-    const bool nothing = holdsNothing(*this);
-    std::uint32_t size = 8;
-    switch (tag) {
-        case tagLong:
-        case tagNumber: size = 4; break;
-        case tagText: size = nothing ? 0 : static_cast<std::uint32_t>(std::strlen(payload.text) + 1); break;
-        case tagString:
-            size = nothing ? 0 : static_cast<std::uint32_t>(std::strlen(payload.string->text) + 1);
-            break;
-        case tagWideText:
-            size = nothing ? 0 : static_cast<std::uint32_t>(2 * wideLength(payload.wideText) + 2);
-            break;
-        case tagVector: size = nothing ? 0 : sizeOfElements(*this); break;
-        case tagBlob: size = static_cast<std::uint32_t>(payload.blob.length) + countWord; break;
-        case tagBlock: size = blockBytes; break;
-        case tagList:
-        case tagMulti:
-        case tagRecord: size = countWord + (nothing ? 0 : sizeOfElements(*this)); break;
-        default: break;
-    }
-    return static_cast<std::int32_t>(size);
+    return static_cast<std::int32_t>(visit(*this, [](const auto& content) { return sizeOf(content); }));
 }
