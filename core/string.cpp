@@ -16,6 +16,7 @@
 namespace {
 
 constexpr std::size_t longest = std::numeric_limits<std::int32_t>::max() - 1;
+constexpr std::int32_t firstRoom = 8;  // bytes of a string without a text
 
 std::unique_ptr<char[]> zeroedBlock(std::size_t bytes) {
     return std::unique_ptr<char[]>(new char[bytes]());
@@ -27,29 +28,15 @@ bool isPriceDenominator(int number) {
 
 }  // namespace
 
-void tarnString::init(std::int32_t bytes) {
-    allocated_ = bytes == 0 ? 8 : bytes;
-    text = zeroedBlock(static_cast<std::size_t>(allocated_)).release();
-    length = 0;
-}
+tarnString::tarnString() : tarnString(static_cast<const char*>(nullptr)) {}
 
-void tarnString::init(const char* source) {
-    if (source == nullptr) return init(8);
-    const std::size_t count = std::min(std::strlen(source), longest);
-    init(static_cast<std::int32_t>(count + 1));
-    std::memcpy(text, source, count);
-    length = static_cast<std::int32_t>(count);
-}
-
-tarnString::tarnString() {
-    init(8);
-}
 tarnString::tarnString(const char* source) {
-    init(source);
+    length = source == nullptr ? 0 : static_cast<std::int32_t>(std::min(std::strlen(source), longest));
+    allocated_ = source == nullptr ? firstRoom : length + 1;
+    text = newstr(source, static_cast<std::uint32_t>(allocated_ - 1));
 }
-tarnString::tarnString(const tarnString& other) : tarnObject(other) {
-    init(other.text);
-}
+
+tarnString::tarnString(const tarnString& other) : tarnString(other.text) {}
 
 tarnString& tarnString::operator=(const tarnString& other) {
     if (this != &other) assign(other.text);
@@ -93,19 +80,15 @@ int tarnString::isequal(const char* other, int exact) const {
     return (exact != 0 ? std::strcmp(text, other) : _stricmp(text, other)) == 0 ? 1 : 0;
 }
 
-void tarnString::assign(const char* source, std::size_t count) {
-    count = std::min(count, longest);
+void tarnString::assign(const char* source) {
+    if (source == nullptr) return clear();
+    const std::size_t count = std::min(std::strlen(source), longest);
     auto block = zeroedBlock(count + 1);
     std::memcpy(block.get(), source, count);
     delete[] text;
     text = block.release();
     length = static_cast<std::int32_t>(count);
     allocated_ = length + 1;
-}
-
-void tarnString::assign(const char* source) {
-    if (source == nullptr) return clear();
-    assign(source, std::strlen(source));
 }
 
 void tarnString::assign(std::int32_t number) {
@@ -122,9 +105,10 @@ void tarnString::assign(double number, std::int16_t decimals) {
     assign(digits);
 }
 
-void tarnString::append(const char* source, std::size_t count) {
+void tarnString::append(const char* source) {
+    if (source == nullptr) return;
     const auto old = static_cast<std::size_t>(length);
-    count = std::min(count, longest - old);
+    const std::size_t count = std::min(std::strlen(source), longest - old);
     if (old + count == 0) return;
     if (old + count + 1 > static_cast<std::size_t>(allocated_)) {
         const std::size_t bytes = std::min(old + count + 1 + old / 4, longest + 1);
@@ -139,10 +123,6 @@ void tarnString::append(const char* source, std::size_t count) {
     }
     text[old + count] = '\0';
     length = static_cast<std::int32_t>(old + count);
-}
-
-void tarnString::append(const char* source) {
-    if (source != nullptr) append(source, std::strlen(source));
 }
 
 void tarnString::append(std::int32_t number) {
@@ -160,8 +140,7 @@ void tarnString::appendDouble(double number) {
 void tarnString::trim(char character) {
     if (length == 0) return;
     std::uint32_t trimmed = 0;
-    const char* const start = ::trim(text, trimmed, character);
-    assign(start, trimmed);
+    assign(::trim(text, trimmed, character));
 }
 
 void tarnString::removeSpace() {

@@ -79,11 +79,6 @@ class TARN_EXPORT tarnString : public tarnObject {
     [[nodiscard]] std::int32_t findChar(char character) const;
 
   private:
-    void init(std::int32_t bytes);
-    void init(const char* source);
-    void assign(const char* source, std::size_t count);
-    void append(const char* source, std::size_t count);
-
     std::int32_t allocated_;  // bytes at `text`
 };
 

@@ -103,11 +103,6 @@ struct TARN_EXPORT MOLTVARIANT {
 
     /// Answers the number of payload bytes in the indexed data file (store/index_data_file.h).
     [[nodiscard]] std::int32_t sizeOfData() const;
-
-  private:
-    friend std::int32_t varcmp(const MOLTVARIANT& a, const MOLTVARIANT& b);
-
-    void convertContent(const MOLTVARIANT* source, std::int32_t wantedTag);
 };
 
 /// Answers the value as a new text.  Texts of tags 10 and 17 are copied (NULL gives an empty text), tag 2 and

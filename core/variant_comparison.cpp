@@ -1,10 +1,12 @@
 // Equality, likeness and order of tagged values.
+// Tests: tests/core/comparison_test.cpp.
 
 #include <cstring>
-#include <memory>
 #include <string_view>
 
 #include "base/wrapping.h"
+#include "core/number_text.h"
+#include "core/string.h"
 #include "core/value_text.h"
 #include "core/variant.h"
 #include "platform/win32.h"
@@ -19,10 +21,60 @@ std::int32_t order(Number a, Number b) {
     return (a > b) - (a < b);
 }
 
-// NULL stands before every text.
+// NULL comes before every text.
 std::int32_t orderWideTexts(const char16_t* a, const char16_t* b) {
     if (a == nullptr || b == nullptr) return order(a != nullptr, b != nullptr);
     return order(std::u16string_view(a).compare(b), 0);
+}
+
+bool isNumber(std::int32_t tag) {
+    return tag >= tagShort && tag <= tagDouble;
+}
+
+// A number of tags 2 to 5, or the number that a text begins with.
+double numberOf(const MOLTVARIANT& value) {
+    switch (value.tag) {
+        case tagShort: return value.payload.shortValue;
+        case tagLong: return value.payload.longValue;
+        case tagFloat: return static_cast<double>(value.payload.floatValue);
+        case tagDouble: return value.payload.doubleValue;
+        default: return tarn::readDouble(textOf(value));
+    }
+}
+
+// The number of a value in the form of the wanted tag.  Where there is no conversion it is the value as it is.
+MOLTVARIANT numberAs(std::int32_t wantedTag, const MOLTVARIANT& value) {
+    if (value.tag == tagEmpty) return MOLTVARIANT();
+    MOLTVARIANT view = value;
+    auto& payload = view.payload;
+    const bool fromText = hasTextForm(value.tag);
+    const char* const text = textOf(value);
+    if (!fromText && !isNumber(value.tag)) return view;
+    switch (wantedTag) {
+        case tagShort:
+            payload.shortValue = static_cast<std::int16_t>(tarn::cutToLong(numberOf(value)));
+            break;
+        case tagLong:
+            payload.longValue = fromText ? tarn::readLong(text) : tarn::cutToLong(numberOf(value));
+            break;
+        case tagFloat: payload.floatValue = static_cast<float>(numberOf(value)); break;
+        case tagDouble: payload.doubleValue = numberOf(value); break;
+        case tagChar:
+            if (fromText) payload.charValue = static_cast<signed char>(text == nullptr ? '\0' : *text);
+            break;
+        default: break;
+    }
+    return view;
+}
+
+// The text a against b's text or b's number as a text.  What has no text form comes before every text, a float
+// before a string object too.
+std::int32_t orderTexts(const MOLTVARIANT& a, const MOLTVARIANT& b) {
+    if (hasTextForm(b.tag)) return lstrcmpiA(textOf(a), textOf(b));
+    if (!isNumber(b.tag) || (a.tag == tagString && b.tag == tagFloat)) return 1;
+    tarnString number;
+    number.assign(&b);
+    return lstrcmpiA(textOf(a), number.text);
 }
 
 }  // namespace
@@ -58,32 +110,22 @@ int isVarLike(const MOLTVARIANT& a, const MOLTVARIANT& b) {
 }
 
 std::int32_t varcmp(const MOLTVARIANT& a, const MOLTVARIANT& b) {
-    MOLTVARIANT converted;
-    converted.convertContent(&b, a.tag);
-    std::int32_t result = 0;
+    const auto& left = a.payload;
+    const MOLTVARIANT converted = numberAs(a.tag, b);
+    const auto& right = converted.payload;
     switch (a.tag) {
-        case tagByte: result = a.payload.byteValue - converted.payload.byteValue; break;
-        case tagShort: result = a.payload.shortValue - converted.payload.shortValue; break;
+        case tagByte: return left.byteValue - right.byteValue;
+        case tagShort: return left.shortValue - right.shortValue;
         case tagLong:
         case tagWord:
-        case tagNumber:
-            result = tarn::wrappingDifference(a.payload.longValue, converted.payload.longValue);
-            break;
-        case tagFloat: result = order(a.payload.floatValue, converted.payload.floatValue); break;
-        case tagDouble: result = order(a.payload.doubleValue, converted.payload.doubleValue); break;
-        case tagChar: result = a.payload.charValue - converted.payload.charValue; break;
-        case tagUShort: result = a.payload.ushortValue - converted.payload.ushortValue; break;
+        case tagNumber: return tarn::wrappingDifference(left.longValue, right.longValue);
+        case tagFloat: return order(left.floatValue, right.floatValue);
+        case tagDouble: return order(left.doubleValue, right.doubleValue);
+        case tagChar: return left.charValue - right.charValue;
+        case tagUShort: return left.ushortValue - right.ushortValue;
         case tagText:
-        case tagString:
-            result = hasTextForm(converted.tag) ? lstrcmpiA(textOf(a), textOf(converted)) : 1;
-            break;
-        case tagWideText:
-            result = converted.tag == tagWideText
-                         ? orderWideTexts(a.payload.wideText, converted.payload.wideText)
-                         : 1;
-            break;
-        default: break;
+        case tagString: return orderTexts(a, b);
+        case tagWideText: return b.tag == tagWideText ? orderWideTexts(left.wideText, b.payload.wideText) : 1;
+        default: return 0;
     }
-    converted.destroyContent();
-    return result;
 }

@@ -1,4 +1,5 @@
-// Tagged values to text and back, to another tag, and prices from text.
+// Tagged values to text and back, and from the 32 bits of a client's field.
+// Tests: tests/core/conversion_test.cpp.
 
 #include <cstdio>
 #include <cstring>
@@ -32,21 +33,6 @@ char* formatted(const char* format, Argument argument) {
     std::unique_ptr<char[]> text(new char[bytes < numberBlock ? numberBlock : bytes]());
     std::snprintf(text.get(), bytes, format, argument);
     return text.release();
-}
-
-// A number of tags 2 to 5 or the number that a text begins with.
-double numberOf(const MOLTVARIANT& value) {
-    switch (value.tag) {
-        case tagShort: return value.payload.shortValue;
-        case tagLong: return value.payload.longValue;
-        case tagFloat: return static_cast<double>(value.payload.floatValue);
-        case tagDouble: return value.payload.doubleValue;
-        default: return tarn::readDouble(textOf(value));
-    }
-}
-
-bool isNumberOrText(std::int32_t tag) {
-    return (tag >= tagShort && tag <= tagDouble) || hasTextForm(tag);
 }
 
 }  // namespace
@@ -131,58 +117,6 @@ void convertFromLong(MOLTVARIANT* value, std::int32_t type, std::int32_t size) {
     }
 }
 
-void MOLTVARIANT::convertContent(const MOLTVARIANT* source, std::int32_t wantedTag) {
-    if (source == nullptr || source->tag == tagEmpty) return assignContent(nullptr);
-    const std::int32_t from = source->tag;
-    MOLTVARIANT converted;
-    converted.tag = wantedTag;
-    bool done = false;
-    switch (wantedTag) {
-        case tagShort:
-        case tagFloat:
-        case tagDouble: {
-            done = isNumberOrText(from);
-            const double number = done ? numberOf(*source) : 0.0;
-            if (wantedTag == tagDouble) converted.payload.doubleValue = number;
-            if (wantedTag == tagFloat) converted.payload.floatValue = static_cast<float>(number);
-            if (wantedTag == tagShort)
-                converted.payload.shortValue = static_cast<std::int16_t>(tarn::cutToLong(number));
-            break;
-        }
-        case tagLong:
-            done = isNumberOrText(from);
-            if (done) {
-                converted.payload.longValue =
-                    hasTextForm(from) ? tarn::readLong(textOf(*source)) : tarn::cutToLong(numberOf(*source));
-            }
-            break;
-        case tagChar:
-            done = from == tagChar || hasTextForm(from);
-            if (from == tagChar) converted.payload.charValue = source->payload.charValue;
-            if (const char* const text = textOf(*source); text != nullptr) {
-                converted.payload.charValue = static_cast<signed char>(*text);
-            }
-            break;
-        case tagNumber:
-            done = from == tagNumber;
-            converted.payload.longValue = source->payload.longValue;
-            break;
-        case tagText:
-        case tagString: {
-            const bool readable = isNumberOrText(from) && !(wantedTag == tagString && from == tagFloat);
-            tarnString text;
-            if (readable) text.assign(source);
-            done = text.length != 0;
-            if (done && wantedTag == tagText) converted.payload.text = newstr(&text);
-            if (done && wantedTag == tagString) converted.payload.string = new tarnString(text);
-            break;
-        }
-        default: break;
-    }
-    if (!done) return copyContent(source);
-    assignContent(&converted);
-}
-
 void tarnString::assign(const MOLTVARIANT* value) {
     if (value == nullptr) return clear();
     switch (value->tag) {
@@ -192,8 +126,8 @@ void tarnString::assign(const MOLTVARIANT* value) {
         case tagFloat: return assign(static_cast<double>(value->payload.floatValue), 0);
         case tagDouble: return assign(value->payload.doubleValue, 0);
         case tagChar: {
-            const char character = static_cast<char>(value->payload.charValue);
-            return assign(&character, character == '\0' ? 0 : 1);
+            const char character[] = {static_cast<char>(value->payload.charValue), '\0'};
+            return assign(character);
         }
         case tagText:
         case tagString: return assign(textOf(*value));
