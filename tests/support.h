@@ -1,7 +1,7 @@
 #pragma once
 
-// What tests need, once: the headers that most of them use, and of the system a temporary folder, whole files
-// and the environment.  Everything stands on std::filesystem, so that the same tests also run on Windows.
+// What many tests need: the headers that most of them use, temporary folders, whole files, the environment
+// and the clock.  It uses std::filesystem, so that the same tests also run on Windows.
 
 #include <gtest/gtest.h>
 
@@ -29,10 +29,10 @@
 
 namespace tarntest {
 
-// Where a test that waits for the disk often may have its folder instead, if the system has such a place.
+// Where a test that often waits for the disk may have its folder instead, if the system has such a place.
 constexpr const char* inMemory = "/dev/shm";
 
-// A folder of its own for one test, gone with the object.
+// A folder for one test, removed with the object.
 class TemporaryFolder {
   public:
     explicit TemporaryFolder(const std::filesystem::path& wished = {})
@@ -115,26 +115,31 @@ inline std::string shown(double answer) {
     return {text, std::to_chars(text, text + sizeof text, answer, std::chars_format::general, 10).ptr};
 }
 
-// setEnvironment sets a variable of the environment, of which TZ also counts as the zone of local time (UTC0
-// and EST5EDT are names that POSIX and Windows share); NULL takes it away.
+// Sets a variable of the environment, or removes it for NULL.  TZ is the zone of local time from then on;
+// UTC0 and EST5EDT are names that POSIX and Windows share.
 #if defined(_WIN32)
 constexpr bool onWindows = true;
 inline void setEnvironment(const char* name, const char* value) {
-    _putenv_s(name, value == nullptr ? "" : value), ::_tzset();
+    _putenv_s(name, value == nullptr ? "" : value);
+    ::_tzset();
 }
 inline void holdClock(const SYSTEMTIME*) {}
 #else
 constexpr bool onWindows = false;
 inline void setEnvironment(const char* name, const char* value) {
-    value == nullptr ? ::unsetenv(name) : ::setenv(name, value, 1), ::tzset();
+    if (value == nullptr) {
+        ::unsetenv(name);
+    } else {
+        ::setenv(name, value, 1);
+    }
+    ::tzset();
 }
 inline void holdClock(const SYSTEMTIME* now) {
     tarn::setClock(now, now);
 }
 #endif
 
-// Holds the zone of local time, in a form that POSIX and Windows share (UTC0, EST5EDT), until the end of the
-// test.
+// Holds the zone of local time until the end of the test.
 struct HeldZone {
     const std::string before = std::getenv("TZ") == nullptr ? "" : std::getenv("TZ");
 

@@ -86,6 +86,15 @@ inline Owned blob(std::string_view bytes) {
     return made;
 }
 
+// Sixteen bytes, those behind the given ones 0.
+inline Owned block(std::string_view bytes) {
+    Owned made;
+    made.payload.block = new unsigned char[16]();
+    std::copy(bytes.begin(), bytes.end(), made.payload.block);
+    made.tag = tagBlock;
+    return made;
+}
+
 // A pointer form that holds no pointer, by its tag alone.
 inline Owned nothing(std::int32_t tag) {
     Owned made;
