@@ -61,41 +61,6 @@ inline void fill(const std::string& file, std::string_view content) {
     std::ofstream(file, std::ios::binary).write(content.data(), static_cast<std::streamsize>(content.size()));
 }
 
-// A text of up to `longest` characters from an alphabet.
-inline std::string randomText(std::mt19937& random, std::string_view alphabet, unsigned longest) {
-    std::string text(random() % (longest + 1), '\0');
-    for (char& c : text) c = alphabet[random() % alphabet.size()];
-    return text;
-}
-
-// The parts of a text; signs stand for characters: _ blank, ^ line feed, ~ carriage return, > tab.
-inline std::vector<std::string> split(const std::string& text, char separator) {
-    constexpr std::string_view signs = "_^~>";
-    std::vector<std::string> parts(1);
-    for (const char c : text) {
-        const std::size_t sign = signs.find(c);
-        if (c == separator) parts.emplace_back();
-        if (c != separator) parts.back() += sign == signs.npos ? c : " \n\r\t"[sign];
-    }
-    return parts;
-}
-
-// Calls that a test takes in as one text.  A line names a function and lists its calls behind a colon, with ;
-// between them; a call has its arguments and then its answer, with | between them.  # begins a remark.
-template <class Answer>
-void expectAnswers(const char* calls, Answer answerOf) {
-    std::istringstream lines(calls);
-    for (std::string line; std::getline(lines, line);) {
-        const std::size_t colon = line.find(':');
-        const std::string function = line.substr(0, colon);
-        if (line.empty() || line[0] == '#') continue;
-        for (const std::string& call : split(line.substr(colon + 1), ';')) {
-            const auto cells = split(call, '|');
-            EXPECT_EQ(answerOf(function, cells), cells.back()) << line << " : " << call;
-        }
-    }
-}
-
 // What the C library answers in its own locale, whatever locale the tests run in.
 template <class Call>
 auto inCLocale(Call call) {

@@ -10,6 +10,13 @@
 
 namespace {
 
+// A text of up to `longest` characters from an alphabet.
+std::string randomText(std::mt19937& random, std::string_view alphabet, unsigned longest) {
+    std::string text(random() % (longest + 1), '\0');
+    for (char& c : text) c = alphabet[random() % alphabet.size()];
+    return text;
+}
+
 std::uint64_t bitsOf(double number) {
     return std::isnan(number) ? 0 : std::bit_cast<std::uint64_t>(number);
 }
@@ -25,7 +32,7 @@ TEST(NumberTextTest, ReadingAgreesWithTheCLibrary) {
     std::mt19937 random(4);
     for (int i = 0; i < 300'000 && !HasFailure(); ++i) {
         const char* const alphabet = i % 2 == 0 ? "0123456789.e-+ " : "019.eExXpP-+ \tinfaINFNA,/";
-        expectAgreementInReading(tarntest::randomText(random, alphabet, 13));
+        expectAgreementInReading(randomText(random, alphabet, 13));
     }
     const std::string zeros(400, '0');
     const std::string longTexts[] = {"1e999",
@@ -91,7 +98,7 @@ TEST(PriceTest, FastAndPlainReadingAgree) {
     constexpr const char* alphabets[] = {"0123456789.", "0123 ./,-+", "12 /-.a"};
     for (int i = 0; i < 400'000; ++i) {
         const std::string blanks(i % 500 == 0 ? 300 : 0, ' ');
-        const std::string text = blanks + tarntest::randomText(random, alphabets[i % 3], 13) + blanks;
+        const std::string text = blanks + randomText(random, alphabets[i % 3], 13) + blanks;
         double number = 77;
         double expected = 77;
         const int answer = tarntest::inCLocale([&] { return tarnplain::price(text, expected); });
