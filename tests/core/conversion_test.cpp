@@ -47,7 +47,9 @@ TEST(ConversionTest, AFormatTakesThePayloadOfItsTag) {
     } rows[] = {
         {number(tagShort, -300), "%d", "-300"},
         {number(tagLong, 70000), "<%6d>", "< 70000>"},
-        {number(tagFloat, 0.5), "%.3f", "0.500"},
+        {number(tagLong, -5), "%%ld is %ld%%", "%ld is -5%"},  // a client's long has 32 bits
+        {number(tagLong, -1), "%-9.8lx|", "ffffffff |"},
+        {number(tagFloat, 0.5), "%.3lf", "0.500"},
         {number(tagDouble, 1), "%42.1f", "                                       1.0"},
         {number(tagChar, -2), "%d", "-2"},
         {text(nullptr), "<%s>", "<>"},
@@ -57,6 +59,11 @@ TEST(ConversionTest, AFormatTakesThePayloadOfItsTag) {
         const Text text(inCLocale([&] { return convertToString(&each.value, each.format); }));
         EXPECT_STREQ(text.get(), each.text) << each.format;
     }
+    wchar_t wide[] = L"wide";
+    MOLTVARIANT view;
+    view.tag = tagText;
+    view.payload.text = reinterpret_cast<char*>(wide);
+    EXPECT_STREQ(Text(convertToString(&view, "%ls")).get(), "wide");
 }
 
 TEST(ConversionTest, ATextBecomesTheWantedTag) {
