@@ -1,7 +1,7 @@
 #pragma once
 
-// Internal: the classes of characters as the "C" locale has them, whatever locale the program has set, and the
-// one folding of letters that the library knows: A to Z count as a to z, every other byte as itself.
+// Internal: the classes of characters in the "C" locale, whatever locale the program has set, and the
+// library's only folding of letters: A to Z become a to z, every other byte stays.
 
 namespace tarn {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-// Internal: the byte order of the library's files, once.  Every number in a file is little-endian and stands
-// at any address; it is read and written byte by byte, which compilers turn into one move.
+// Internal: the byte order of the library's files.  Every number in a file is little-endian and may lie at
+// any address; it is read and written byte by byte, which compilers turn into one move.
 
 #include <cstddef>
 #include <cstdint>

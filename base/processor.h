@@ -1,10 +1,9 @@
 #pragma once
 
-// The library's own view of the processor: whether the compiler has the x86 vector instructions at all, and
-// which of them the machine has that the program runs on.  Sources with a vector path put it between
-// `#if TARN_X86_VECTORS` and mark its functions TARN_SSSE3, TARN_AVX2 or TARN_AVX512, so that they may use
-// instructions that the rest of the program isn't compiled for; every such source also has a path without
-// any.
+// Internal: whether the compiler knows the x86 vector instructions, and which of them the processor has.  A
+// source with a vector path puts it behind `#if TARN_X86_VECTORS` and marks its functions TARN_SSSE3,
+// TARN_AVX2 or TARN_AVX512, so that they may use instructions that the rest of the program isn't compiled
+// for.  It also has a path without any.
 
 #if defined(__GNUC__) && (defined(__x86_64__) || defined(__i386__))
 #define TARN_X86_VECTORS 1
@@ -18,12 +17,12 @@
 
 namespace tarn {
 
-// What a path needs of the processor, each level with those before it.
+// What a path needs of the processor; each level includes those before it.
 enum class VectorLevel { none, ssse3, avx2, avx512 };
 
-// Answers the highest level that this machine has.  It reads a word that the compiler's start-up code filled.
-// g++ doesn't align a 64-bit Windows stack to 32 bytes, which its AVX code relies on: there ssse3 is the
-// highest.
+// Answers the highest level of this machine, from a word that the compiler's start-up code filled.  On
+// 64-bit Windows it is at most ssse3 with g++, which doesn't align the stack to the 32 bytes that its own
+// AVX code needs.
 inline VectorLevel vectorLevel() {
 #if TARN_X86_VECTORS
 #if !defined(_WIN64) || defined(__clang__)

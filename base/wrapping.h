@@ -1,7 +1,6 @@
 #pragma once
 
-// Internal: sums and differences that wrap at 32 bits on purpose, as keys, row numbers and compared values
-// do.
+// Internal: sums and differences that wrap at 32 bits on purpose: of keys, row numbers and compared values.
 
 #include <cstdint>
 

@@ -1,6 +1,7 @@
-// tarnBuffer.  `capacity` follows the told steps of 4096 bytes, while the block behind it grows by a quarter
-// at least.  What a caller hands in may lie in the buffer, so an old block goes only after the new bytes are
-// in.
+// tarnBuffer.  `capacity` grows in the documented steps of 4096 bytes, the block itself by a quarter at
+// least.  The bytes that a caller passes may lie in the buffer, so an old block is released only after they
+// are copied.
+// Tests: tests/core/string_test.cpp.
 
 #include <algorithm>
 #include <cstring>
@@ -71,7 +72,7 @@ void tarnBuffer::append(const void* bytes, std::int32_t count) {
         allocated_ = roomy;
     } else {
         std::memmove(data + length, bytes, bytesOf(count));
-        // A block that grows starts zeroed, so nothing old may show behind the bytes.
+        // Documented: a buffer that has grown is zeroed behind its bytes.
         const std::int32_t end = length + count;
         if (grown > capacity && end < capacity) std::memset(data + end, 0, bytesOf(capacity - end));
     }

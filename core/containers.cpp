@@ -1,6 +1,7 @@
-// Object root, field list and keyed list.  The one idea: a keyed list is an array of cell pointers of which a
-// leading part is known to be in key order.  Adding in order extends that part, a sort merges the rest into
-// it, and a row is first looked for at the position that it has in a column without gaps.
+// Object root, field list and keyed list.  A keyed list is an array of cell pointers of which a leading
+// part is known to be in key order.  Adding in order extends that part, a sort merges the rest into it, and
+// a row is first looked for at the position that it has in a column without gaps.
+// Tests: tests/core/containers_test.cpp.
 
 #include "core/containers.h"
 
@@ -96,8 +97,7 @@ nodeCell* nodeList::newCell() {
     return &blocks_->cells[blockCells_ - unusedCells_--];
 }
 
-// The new block is the one that cells come from; it is asked for when the one before is used up, or holds
-// few.
+// Cells come from the new block, which is made when the one before is used up or has too few left.
 void nodeList::newBlock(std::int32_t cellCount) {
     auto* const block = static_cast<Block*>(::operator new(Block::sizeFor(cellCount)));
     block->older = blocks_;

@@ -1,4 +1,5 @@
-// The exception object and the two boxes of diagnostics.
+// The exception object, the box that shows the last error, and the loading of modules.
+// Tests: tests/core/exception_test.cpp.
 
 #include "core/exception.h"
 

@@ -1,7 +1,8 @@
-// Numbers as text, on std::from_chars and std::to_chars, which know no locale.  What those leave out of the C
-// library's rules is added here: white space, a plus sign, the hexadecimal prefix, and the answers out of
-// range.  Prices are mostly short, so short decimals have ways of their own, in whole numbers and just as
-// exact.
+// Numbers as text, by std::from_chars and std::to_chars, which ignore the locale.  The rules of the C
+// library that these lack are added here: white space, a plus sign, the hexadecimal prefix, and the answers
+// out of range.  Most prices are short, so short decimals are read and written in whole numbers, which is
+// faster and just as exact.
+// Tests: tests/core/number_text_test.cpp.
 
 #include "core/number_text.h"
 
@@ -34,7 +35,7 @@ const char* endOfHexadecimal(const char* text) {
     return hasSign && !isDigit(mark[2]) ? mark : mark + std::strlen(mark);
 }
 
-// Tells whether a number that no double holds is too large rather than too small: by the power of its first
+// Whether a number that no double holds is too large rather than too small, by the power of its first
 // significant digit.
 bool isTooLarge(const char* text, const char* end, bool hexadecimal) {
     const char letter = hexadecimal ? 'p' : 'e';
@@ -51,8 +52,8 @@ constexpr std::uint32_t mostExactDecimals = 9;
 constexpr std::uint64_t unitsOfOne[mostExactDecimals + 1] = {
     1, 10, 100, 1'000, 10'000, 100'000, 1'000'000, 10'000'000, 100'000'000, 1'000'000'000};
 
-// The fraction in units of 2^-64, times a number below 2^32: the whole part of the product, rounded to
-// nearest, of two equally near the even one.
+// A fraction in units of 2^-64, times a number below 2^32, rounded to the nearest whole number, and to the
+// even one of two that are equally near.
 std::uint64_t multiplyRounded(std::uint64_t fraction, std::uint64_t factor, bool oddBefore) {
     const std::uint64_t low = (fraction & 0xFFFFFFFF) * factor;
     const std::uint64_t high = (fraction >> 32) * factor + (low >> 32);

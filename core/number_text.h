@@ -1,8 +1,8 @@
 #pragma once
 
-// Internal: the one home of the rules by which the library reads and writes numbers as text.  They are those
-// of the C library in its "C" locale, whatever locale the program has set.  Users want convertToDouble and
-// its sisters in core/variant.h, or fintext/financial_text.h.
+// Internal: the rules by which the library reads and writes numbers as text.  They are those of the C
+// library in its "C" locale, whatever locale the program has set.  Users want the conversions of
+// core/variant.h, or fintext/financial_text.h.
 
 #include <cstddef>
 #include <cstdint>
@@ -16,8 +16,8 @@ double readDouble(const char* text);
 // Reads what atol reads, as 32 bits: a number outside them becomes the nearest limit.  NULL answers 0.
 std::int32_t readLong(const char* text);
 
-// Reads one number as the C library's %d does, with that clamping.  Answers where it ends, or NULL if no
-// digits stand there, which leaves `number` alone.
+// Reads one number as the C library's %d does, with the same clamping.  Answers where it ends; without
+// digits it answers NULL and leaves `number` alone.
 const char* scanLong(const char* text, std::int32_t& number);
 
 // Bytes that writeFixed may need with this many decimals: sign, 309 digits, point, decimals, terminator.
@@ -32,7 +32,7 @@ char* writeLong(char* target, std::int32_t value);                     // at mos
 // Of a number from 0 on; at most 12 bytes or digits + 1.
 char* writePadded(char* target, std::int32_t value, std::size_t digits);
 
-// Cuts a number towards zero; one outside 32 bits becomes the nearest limit, and what is no number becomes 0.
+// Cuts a number towards zero.  One outside 32 bits becomes the nearest limit, a NaN becomes 0.
 std::int32_t cutToLong(double value);
 
 }  // namespace tarn

@@ -1,6 +1,6 @@
-// convertToDouble.  A decimal of up to 15 digits, by far the most common price, is read while its characters
-// are sorted out: the digits as one whole number, divided by a power of ten.  Everything else is sorted into
-// a buffer first.
+// convertToDouble.  A decimal of up to 15 digits, by far the most common price, is read where it is, as one
+// whole number divided by a power of ten.  Any other text is first sorted into a buffer.
+// Tests: tests/core/number_text_test.cpp.
 
 #include <cstring>
 #include <memory>
@@ -51,7 +51,7 @@ int readFraction(char* text, double& number) {
     if (blank == nullptr && std::strchr(text, '.') != nullptr) return 0;
     *slash = '\0';
     if (blank != nullptr) *blank = '\0';
-    // A blank behind the slash cuts the text the same way: the numerator is what follows the blank.
+    // A blank after the slash cuts the text the same way: the numerator is what follows the blank.
     const double numerator = tarn::readDouble(blank == nullptr ? text : blank + 1);
     const double denominator = tarn::readDouble(slash + 1);
     if (numerator == 0.0 || denominator == 0.0) return 0;

@@ -1,6 +1,7 @@
 #pragma once
 
-// Internal: the quick way to read prices as they mostly are.  Users want convertToDouble in core/variant.h.
+// Internal: a quick reader for short decimals, which most prices are.  Users want convertToDouble in
+// core/variant.h.
 
 #include <cstddef>
 #include <cstdint>
@@ -19,10 +20,10 @@ inline const char* addDigits(const char* text, std::uint64_t& number) {
     return text;
 }
 
-// Reads up to 15 digits, with or without a point: as a whole number, divided by a power of ten.  Both are
-// exact doubles, and one division of such rounds as correctly as reading the text does. Answers the place
-// behind the digits.  Answers NULL, and leaves the number untouched, for anything else, and where a letter
-// behind the digits may belong to the number.
+// Reads up to 15 digits, with or without a point, as a whole number divided by a power of ten.  Both are
+// exact doubles, so that their quotient is rounded just as correctly as by reading the text.  Answers the
+// place behind the digits.  For anything else, and where a letter that follows may belong to the number, it
+// answers NULL and leaves `number` untouched.
 inline const char* readShortDecimal(const char* text, double& number) {
     std::uint64_t digits = 0;  // wraps where there are too many
     const char* end = addDigits(text, digits);

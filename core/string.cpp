@@ -1,6 +1,7 @@
-// tarnString and the text tools.  A string's block grows by a quarter over what is asked, so that appending
-// costs O(1) a character; every change copies the new text before the old block goes, so that a part of the
-// string itself may be handed in.
+// tarnString and the text tools.  An appended string's block is a quarter larger than needed, so that
+// appending costs O(1) a character.  Every change copies the new text before it releases the old block, so
+// that a part of the string itself may be passed.
+// Tests: tests/core/string_test.cpp.
 
 #include "core/string.h"
 
@@ -161,7 +162,7 @@ std::int32_t tarnString::findChar(char character) const {
 }
 
 char* newstr(const char* text, std::uint32_t length) {
-    // In 32-bit code the sum of the longest length wraps; the maximum then asks for more than there is.
+    // In 32-bit code the sum wraps for the longest length; the allocation then fails for the length alone.
     auto copy = zeroedBlock(std::max<std::size_t>(std::size_t{length} + 1, length));
     if (text != nullptr && length != 0) {
         const void* const end = std::memchr(text, '\0', length);

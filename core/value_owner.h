@@ -1,6 +1,6 @@
 #pragma once
 
-// Internal: an owner for a value made by new, for the time until it finds its place in a container.
+// Internal: the owner of a value made by new until a container takes it.
 
 #include <memory>
 

@@ -1,6 +1,7 @@
-// Life of a tagged value: deep copy, release, size.  `visit` knows which member of the payload belongs to which
-// tag, and hands it to a function with an overload for each type of member.  A value that is being copied is at
-// every moment one that destroyContent can release, so that a copy that runs out of memory leaves nothing behind.
+// Life of a tagged value: deep copy, release, size.  `visit` knows which member of the payload belongs to
+// which tag, and hands it to a function with an overload for each type of member.  A value that is being
+// copied is at every moment one that destroyContent can release, so that a copy that runs out of memory
+// leaves nothing behind.
 // Tests: tests/core/variant_test.cpp.
 
 #include "core/variant.h"
@@ -67,7 +68,7 @@ void forEachElement(const tarnFieldList* record, const Function& function) {
     for (std::int32_t i = 0; i < record->count; ++i) function(record->values->getAt(i));
 }
 
-// ------------------------------------------------------------------------------------------------ deep copies
+// -------------------------------------------------------------------------------------------- deep copies
 
 // Releases a half-made copy unless it is completed.
 class CopyGuard {
@@ -95,8 +96,8 @@ std::size_t wideLength(const char16_t* text) {
     return std::char_traits<char16_t>::length(text);
 }
 
-// Each makes an empty value into a copy of what it is given, which isn't NULL.  A container becomes the target's
-// before its elements are copied into it.
+// Each makes an empty value into a copy of what it is given, which isn't NULL.  A container becomes the
+// target's before its elements are copied into it.
 
 void copyTo(MOLTVARIANT& target, const MOLTVARIANT& plain) {
     target.assignContent(&plain);
@@ -175,7 +176,7 @@ bool isNull(const MOLTVARIANT& /*plain*/) {
     return false;
 }
 
-// ---------------------------------------------------------------------------------------------------- release
+// ------------------------------------------------------------------------------------------------ release
 
 void destroyValue(MOLTVARIANT* value) {
     const tarn::OwnedValue owner(value);
@@ -227,7 +228,7 @@ void release(tarnFieldList* record) {
     delete record;
 }
 
-// ------------------------------------------------------------------------------------------------------- size
+// --------------------------------------------------------------------------------------------------- size
 
 constexpr std::uint32_t countWord = 4;
 

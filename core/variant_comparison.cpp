@@ -42,7 +42,7 @@ double numberOf(const MOLTVARIANT& value) {
     }
 }
 
-// The number of a value in the form of the wanted tag.  Where there is no conversion it is the value as it is.
+// The number of a value in the form of the wanted tag, or the value as it is where there is no conversion.
 MOLTVARIANT numberAs(std::int32_t wantedTag, const MOLTVARIANT& value) {
     if (value.tag == tagEmpty) return MOLTVARIANT();
     MOLTVARIANT view = value;
@@ -67,8 +67,8 @@ MOLTVARIANT numberAs(std::int32_t wantedTag, const MOLTVARIANT& value) {
     return view;
 }
 
-// The text a against b's text or b's number as a text.  What has no text form comes before every text, a float
-// before a string object too.
+// The text a against b's text, or b's number as a text.  Values without a text form come before every text,
+// and floats before every string object.
 std::int32_t orderTexts(const MOLTVARIANT& a, const MOLTVARIANT& b) {
     if (hasTextForm(b.tag)) return lstrcmpiA(textOf(a), textOf(b));
     if (!isNumber(b.tag) || (a.tag == tagString && b.tag == tagFloat)) return 1;

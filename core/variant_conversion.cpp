@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <string>
 
 #include "core/exception.h"
 #include "core/number_text.h"
@@ -25,9 +26,29 @@ std::int32_t firstWord(const MOLTVARIANT& value) {
     return word;
 }
 
+// The format without the `l` of its integer conversions: a client's %ld means 32 bits, and such a number is what
+// the C library gets.
+std::string withoutLong(const char* format) {
+    std::string kept;
+    while (*format != '\0') {
+        kept += *format;
+        if (*format++ != '%') continue;
+        const std::size_t options = std::strspn(format, "-+ #0123456789.*$'");
+        kept.append(format, options);
+        format += options;
+        const bool isLongInteger =
+            *format == 'l' && format[1] != '\0' && std::strchr("diouxX", format[1]) != nullptr;
+        if (isLongInteger) ++format;
+        if (*format == '%') kept += *format++;
+    }
+    return kept;
+}
+
 // The text of sprintf(format, argument) in a zeroed block of at least 40 bytes.
 template <class Argument>
-char* formatted(const char* format, Argument argument) {
+char* formatted(const char* clientFormat, Argument argument) {
+    const std::string kept = withoutLong(clientFormat);
+    const char* const format = kept.c_str();
     const int length = std::snprintf(nullptr, 0, format, argument);
     const std::size_t bytes = length < 0 ? 1 : static_cast<std::size_t>(length) + 1;
     std::unique_ptr<char[]> text(new char[bytes < numberBlock ? numberBlock : bytes]());

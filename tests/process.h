@@ -33,11 +33,12 @@ inline int waitFor(pid_t child) {
     return status;
 }
 
-// Two child processes write a thousand times, each its rounds under a name of its own, while this one reads
-// what it finds under either name: the rounds in their order, to the last.
+// Two child processes write a thousand rounds, each under a name of its own, while this one reads both
+// names: it finds the rounds in their order, to the last.
 template <typename Write, typename Read>
 void twoWritersAndAReader(Write write, Read read) {
-    constexpr int rounds = 1000, mostReads = 1'000'000;
+    constexpr int rounds = 1000;
+    constexpr int mostReads = 1'000'000;
     const std::string names[] = {"one", "two"};
     pid_t writers[2] = {};
     for (int i = 0; i < 2; ++i) {
@@ -45,9 +46,12 @@ void twoWritersAndAReader(Write write, Read read) {
             for (int round = 1; round <= rounds; ++round) write(names[i], std::to_string(round));
         });
     }
-    int seen[2] = {}, reads = 0;
-    for (; reads < rounds || (reads < mostReads && (seen[0] < rounds || seen[1] < rounds)); ++reads) {
-        const int which = reads % 2, round = std::stoi(read(names[which]));
+    int seen[2] = {};
+    int reads = 0;
+    const auto allSeen = [&] { return seen[0] == rounds && seen[1] == rounds; };
+    for (; reads < rounds || (reads < mostReads && !allSeen()); ++reads) {
+        const int which = reads % 2;
+        const int round = std::stoi(read(names[which]));
         EXPECT_GE(round, seen[which]) << "an update was lost";
         seen[which] = round;
     }
@@ -56,8 +60,8 @@ void twoWritersAndAReader(Write write, Read read) {
     std::printf("2 x %d writes beside %d reads\n", rounds, reads);
 }
 
-// Does a piece of work in a child process, and something else at its n-th stop: one before and one behind each system
-// call.  Answers false if the work was done before that.
+// Does a piece of work in a child process, and something else at its n-th stop: one before and one after each
+// system call.  Answers false if the work was done before that.
 template <typename Work, typename Then>
 bool atStop(int n, Work work, Then then) {
     const pid_t child = startChild([&] {

@@ -1,7 +1,7 @@
 #pragma once
 
-// What tests need, once: the headers that most of them use, and of the system a temporary folder, whole files
-// and the environment.  Everything stands on std::filesystem, so that the same tests also run on Windows.
+// What many tests need: the headers that most of them use, temporary folders, whole files, the environment
+// and the clock.  It uses std::filesystem, so that the same tests also run on Windows.
 
 #include <gtest/gtest.h>
 
@@ -29,10 +29,10 @@
 
 namespace tarntest {
 
-// Where a test that waits for the disk often may have its folder instead, if the system has such a place.
+// Where a test that often waits for the disk may have its folder instead, if the system has such a place.
 constexpr const char* inMemory = "/dev/shm";
 
-// A folder of its own for one test, gone with the object.
+// A folder for one test, removed with the object.
 class TemporaryFolder {
   public:
     explicit TemporaryFolder(const std::filesystem::path& wished = {})
@@ -61,41 +61,6 @@ inline void fill(const std::string& file, std::string_view content) {
     std::ofstream(file, std::ios::binary).write(content.data(), static_cast<std::streamsize>(content.size()));
 }
 
-// A text of up to `longest` characters from an alphabet.
-inline std::string randomText(std::mt19937& random, std::string_view alphabet, unsigned longest) {
-    std::string text(random() % (longest + 1), '\0');
-    for (char& c : text) c = alphabet[random() % alphabet.size()];
-    return text;
-}
-
-// The parts of a text; signs stand for characters: _ blank, ^ line feed, ~ carriage return, > tab.
-inline std::vector<std::string> split(const std::string& text, char separator) {
-    constexpr std::string_view signs = "_^~>";
-    std::vector<std::string> parts(1);
-    for (const char c : text) {
-        const std::size_t sign = signs.find(c);
-        if (c == separator) parts.emplace_back();
-        if (c != separator) parts.back() += sign == signs.npos ? c : " \n\r\t"[sign];
-    }
-    return parts;
-}
-
-// Calls that a test takes in as one text.  A line names a function and lists its calls behind a colon, with ;
-// between them; a call has its arguments and then its answer, with | between them.  # begins a remark.
-template <class Answer>
-void expectAnswers(const char* calls, Answer answerOf) {
-    std::istringstream lines(calls);
-    for (std::string line; std::getline(lines, line);) {
-        const std::size_t colon = line.find(':');
-        const std::string function = line.substr(0, colon);
-        if (line.empty() || line[0] == '#') continue;
-        for (const std::string& call : split(line.substr(colon + 1), ';')) {
-            const auto cells = split(call, '|');
-            EXPECT_EQ(answerOf(function, cells), cells.back()) << line << " : " << call;
-        }
-    }
-}
-
 // What the C library answers in its own locale, whatever locale the tests run in.
 template <class Call>
 auto inCLocale(Call call) {
@@ -115,26 +80,31 @@ inline std::string shown(double answer) {
     return {text, std::to_chars(text, text + sizeof text, answer, std::chars_format::general, 10).ptr};
 }
 
-// setEnvironment sets a variable of the environment, of which TZ also counts as the zone of local time (UTC0
-// and EST5EDT are names that POSIX and Windows share); NULL takes it away.
+// Sets a variable of the environment, or removes it for NULL.  TZ is the zone of local time from then on;
+// UTC0 and EST5EDT are names that POSIX and Windows share.
 #if defined(_WIN32)
 constexpr bool onWindows = true;
 inline void setEnvironment(const char* name, const char* value) {
-    _putenv_s(name, value == nullptr ? "" : value), ::_tzset();
+    _putenv_s(name, value == nullptr ? "" : value);
+    ::_tzset();
 }
 inline void holdClock(const SYSTEMTIME*) {}
 #else
 constexpr bool onWindows = false;
 inline void setEnvironment(const char* name, const char* value) {
-    value == nullptr ? ::unsetenv(name) : ::setenv(name, value, 1), ::tzset();
+    if (value == nullptr) {
+        ::unsetenv(name);
+    } else {
+        ::setenv(name, value, 1);
+    }
+    ::tzset();
 }
 inline void holdClock(const SYSTEMTIME* now) {
     tarn::setClock(now, now);
 }
 #endif
 
-// Holds the zone of local time, in a form that POSIX and Windows share (UTC0, EST5EDT), until the end of the
-// test.
+// Holds the zone of local time until the end of the test.
 struct HeldZone {
     const std::string before = std::getenv("TZ") == nullptr ? "" : std::getenv("TZ");
 

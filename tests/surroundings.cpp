@@ -19,7 +19,8 @@ struct Surroundings : testing::Environment {
         if (const char* const zone = std::getenv("TZ");
             zone != nullptr && std::strchr(zone, '/') != nullptr) {
             std::tm secondDay{};
-            secondDay.tm_mday = 2, secondDay.tm_year = 70;
+            secondDay.tm_mday = 2;
+            secondDay.tm_year = 70;
             ASSERT_NE(std::mktime(&secondDay), 86400) << zone << " isn't there";
         }
     }

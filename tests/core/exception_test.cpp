@@ -19,43 +19,68 @@ struct Host : tarnGlobalInterfaces, tarnUserDialog {
 };
 
 TEST(Exception, OnlyTheFirstKindAsksAndOnlySixIsYes) {
-    const std::int32_t rows[][3] = {{1, 6, 1}, {1, 7, 0}, {0, 6, 0}, {2, 6, 0}, {-1, 6, 0}, {1, 0, 0}};
-    for (const auto& [kind, answer, result] : rows) {  // the answer 0: there is no dialog
+    const struct {
+        std::int32_t kind, answer;  // answer 0: there is no dialog
+        int result;
+    } rows[] = {{1, 6, 1}, {1, 7, 0}, {1, 0, 0}, {0, 6, 0}, {2, 6, 0}};
+    for (const auto& [kind, answer, result] : rows) {
         Host host;
         host.answer = answer;
         tarnException failure(static_cast<TARN_EXCEPTION_TYPE>(kind), tarnString("Lost"));
-        EXPECT_EQ(failure.displayMessage(&host) + failure.displayMessage(nullptr), result) << kind;
-        EXPECT_EQ(host.asked, kind == 1 && answer != 0
-                                  ? "Lost|Do you want to try to restore the old flow? |1048577"
-                                  : "");
+        EXPECT_EQ(failure.displayMessage(&host), result) << kind;
+        EXPECT_EQ(failure.displayMessage(nullptr), 0);
+        const bool asked = kind == 1 && answer != 0;
+        EXPECT_EQ(host.asked, asked ? "Lost|Do you want to try to restore the old flow? |1048577" : "");
     }
+    EXPECT_EQ(tarnException(std::int32_t{5}, tarnString("Lost")).code, 5);
+}
+
+TEST(Exception, HooksAnswerNothing) {
+    tarnObject object;
+    EXPECT_EQ(object.objectHook1(1, 2), 0);
+    EXPECT_EQ(object.objectHook2(1, 2), 0);
+    EXPECT_EQ(object.objectHook3(1), 0);
+    EXPECT_EQ(object.objectHook4(1), -1);
+    EXPECT_EQ(object.objectHook5(1), 0);
 }
 
 #if !defined(_WIN32)
 
+std::string shownBox;
+
+int rememberBox(const char* text, const char* caption, std::uint32_t style) {
+    EXPECT_EQ(style, 65536u);
+    shownBox = std::string(caption) + (text == nullptr ? ", no text" : ", text");
+    return IDOK;
+}
+
 TEST(Exception, AModuleThatFailsShowsABoxUnlessQuiet) {
-    static std::string shownBox;
-    tarn::setMessageBox([](const char* text, const char* caption, std::uint32_t style) -> int {
-        shownBox =
-            std::string(" ") + caption + (text == nullptr ? ", -, " : ", text, ") + std::to_string(style);
-        return IDOK;
-    });
-    SetLastError(0xFFFFFFFF), showGetLastError("x.dll");  // a code without a text
-    EXPECT_EQ(std::exchange(shownBox, ""), " GetLastError( -1 ) : x.dll, -, 65536");
-    tarntest::expectAnswers(
-        "load:libc.so.6|getpid||1;libc.so.6|tarnNoSuchFunction||0;tarn-no-such|any|quiet|0;"
-        "tarn-no-such|any||0 GetLastError( 126 ) : tarn-no-such, text, 65536;NULL|any||0 GetLastError( 126 ) "
-        ": , text, 65536",
-        [](auto&, auto& cells) {
-            auto* module = reinterpret_cast<HINSTANCE>(&shownBox);
-            auto* function = reinterpret_cast<int (*)()>(&shownBox);
-            const char* const file = cells[0] == "NULL" ? nullptr : cells[0].c_str();
-            const int result =
-                loadDllFunc(module, &function, file, cells[1].c_str(), cells[2].empty() ? 0 : 1);
-            EXPECT_EQ(function != nullptr, result == 1);
-            if (module != nullptr) FreeLibrary(module);
-            return std::to_string(result) + std::exchange(shownBox, "");
-        });
+    const struct {
+        const char *file, *name;
+        int quiet, result;
+        const char* box;
+    } rows[] = {
+        {"libc.so.6", "getpid", 0, 1, ""},
+        {"libc.so.6", "tarnNoSuchFunction", 0, 0, ""},
+        {"tarn-no-such", "any", 1, 0, ""},
+        {"tarn-no-such", "any", 0, 0, "GetLastError( 126 ) : tarn-no-such, text"},
+        {nullptr, "any", 0, 0, "GetLastError( 126 ) : , text"},
+    };
+    tarn::setMessageBox(rememberBox);
+    for (const auto& each : rows) {
+        auto* module = reinterpret_cast<HINSTANCE>(&shownBox);
+        auto* function = reinterpret_cast<int (*)()>(&shownBox);
+        shownBox.clear();
+        EXPECT_EQ(loadDllFunc(module, &function, each.file, each.name, each.quiet), each.result);
+        EXPECT_EQ(shownBox, each.box);
+        EXPECT_EQ(function != nullptr, each.result == 1) << each.name;
+        EXPECT_EQ(GetErrorMode(), 0u);
+        if (module != nullptr) FreeLibrary(module);
+    }
+    SetLastError(0xFFFFFFFF);
+    showGetLastError("x.dll");
+    EXPECT_EQ(shownBox, "GetLastError( -1 ) : x.dll, no text");
+    tarn::setMessageBox(nullptr);
 }
 
 #endif

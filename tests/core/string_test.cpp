@@ -1,4 +1,4 @@
-// Texts and buffers: core/string.h, core/string.cpp, core/buffer.cpp.
+// Strings and buffers: core/string.cpp, core/buffer.cpp.
 
 #include "core/string.h"
 #include "tests/support.h"
@@ -6,6 +6,7 @@
 namespace {
 
 using Text = std::unique_ptr<char[]>;
+constexpr const char* null = nullptr;
 
 TEST(StringTest, AStringTakesPartsOfItself) {
     tarnString string("abcdef");
@@ -16,11 +17,20 @@ TEST(StringTest, AStringTakesPartsOfItself) {
     for (int i = 0; i < 10; ++i) string.append(string.text);  // in place as well as into a larger block
     EXPECT_EQ(string.length, 7 << 10);
     EXPECT_EQ(std::string(string.text).substr(3584, 7), "cdefdef");
-    string.assign("--a b  c-");
+}
+
+TEST(StringTest, LengthAndTextStayTogether) {
+    tarnString string("--a b  c-");
     string.trim('-');
     string.removeSpace();
     string.append(std::int32_t{-7});
-    EXPECT_STREQ(string.text, "abc-7");
+    string.appendDouble(0.5);
+    EXPECT_STREQ(string.text, "abc-70.500000");
+    EXPECT_EQ(string.length, 13);
+    EXPECT_EQ(string.find("c-7"), 2);
+    EXPECT_EQ(string.findChar('x'), -1);
+    string.assign(INT32_MIN);
+    EXPECT_STREQ(string.text, "-2147483648");
     string.assign(1e308, 5);
     EXPECT_EQ(string.length, 315);
 }
@@ -28,76 +38,122 @@ TEST(StringTest, AStringTakesPartsOfItself) {
 TEST(StringTest, EmptyAndNullTextsChangeNothingButAnAssignment) {
     tarnString string;
     const char* const buffer = string.text;
-    for (const char* nothing : {"", static_cast<const char*>(nullptr)}) string.append(nothing);
+    string.append("");
+    string.append(null);
     string.clear();
     EXPECT_EQ(string.text, buffer);
-    EXPECT_TRUE(string.isequal(nullptr, 0) == 0 && string.isequal(string.text, 1) == 1);
-    string.assign("Abc");
-    EXPECT_TRUE(string.isequal("aBC", 0) == 1 && string.isequal("aBC", 1) == 0);
-    EXPECT_TRUE(string.find("c") == 2 && string.findChar('x') == -1);
-    string.assign(static_cast<const char*>(nullptr));
-    EXPECT_EQ(string.text + std::to_string(string.length), "0");
-    EXPECT_STREQ(Text(newstr("abcdef", 3)).get(), "abc");
-    EXPECT_EQ(std::string(Text(newstr("ab", 5)).get(), 6), std::string("ab\0\0\0\0", 6));
-    EXPECT_STREQ(Text(newstr(static_cast<const char*>(nullptr))).get(), "");
-    EXPECT_STREQ(Text(newstr(nullptr, 0)).get(), "");
+    EXPECT_EQ(string.find(null), -1);
+    EXPECT_EQ(string.isequal(null, 0), 0);
+    string = tarnString("Abc");
+    EXPECT_EQ(string.isequal(string.text, 1), 1);
+    EXPECT_EQ(string.isequal("aBC", 0), 1);
+    EXPECT_EQ(string.isequal("aBC", 1), 0);
+    string.assign(null);
+    EXPECT_STREQ(string.text, "");
+    EXPECT_EQ(string.length, 0);
 }
 
-// The buffer as it is told: capacity in steps of 4096, a new block zeroed.
+TEST(StringTest, ACopyStopsAtTheTextsEndAndItsBlockIsZeroed) {
+    EXPECT_STREQ(Text(newstr("abcdef", 3)).get(), "abc");
+    EXPECT_EQ(std::string(Text(newstr("ab", 5)).get(), 6), std::string("ab\0\0\0\0", 6));
+    EXPECT_STREQ(Text(newstr(null, 0)).get(), "");
+    EXPECT_STREQ(Text(newstr(null)).get(), "");
+    EXPECT_STREQ(Text(newstr(static_cast<const tarnString*>(nullptr))).get(), "");
+}
+
+TEST(StringTest, OnlyPricesThatAUserMayTypeAreValid) {
+    for (const char* text : {"", "12 1/2", "12.50 ", "1. 5", "1/", "1/ 8", "1/256", "1/008"})
+        EXPECT_EQ(tarnString(text).isValidPrice(), 1) << text;
+    for (const char* text : {"1/3", "1/512", "1/0", "1/0008", "1.5/8", "1/8.5", "1/2/4", "1.2.3", "-1", "a"})
+        EXPECT_EQ(tarnString(text).isValidPrice(), 0) << text;
+}
+
+TEST(StringTest, OneToFiveDecimalsStayAndOtherCountsAreStripped) {
+    const struct {
+        double number;
+        std::int16_t decimals;
+        const char* text;
+    } rows[] = {{-0.125, 1, "-0.1"}, {2.5, 3, "2.500"}, {0.5, 5, "0.50000"}, {2.5, 6, "2.5"},
+                {1200, 0, "1200.0"}, {0, -1, "0.0"},    {1e-9, 0, "0.0"}};
+    for (const auto& each : rows) {
+        tarnString string;
+        string.assign(each.number, each.decimals);
+        EXPECT_STREQ(string.text, each.text);
+    }
+}
+
+TEST(StringTest, TrimCutsBothEndsInsideTheBuffer) {
+    const struct {
+        const char* text;
+        char filler;
+        const char* trimmed;
+        std::ptrdiff_t start;
+    } rows[] = {{"  ab  ", ' ', "ab", 2},  {"ab", ' ', "ab", 0}, {"    ", ' ', "", 4},
+                {"0012000", '0', "12", 2}, {"x ", ' ', "x", 0},  {" x y ", ' ', "x y", 1}};
+    for (const auto& each : rows) {
+        std::string buffer = each.text;
+        std::uint32_t length = 77;
+        const char* const start = trim(buffer.data(), length, each.filler);
+        EXPECT_STREQ(start, each.trimmed) << each.text;
+        EXPECT_EQ(length, std::strlen(each.trimmed)) << each.text;
+        EXPECT_EQ(start - buffer.data(), each.start) << each.text;
+    }
+}
+
+TEST(StringTest, TrailingZerosAreStrippedWhereverThePointIs) {
+    using Pair = std::pair<const char*, const char*>;
+    for (const auto& [text, stripped] :
+         {Pair{"0 ", ""}, {"12.50  ", "12.5"}, {"12.", "12.0"}, {"1200", "12"}}) {
+        char buffer[10] = {};
+        std::strcpy(buffer, text);
+        stripTrailZeros(buffer);
+        EXPECT_STREQ(buffer, stripped);
+    }
+}
+
+// A buffer's block as a string, which grows in steps of 4096 bytes of 0.
 struct PlainBuffer {
     std::string block;
     std::size_t length = 0;
 
-    void grow(std::size_t needed) {
+    void take(const std::string& content, bool intoNewBlock = false) {
         const std::size_t before = block.size();
-        if (needed <= before) return;
-        block.resize(length);
-        block.resize(before + (needed - before + 4095) / 4096 * 4096);
+        const std::size_t steps = content.size() > before ? (content.size() - before + 4095) / 4096 : 0;
+        if (steps > 0 || intoNewBlock) block.assign(before + steps * 4096, '\0');
+        block.replace(0, content.size(), content);
+        length = content.size();
     }
 };
 
 TEST(BufferTest, RandomWorkMatchesThePlainForm) {
     std::mt19937 random(3);
     for (int round = 0; round < 40; ++round) {
-        const auto capacity = static_cast<std::int32_t>(random() % 20);
-        tarnBuffer buffer(capacity);
-        PlainBuffer plain{std::string(static_cast<std::size_t>(capacity), '\0')};
+        PlainBuffer plain{std::string(random() % 20, '\0')};
+        tarnBuffer buffer(static_cast<std::int32_t>(plain.block.size()));
         for (int step = 0; step < 60; ++step) {
             const std::string bytes(random() % 3000, static_cast<char>(1 + step));
             const auto count = static_cast<std::int32_t>(bytes.size());
-            const std::size_t at = random() % (plain.length + 1), all = plain.length + bytes.size();
+            const std::size_t place = random() % (plain.length + 2);
+            const auto offset = static_cast<std::int32_t>(place);
+            std::string content = plain.block.substr(0, plain.length);
             const auto work = random() % 5;
             if (work == 0) {
                 buffer.append(bytes.data(), count);
-                plain.grow(all);
-                plain.block.replace(plain.length, bytes.size(), bytes);
-                plain.length = all;
+                plain.take(content + bytes);
             } else if (work == 1) {
                 buffer.assign(bytes.data(), count);
-                if (bytes.size() > plain.block.size()) plain.length = 0;
-                plain.grow(bytes.size());
-                plain.block.replace(0, bytes.size(), bytes);
-                plain.length = bytes.size();
+                plain.take(bytes);
             } else if (work == 2) {
-                const auto offset = static_cast<std::int32_t>(at) + (step % 4 == 0 ? step % 3 * 2 - 2 : 0);
-                buffer.replace(step % 10 == 0 ? nullptr : bytes.data(), offset,
-                               step % 9 == 0 ? -count : count);
-                if (step % 10 != 0 && step % 9 != 0 && offset >= 0 &&
-                    static_cast<std::size_t>(offset) + bytes.size() <= plain.length)
-                    plain.block.replace(static_cast<std::size_t>(offset), bytes.size(), bytes);
-            } else if (work == 3) {
                 buffer.prepend(bytes.data(), count);
-                plain.grow(all);
-                const std::size_t size = plain.block.size();
-                plain.block = bytes + plain.block.substr(0, plain.length);
-                plain.block.resize(size);
-                plain.length = all;
+                plain.take(bytes + content, true);
+            } else if (work == 3) {
+                buffer.replace(bytes.data(), offset, count);
+                if (place + bytes.size() <= content.size()) content.replace(place, bytes.size(), bytes);
+                plain.take(content);
             } else {
-                buffer.removeRange(static_cast<std::int32_t>(at), count);
-                const std::size_t cut = std::min(bytes.size(), plain.length - at);
-                const std::string rest = plain.block.substr(at + cut, plain.length - at - cut);
-                plain.block.replace(at, rest.size(), rest);
-                plain.length -= cut;
+                buffer.removeRange(offset, count);
+                if (place < content.size()) content.erase(place, bytes.size());
+                plain.take(content);
             }
             ASSERT_EQ(static_cast<std::size_t>(buffer.length), plain.length);
             ASSERT_EQ(std::string(buffer.data, buffer.data + buffer.capacity), plain.block);
@@ -112,10 +168,21 @@ TEST(BufferTest, ABufferTakesItself) {
     buffer.assign(buffer.data + 1, 4);
     EXPECT_EQ(std::string(reinterpret_cast<char*>(buffer.data), 4), "bcab");
     EXPECT_EQ(buffer.capacity, 24576);
-    buffer.replace("xyz", 2, 3);
+    buffer.assign(buffer);
+    EXPECT_EQ(buffer.length, 4);
+}
+
+TEST(BufferTest, NoBytesAndNegativeCountsChangeNothing) {
+    tarnBuffer buffer("abcd", 4);
+    buffer.replace(nullptr, 0, 1);
+    buffer.replace("x", -1, 1);
     buffer.append(nullptr, 5);
     buffer.append("x", -1);
-    EXPECT_EQ(buffer.length, 4);
+    buffer.prepend("x", -1);
+    buffer.removeRange(-1, 1);
+    EXPECT_EQ(std::string(buffer.data, buffer.data + buffer.length), "abcd");
+    EXPECT_EQ(tarnBuffer(-1).capacity, 0);
+    EXPECT_EQ(tarnBuffer(nullptr, 9).length, 0);
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-# Prints what tests/debug/printed_values.cpp has in its sight.
+# Prints what the program tests/debug/printed_values.cpp has made.
 set debuginfod enabled off
 set width 0
 set print pretty on

@@ -1,10 +1,7 @@
 #pragma once
 
-// Values for tests and fuzz targets: made in one call, destroyed with the object, and told to the bottom.
-//
-// A value is told as its tag, a colon and its content: 3:42 a long, 10:abc a text, 10:NULL a text that isn't
-// there, 13:[10:a,13:[],3:1] a vector of three, 20:[none] a list whose one element is missing.  A column and a
-// record have each element's row or id in front: 21:[0=3:7,4=3:9].
+// Values for tests and fuzz targets: made in one call, destroyed with the object, compared to the bottom, and shown
+// as a text.
 
 #include <algorithm>
 #include <charconv>
@@ -83,6 +80,15 @@ inline Owned blob(std::string_view bytes) {
     made.payload.blob = {new unsigned char[bytes.size()], static_cast<std::int32_t>(bytes.size())};
     std::copy(bytes.begin(), bytes.end(), made.payload.blob.data);
     made.tag = tagBlob;
+    return made;
+}
+
+// Sixteen bytes; those after the given ones are 0.
+inline Owned block(std::string_view bytes) {
+    Owned made;
+    made.payload.block = new unsigned char[16]();
+    std::copy(bytes.begin(), bytes.end(), made.payload.block);
+    made.tag = tagBlock;
     return made;
 }
 

@@ -25,7 +25,9 @@ TEST(SharedLibrary, ModulesFindOneSlotAndReadWhatAnotherWrote) {
     EXPECT_EQ(find(TARN_FIRST_MODULE, "moduleNumber")(), 1);
     EXPECT_EQ(find(TARN_SECOND_MODULE, "moduleNumber")(), 2);
     void** const slot = slotOf(TARN_FIRST_MODULE);
-    EXPECT_TRUE(*slot == nullptr && slotOf(TARN_SECOND_MODULE) == slot && getGlobalPointer() == slot);
+    EXPECT_EQ(slotOf(TARN_SECOND_MODULE), slot);
+    EXPECT_EQ(getGlobalPointer(), slot);
+    EXPECT_EQ(*slot, nullptr);
     *slot = &loaded;
     for (const HINSTANCE module : loaded) FreeLibrary(module);
     EXPECT_EQ(*getGlobalPointer(), &loaded);  // the slot outlives the module that wrote it
