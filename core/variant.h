@@ -18,8 +18,8 @@
 /// What a value owns comes from: `text` new char[], `wideText` new char16_t[], `vector` new MOLTVARIANT*[],
 /// `blob.data` and `block` new unsigned char[]; everything else, elements and cells' values too, a plain new.
 ///
-/// Values nest at most 1,000 deep: copies, releases and sizes call themselves for each level, with up to 200
-/// bytes of stack in optimised code.
+/// Copying, measuring and releasing a value recurse into what it holds, with up to 200 bytes of stack a level in
+/// optimised code.  A file nests values 64 deep at most; a client that nests them by calls keeps to 1,000.
 ///
 /// Threads: no shared state; a value and the tree below it belong to one thread at a time.
 
