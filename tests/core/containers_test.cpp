@@ -78,10 +78,13 @@ TEST(ListTest, ReadsBehindTheCountFindNothingThoughTheArrayGoesOn) {
 
 TEST(NodeListTest, OneSlotIsLeftFreeAndAReleasedListIsUsedAgain) {
     nodeList list;
+    list.reserve(64);
+    nodeCell** const cells = list.cells;
     for (std::int32_t i = 1; i <= 64; ++i) {
         list.add(nullptr, i);
         EXPECT_EQ(list.capacity, i < 32 ? 32 : i < 64 ? 64 : 96) << i;
     }
+    EXPECT_EQ(list.cells, cells) << "the room was asked for";
     list.release();
     EXPECT_EQ(list.add(nullptr, 1), 0);
     EXPECT_EQ(list.count, 1);

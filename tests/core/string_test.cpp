@@ -29,8 +29,10 @@ TEST(StringTest, LengthAndTextStayTogether) {
     EXPECT_EQ(string.length, 13);
     EXPECT_EQ(string.find("c-7"), 2);
     EXPECT_EQ(string.findChar('x'), -1);
+    const tarnString copy(string);
     string.assign(INT32_MIN);
     EXPECT_STREQ(string.text, "-2147483648");
+    EXPECT_STREQ(copy.text, "abc-70.500000");
     string.assign(1e308, 5);
     EXPECT_EQ(string.length, 315);
 }
@@ -169,7 +171,9 @@ TEST(BufferTest, ABufferTakesItself) {
     EXPECT_EQ(std::string(reinterpret_cast<char*>(buffer.data), 4), "bcab");
     EXPECT_EQ(buffer.capacity, 24576);
     buffer.assign(buffer);
-    EXPECT_EQ(buffer.length, 4);
+    tarnBuffer other;
+    other.assign(buffer);
+    EXPECT_EQ(other.length, 4);
 }
 
 TEST(BufferTest, NoBytesAndNegativeCountsChangeNothing) {
