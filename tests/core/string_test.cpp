@@ -64,7 +64,7 @@ TEST(StringTest, ACopyStopsAtTheTextsEndAndItsBlockIsZeroed) {
 }
 
 TEST(StringTest, OnlyPricesThatAUserMayTypeAreValid) {
-    for (const char* text : {"", "12 1/2", "12.50 ", "1. 5", "1/", "1/ 8", "1/256", "1/008"})
+    for (const char* text : {"", "12 1/2", "12.50 ", "1. 5", "1/", "1/ 8", "1/1", "1/256", "1/008"})
         EXPECT_EQ(tarnString(text).isValidPrice(), 1) << text;
     for (const char* text : {"1/3", "1/512", "1/0", "1/0008", "1.5/8", "1/8.5", "1/2/4", "1.2.3", "-1", "a"})
         EXPECT_EQ(tarnString(text).isValidPrice(), 0) << text;
