@@ -110,7 +110,6 @@ void tarnString::append(const char* source) {
     if (source == nullptr) return;
     const auto old = static_cast<std::size_t>(length);
     const std::size_t count = std::min(std::strlen(source), longest - old);
-    if (old + count == 0) return;
     if (old + count + 1 > static_cast<std::size_t>(allocated_)) {
         const std::size_t bytes = std::min(old + count + 1 + old / 4, longest + 1);
         auto block = zeroedBlock(bytes);

@@ -168,7 +168,8 @@ TEST(BufferTest, ABufferTakesItself) {
     for (int i = 0; i < 12; ++i) buffer.append(buffer);
     buffer.prepend(buffer);
     buffer.assign(buffer.data + 1, 4);
-    EXPECT_EQ(std::string(reinterpret_cast<char*>(buffer.data), 4), "bcab");
+    buffer.replace(buffer.data + 2, 0, 1);
+    EXPECT_EQ(std::string(reinterpret_cast<char*>(buffer.data), 4), "acab");
     EXPECT_EQ(buffer.capacity, 24576);
     buffer.assign(buffer);
     tarnBuffer other;

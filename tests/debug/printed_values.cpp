@@ -28,7 +28,7 @@ int main(int count, char**) {
         values[i] = *value;
     }
     record.loadData(TARN_STORED_FILES "/record.dat", loadReplace);
-    record.storeMultiData(336, 1, &values[18], 1);
+    record.storeMultiData(336, 1, &values[3], 1);
     [[maybe_unused]] const MOLTVARIANT multi = *record.fields->values->getAt(2);
     [[maybe_unused]] const MOLTVARIANT block = plain(tarntest::block("\1\2\3"));
     [[maybe_unused]] const MOLTVARIANT list = plain(listOf({text("12 \"1/2\"\n"), text(nullptr)}));
