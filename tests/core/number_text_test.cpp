@@ -52,6 +52,8 @@ TEST(NumberTextTest, ReadingAgreesWithTheCLibrary) {
                                      "0." + zeros + "1",
                                      "1" + zeros + ".5",
                                      "0." + zeros + "5e25",
+                                     "0." + zeros + "1e800",
+                                     "0x0." + zeros + "1p500",
                                      "5" + zeros + "e-25"};
     for (const std::string& text : longTexts) expectAgreementInReading(text);
 }

@@ -100,6 +100,9 @@ TEST(StringTest, TrimCutsBothEndsInsideTheBuffer) {
         EXPECT_EQ(length, std::strlen(each.trimmed)) << each.text;
         EXPECT_EQ(start - buffer.data(), each.start) << each.text;
     }
+    std::uint32_t length = 77;
+    EXPECT_EQ(trim(nullptr, length, ' '), nullptr);
+    EXPECT_EQ(length, 0u);
 }
 
 TEST(StringTest, TrailingZerosAreStrippedWhereverThePointIs) {
@@ -183,6 +186,8 @@ TEST(BufferTest, NoBytesAndNegativeCountsChangeNothing) {
     buffer.replace("x", -1, 1);
     buffer.append(nullptr, 5);
     buffer.append("x", -1);
+    buffer.assign(nullptr, 5);
+    buffer.assign("x", -1);
     buffer.prepend("x", -1);
     buffer.removeRange(-1, 1);
     EXPECT_EQ(std::string(buffer.data, buffer.data + buffer.length), "abcd");

@@ -53,6 +53,9 @@ TEST(VariantTest, RawMemoryBecomesAnEmptyValueAndAValueCopiesItself) {
     value.copyContent(&value);
     EXPECT_NE(value.payload.text, old.payload.text);
     EXPECT_EQ(value, old);
+    Owned untouched = nothing(tagVector);
+    untouched.destroyContent();
+    EXPECT_EQ(untouched, nothing(tagVector));
 }
 
 TEST(VariantTest, SizesAreThoseOfTheIndexedForm) {
