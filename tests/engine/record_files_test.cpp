@@ -119,6 +119,21 @@ TEST_F(RecordFilesTest, InsertedRowsEndWhereInsertingOneByOneEnds) {
     }
 }
 
+// 1,100 times 4 MiB are more than a reader takes, which comes out only while they are written.
+TEST_F(RecordFilesTest, AFileThatBecomesTooLongFails) {
+    if (!std::filesystem::exists("/dev/null")) GTEST_SKIP() << "/dev/null";
+    Owned large = blob(std::string(std::size_t{4} << 20, 'x'));
+    tarnEngineData record;
+    for (std::int32_t row = 0; row < 1100; ++row) {
+        record.storeMultiData(7, row, nullptr, 1);
+        *record.fields->values->getAt(0)->payload.multi->nodes->cells[row]->value = large;
+    }
+    EXPECT_EQ(record.saveData("/dev/null"), 0);
+    for (std::int32_t row = 0; row < 1100; ++row)
+        record.fields->values->getAt(0)->payload.multi->nodes->cells[row]->value->initContent(nullptr);
+    EXPECT_EQ(record.saveData("/dev/null"), 1);
+}
+
 // Empty cells leave gaps, a column without any other cell isn't made, a list has no form in a file.
 // Processor time of a load, and what it leaves.
 TEST_F(RecordFilesTest, AColumnThatRecursInARowTakesNoLongerToInsert) {
