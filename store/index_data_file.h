@@ -95,7 +95,7 @@ class TARN_EXPORT tarnIndexDataFile {
     ///   the old content is gone.
     /// - Answers 0 too if the file would become longer than readIndexDataFile takes.  Nothing is touched then,
     ///   unless it is large texts and blobs that make it so long, in more than 1,000 and fewer than 16,777,216
-    ///   values: that comes out while they are written.
+    ///   values: that is noticed while they are written.
     int writeIndexDataFile(const char* fileName);
 
     /// Replaces the set by a file's content.  Any content is safe to read:
