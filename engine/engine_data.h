@@ -182,7 +182,7 @@ class TARN_EXPORT tarnEngineData : public tarnObject {
     /// of tags 16, 20 and 22 have no form in a file and are saved as empty ones; so reads a vector that lies
     /// deeper than 64 vectors.
     /// - Answers 1, or 0 if the file can't be written.  A file that would become longer than loadData takes
-    ///   (store/index_data_file.h) isn't touched.
+    ///   can't, and isn't touched (tarnIndexDataFile::writeIndexDataFile has the exception).
     int saveData(const char* fileName);
     /// @}
 

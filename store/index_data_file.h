@@ -93,7 +93,9 @@ class TARN_EXPORT tarnIndexDataFile {
     /// form in a file and are written as empty ones; so reads a vector that lies deeper than 64 vectors.
     /// - Answers 1, or 0 if the file can't be created or a write fails.  What was written until then stays;
     ///   the old content is gone.
-    /// - Answers 0 too if the file would become longer than readIndexDataFile takes: nothing is touched then.
+    /// - Answers 0 too if the file would become longer than readIndexDataFile takes.  Nothing is touched then,
+    ///   unless it is large texts and blobs that make it so long, in more than 1,000 and fewer than 16,777,216
+    ///   values: that is noticed while they are written.
     int writeIndexDataFile(const char* fileName);
 
     /// Replaces the set by a file's content.  Any content is safe to read:

@@ -75,6 +75,14 @@ std::uint64_t storedLength(const MOLTVARIANT* value) {
 IndexFileMeasure::IndexFileMeasure(std::size_t records)
     : length_(sizeof marker + headerSize + std::uint64_t{records} * indexRecordSize) {}
 
+bool isWorthMeasuring(const std::vector<_IndexRecord>& index) {
+    constexpr std::uint64_t few = 1000, many = std::uint64_t{1} << 24;
+    std::uint64_t values = 0;
+    for (const _IndexRecord& record : index)
+        values += static_cast<std::uint64_t>(std::max(record.repeats, 0));
+    return values <= few || values >= many;
+}
+
 void IndexFileMeasure::writeValue(const MOLTVARIANT* value) {
     length_ += storedLength(value);
 }
@@ -113,17 +121,22 @@ void IndexFileWriter::beginRecord() {
 bool IndexFileWriter::finish() {
     flush();
     good_ = good_ && SetFilePointer(file_.get(), 0, nullptr, FILE_BEGIN) == 0;
+    length_ = 0;
     writeIndex();
     flush();
     return good_;
 }
 
-void IndexFileWriter::flush() {
+void IndexFileWriter::writeOut(const unsigned char* bytes, std::size_t count) {
     DWORD written = 0;
-    const auto bytes = static_cast<DWORD>(used_);
-    if (good_ && bytes != 0) {
-        good_ = WriteFile(file_.get(), buffer_.get(), bytes, &written, nullptr) != 0 && written == bytes;
-    }
+    length_ += count;
+    good_ = good_ && length_ <= longestReadable &&
+            WriteFile(file_.get(), bytes, static_cast<DWORD>(count), &written, nullptr) != 0 &&
+            written == count;
+}
+
+void IndexFileWriter::flush() {
+    if (used_ != 0) writeOut(buffer_.get(), used_);
     used_ = 0;
 }
 
@@ -134,12 +147,8 @@ void IndexFileWriter::write(const void* bytes, std::size_t count) {
         return;
     }
     flush();
-    for (std::size_t done = 0; good_ && done < count;) {
-        const auto piece = static_cast<DWORD>(std::min(count - done, largestPiece));
-        DWORD written = 0;
-        const auto* const place = static_cast<const unsigned char*>(bytes) + done;
-        good_ = WriteFile(file_.get(), place, piece, &written, nullptr) != 0 && written == piece;
-        done += piece;
+    for (std::size_t done = 0; done < count; done += largestPiece) {
+        writeOut(static_cast<const unsigned char*>(bytes) + done, std::min(count - done, largestPiece));
     }
 }
 

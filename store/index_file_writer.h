@@ -31,7 +31,8 @@ class IndexFileMeasure {
 };
 
 // Call order: beginRecord before the values of each record of `index`, writeValue for each of its values,
-// finish.  After a failure everything else does nothing, and finish answers false.
+// finish.  After a failure, and a file that becomes longer than a reader takes is one, everything else does
+// nothing, and finish answers false.
 class IndexFileWriter {
   public:
     // Creates the file, or cuts it to nothing, and writes what is in front of the values.  `index` gives all
@@ -67,6 +68,7 @@ class IndexFileWriter {
     void writeVector(const MOLTVARIANT& value);
     void writePlain(const MOLTVARIANT& value);
     void writeIndex();
+    void writeOut(const unsigned char* bytes, std::size_t count);
     void flush();
 
     static constexpr std::size_t chunk = 65536;
@@ -76,17 +78,21 @@ class IndexFileWriter {
     std::vector<_IndexRecord>& index_;
     std::size_t records_ = 0;   // begun
     std::uint32_t offset_ = 0;  // of the next value, as an index record counts it
+    std::uint64_t length_ = 0;  // of what was written
     std::size_t used_ = 0;
     std::unique_ptr<unsigned char[]> buffer_;
 };
 
-// Writes a whole file, unless it becomes longer than a reader takes: then nothing is touched.  `putValues` is
-// handed a measure first and a writer then, and gives each the values of all records of `index`, which takes
-// the offsets.
+// Adding up the lengths of all values costs a third of a save.  It is worth that where their number alone makes
+// a long file, and nothing where they are few; else a file becomes too long by large texts and blobs alone.
+bool isWorthMeasuring(const std::vector<_IndexRecord>& index);
+
+// Writes a whole file, but none longer than a reader takes.  `putValues` gives the measure or the writer that
+// it is handed the values of all records of `index`, which takes the offsets.
 template <class PutValues>
 bool writeIndexFile(const char* fileName, std::vector<_IndexRecord>& index, const PutValues& putValues) {
     IndexFileMeasure measure(index.size());
-    putValues(measure);
+    if (isWorthMeasuring(index)) putValues(measure);
     if (measure.length() > longestReadable) return false;
     IndexFileWriter writer(fileName, index);
     if (!writer.isOpen()) return false;

@@ -158,14 +158,13 @@ TEST_F(IndexDataFileTest, AFileThatNobodyCouldReadIsNotWritten) {
     fill(name, "old");
     add(1, 0, blob("x"));
     add(2, 0, blob("x"));
-    std::vector<MOLTVARIANT*> stored(2);
-    for (std::int32_t i = 0; i < 2; ++i) {
-        file.getDataRecord(i + 1, 0, 0, &stored[static_cast<std::size_t>(i)]);
-        stored[static_cast<std::size_t>(i)]->payload.blob.length = INT32_MAX;
-    }
+    MOLTVARIANT *first = nullptr, *second = nullptr;
+    file.getDataRecord(1, 0, 0, &first);
+    file.getDataRecord(2, 0, 0, &second);
+    first->payload.blob.length = second->payload.blob.length = INT32_MAX;
     EXPECT_EQ(file.writeIndexDataFile(name.c_str()), 0);
     EXPECT_EQ(contentOf(name), "old");
-    for (MOLTVARIANT* const value : stored) value->payload.blob.length = 1;
+    first->payload.blob.length = second->payload.blob.length = 1;
     EXPECT_EQ(file.writeIndexDataFile(name.c_str()), 1);
 }
 
@@ -189,7 +188,9 @@ TEST_F(IndexDataFileTest, EveryFormReadsBackAndItsDamageIsSafe) {
     const std::pair<Owned, Owned> changed[] = {{text(nullptr, tagString), text("", tagString)},
                                                {nothing(tagVector), vectorOf({})},
                                                {block, Owned()},
-                                               {listOf({}), Owned()}};
+                                               {listOf({}), Owned()},
+                                               {columnOf({}), Owned()},
+                                               {recordOf({}), Owned()}};
     std::vector<Held> expected;
     tarn::IndexFileMeasure measure(std::size(same) + std::size(changed));
     const auto addForm = [&](const Owned& saved, const Owned& read) {
