@@ -40,13 +40,15 @@ DWORD notFoundIn(const Folder& key, DWORD code) {
     return code == ERROR_FILE_NOT_FOUND && checkAlive(key) != ERROR_SUCCESS ? ERROR_KEY_DELETED : code;
 }
 
+bool isFolder(int folder, const std::string& entry) {
+    Descriptor opened;
+    return openFolder(folder, entry.c_str(), opened) == ERROR_SUCCESS;
+}
+
 DWORD readRecord(int folder, const std::string& entry, RecordKind kind, Record& record) {
     std::string bytes;
     const DWORD code = readWhole(folder, entry, O_NOFOLLOW, largestRecord, bytes);
-    Descriptor asFolder;
-    if (code == ERROR_ACCESS_DENIED && openFolder(folder, entry.c_str(), asFolder) == ERROR_SUCCESS) {
-        return ERROR_REGISTRY_CORRUPT;
-    }
+    if (code == ERROR_ACCESS_DENIED && isFolder(folder, entry)) return ERROR_REGISTRY_CORRUPT;
     if (code != ERROR_SUCCESS) return storeCode(code);
     return decodeRecord(kind, bytes, record) ? ERROR_SUCCESS : ERROR_REGISTRY_CORRUPT;
 }
@@ -279,8 +281,9 @@ DWORD writeValue(const Folder& key, const Record& value) {
     Replacement replacement;
     const DWORD code = lock(replacement, key);
     if (code != ERROR_SUCCESS) return code;
-    return storeCode(
-        replacement.commit(valueEntry(value.name), encodeRecord(RecordKind::value, value), nullptr));
+    const std::string entry = valueEntry(value.name);
+    if (isFolder(key.number(), entry)) removeAll(key.number(), entry);  // no file can take a folder's name
+    return storeCode(replacement.commit(entry, encodeRecord(RecordKind::value, value), nullptr));
 }
 
 DWORD deleteValue(const Folder& key, std::string_view name) {

@@ -238,8 +238,7 @@ TEST_F(Registry, NoNameLeavesTheFolderOrMeetsAnother) {
     for (const char* end : {"A", "b", "\\"}) EXPECT_EQ(set(longest + end, end), 0);
     EXPECT_EQ(get(longest + 'a'), "A");
     EXPECT_EQ(set(longest + "cd", ""), 87);
-    for (const std::size_t length :
-         {200U, 201U}) {  // from there on only the first 100 are in the file's name
+    for (const std::size_t length : {200U, 201U}) {  // the longer one is shortened to its first 100
         const std::string plain(length, 'l');
         EXPECT_EQ(set(plain, plain), 0);
         EXPECT_EQ(fs::exists(folder / ("v-" + plain)), length == 200);
@@ -252,7 +251,7 @@ TEST_F(Registry, NoNameLeavesTheFolderOrMeetsAnother) {
     EXPECT_EQ(std::distance(fs::directory_iterator(data.path()), {}), 1);
 }
 
-// Every file that is cut anywhere, has a wrong bit, or is too long.
+// One that is cut anywhere, has a wrong bit, is too long, or is no file.
 TEST_F(Registry, ADamagedFileIsRefused) {
     set("v", "value", REG_SZ);
     create(key, "sub");
@@ -278,6 +277,9 @@ TEST_F(Registry, ADamagedFileIsRefused) {
         fill(data.file("elsewhere"), good);
         fs::create_symlink(data.file("elsewhere"), file);
         EXPECT_TRUE(refused()) << "a link";
+        fs::remove(file);
+        fs::create_directories(file / "folder");
+        EXPECT_TRUE(refused()) << "a folder";
     }
     EXPECT_EQ(set("v", "healed"), 0);
     EXPECT_EQ(get("v"), "healed");
@@ -292,18 +294,16 @@ fs::path cleared(const fs::path& entry) {
 TEST_F(Registry, ADamagedOrForeignEntryHidesNoKeyAndCanBeDeleted) {
     const struct {
         const char* what;
-        void (*putAt)(const fs::path& entry);  // which has no record
+        void (*put)(const fs::path& at);  // a folder without a record
         bool isListed;
         LSTATUS opened, created;
     } cases[] = {
-        {"an empty record", [](auto& entry) { fill(entry / "key", ""); }, true, 1015, 1015},
-        {"a folder as record", [](auto& entry) { fs::create_directories(entry / "key/x"); }, true, 1015,
-         1015},
-        {"another's record", [](auto& entry) { fs::copy(entry / "../key", entry / "key"); }, true, 1015,
-         1015},
+        {"an empty record", [](auto& at) { fill(at / "key", ""); }, true, 1015, 1015},
+        {"a folder as record", [](auto& at) { fs::create_directories(at / "key/x"); }, true, 1015, 1015},
+        {"another's record", [](auto& at) { fs::copy(at / "../key", at / "key"); }, true, 1015, 1015},
         {"no record", [](auto&) {}, false, 2, 0},
-        {"a file", [](auto& entry) { fill(cleared(entry), ""); }, false, 2, 0},
-        {"a link", [](auto& entry) { fs::create_symlink(".", cleared(entry)); }, false, 2, 0},
+        {"a file", [](auto& at) { fill(cleared(at), ""); }, false, 2, 0},
+        {"a link", [](auto& at) { fs::create_symlink(".", cleared(at)); }, false, 2, 0},
     };
     for (const std::string& name : {"Sub"s, std::string(250, 'N')}) {
         for (const auto& each : cases) {
@@ -313,7 +313,7 @@ TEST_F(Registry, ADamagedOrForeignEntryHidesNoKeyAndCanBeDeleted) {
                 if (found.is_directory()) entry = found.path();
             fill(entry / "v-v", "");
             fs::remove(entry / "key");
-            each.putAt(entry);
+            each.put(entry);
             create(key, "Z");
             const Names listed = keysOf(key);
             EXPECT_EQ(listed.size(), each.isListed ? 2U : 1U) << each.what;
