@@ -1,5 +1,5 @@
-// The registry: platform/registry/ (operations.cpp, store.cpp, record.cpp, names.cpp, sha256.cpp), and the system's
-// own on Windows.
+// The registry: platform/registry/ (operations.cpp, store.cpp, folders.cpp, record.cpp, names.cpp, sha256.cpp),
+// and the system's own on Windows.
 
 #include <functional>
 #include <numeric>
