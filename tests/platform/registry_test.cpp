@@ -348,6 +348,20 @@ TEST_F(Registry, AKeyIsDeletedWithAllThatIsInItsFolder) {
     EXPECT_EQ(contentOf(data.file("notes.txt")), "someone's own");
 }
 
+TEST_F(Registry, WhatHasTheLocksNameIsRemovedUnlessItIsAFolderWithSomethingInIt) {
+    const fs::path lock = folder / ".new";
+    fs::create_symlink("nowhere", lock);
+    EXPECT_EQ(set("v", "a link"), 0);
+    fs::create_directory(lock);
+    EXPECT_EQ(create(key, "a folder"), 0);
+    ASSERT_EQ(::mkfifo(lock.c_str(), 0600), 0);
+    EXPECT_EQ(erase(key, "a folder"), 0);
+    fs::create_directories(lock / "something");
+    EXPECT_NE(set("v", "a full folder"), 0);
+    EXPECT_EQ(get("v"), "a link");
+    fs::remove_all(lock);
+}
+
 TEST_F(Registry, AProcessKilledAtAnySystemCallLeavesWholeValuesAndKeys) {
     const std::string large(100000, 'n');
     int stops = 0;
