@@ -192,7 +192,6 @@ DWORD openRoot(std::size_t root, bool create, Folder& folder) {
 }
 
 DWORD openKey(const Folder& parent, std::string_view name, Folder& key) {
-    if (!isKeyName(name)) return ERROR_FILE_NOT_FOUND;
     Record record;
     return openEntry(parent.number(), findEntry(parent, name), key, record);
 }
@@ -214,7 +213,6 @@ DWORD createKey(const Folder& parent, std::string_view name, std::string_view cl
 }
 
 DWORD deleteKey(const Folder& parent, std::string_view name) {
-    if (!isKeyName(name)) return ERROR_FILE_NOT_FOUND;
     Replacement parentLock;
     DWORD code = lock(parentLock, parent);
     if (code != ERROR_SUCCESS) return code;

@@ -1,5 +1,5 @@
-// The registry: platform/registry/ (operations.cpp, store.cpp, folders.cpp, record.cpp, names.cpp, sha256.cpp),
-// and the system's own on Windows.
+// The registry: platform/registry/operations.cpp, store.cpp, folders.cpp, record.cpp, names.cpp and sha256.cpp
+// there, and the system's own on Windows.
 
 #include <functional>
 #include <numeric>
@@ -112,6 +112,9 @@ TEST_F(Registry, OddPathsAnswerTheirCodes) {
     for (const auto& step : steps) EXPECT_EQ(step.call(key, step.path), step.expected) << step.path;
     EXPECT_EQ(RegDeleteKeyA(key, nullptr), 87);
     EXPECT_EQ(erase(HKEY_CURRENT_USER, ""), 5);
+    HKEY result = key;
+    RegOpenKeyExA(key, "None", 0, KEY_ALL_ACCESS, &result);
+    EXPECT_EQ(result, nullptr);
     EXPECT_EQ(erase(key, "A"), 0);
 }
 
@@ -238,17 +241,32 @@ TEST_F(Registry, NoNameLeavesTheFolderOrMeetsAnother) {
     for (const char* end : {"A", "b", "\\"}) EXPECT_EQ(set(longest + end, end), 0);
     EXPECT_EQ(get(longest + 'a'), "A");
     EXPECT_EQ(set(longest + "cd", ""), 87);
-    for (const std::size_t length : {200U, 201U}) {  // the longer one is shortened to its first 100
-        const std::string plain(length, 'l');
-        EXPECT_EQ(set(plain, plain), 0);
-        EXPECT_EQ(fs::exists(folder / ("v-" + plain)), length == 200);
+    HKEY made = key;
+    EXPECT_EQ(make(key, longest, made), 87);
+    EXPECT_EQ(made, nullptr);
+    const std::pair<std::string, std::string> entries[] = {
+        {std::string(200, 'l'), "v-" + std::string(200, 'l')},
+        {std::string(201, 'L'), "v-" + std::string(100, 'l') +  // with the digest that sha256sum prints
+                                    "~d8437cec2f4aac3b1c1405ba758a1896a5035f3420c386c3c6ae53c72a115979"},
+    };
+    for (const auto& [name, entry] : entries) {
+        EXPECT_EQ(set(name, "value"), 0);
+        EXPECT_TRUE(fs::exists(folder / entry)) << entry;
     }
-    EXPECT_EQ(create(key, longest), 87);
     for (const auto& entry : fs::recursive_directory_iterator(folder)) {
         const std::string file = entry.path().filename();
         EXPECT_EQ(file[1], file == "key" ? 'e' : '-') << file;
     }
     EXPECT_EQ(std::distance(fs::directory_iterator(data.path()), {}), 1);
+}
+
+TEST_F(Registry, AListIsNotKeptWhereTheTimeOfItsFolderShowsNoChange) {
+    const auto later = fs::file_time_type::clock::now() + std::chrono::hours(1);
+    for (const Names& expected : {Names{"a"}, Names{"a", "b"}}) {
+        create(key, expected.back());
+        fs::last_write_time(folder, later);
+        EXPECT_EQ(keysOf(key), expected);
+    }
 }
 
 // One that is cut anywhere, has a wrong bit, is too long, or is no file.
@@ -330,11 +348,13 @@ TEST_F(Registry, ADamagedOrForeignEntryHidesNoKeyAndCanBeDeleted) {
     }
 }
 
-// Also below what is no key, to any depth, and without following a link.
+// Also below what is no key, to any depth, without following a link, and with what dead processes left beside
+// it.
 TEST_F(Registry, AKeyIsDeletedWithAllThatIsInItsFolder) {
     std::string deep = "k-top/";
     for (int depth = 0; depth < 500; ++depth) deep += "k-d/";
-    create(key, "Top");
+    for (const char* remains : {".made/x", ".old0/x"}) fs::create_directories(folder / remains);
+    EXPECT_EQ(create(key, "Top"), 0);
     fs::create_directories(folder / deep / "key");
     fs::create_directories(folder / "k-top/k-c (copy)");
     fill(folder / "k-top/k-c (copy)/key", "");
@@ -432,6 +452,7 @@ TEST_F(Registry, RootsAreThereWithoutAFolder) {
     EXPECT_FALSE(fs::exists(data.file("none")));
     EXPECT_EQ(create(root, "x"), 0);
     EXPECT_EQ(open(HKEY_USERS, "X"), 0);
+    EXPECT_EQ(keysOf(HKEY_USERS), Names{"x"});
     EXPECT_EQ(RegSetValueExA(root, "v", 0, REG_BINARY, nullptr, 0), 0);
     EXPECT_EQ(RegQueryValueExA(HKEY_USERS, "V", nullptr, nullptr, nullptr, nullptr), 0);
     EXPECT_TRUE(fs::exists(data.file("none/tarnutil/registry/HKEY_USERS/v-v")));
