@@ -48,8 +48,8 @@ using LONG = std::int32_t;
 using ULONG_PTR = std::uintptr_t;
 using HANDLE = void*;
 
-// Other libraries define these names too, GLib and curses for instance.  As macros, and only where there are none,
-// they let any order of headers compile.
+// Other libraries define these names too, GLib and curses for instance.  As macros, and only where there are
+// none, they let any order of headers compile.
 #if !defined(WINAPI)
 #define WINAPI
 #endif
@@ -286,12 +286,12 @@ TARN_LINKAGE LSTATUS RegCreateKeyExA(HKEY key, const char* name, DWORD reserved,
                                      HKEY* result, DWORD* disposition);
 /// Closes a handle; a root stays open.
 TARN_LINKAGE LSTATUS RegCloseKey(HKEY key);
-/// Deletes a key below this one.
+/// Deletes a key below this one, which must have no keys below it unless it is damaged.
 TARN_LINKAGE LSTATUS RegDeleteKeyA(HKEY key, const char* name);
 /// Deletes a value of this key.
 TARN_LINKAGE LSTATUS RegDeleteValueA(HKEY key, const char* name);
-/// Reads the name of one of the keys below, in the order of their names without case.  Answers 259 behind the
-/// last, 234 for too small a buffer.
+/// Reads the name of one of the keys below, in the order of their names without case.  A damaged key is
+/// listed with small letters.  Answers 259 behind the last, 234 for too small a buffer.
 TARN_LINKAGE LSTATUS RegEnumKeyA(HKEY key, DWORD index, char* name, DWORD size);
 /// Stores `size` bytes as they are, under any type.
 TARN_LINKAGE LSTATUS RegSetValueExA(HKEY key, const char* name, DWORD reserved, DWORD type, const BYTE* data,
@@ -300,7 +300,7 @@ TARN_LINKAGE LSTATUS RegSetValueExA(HKEY key, const char* name, DWORD reserved, 
 /// small a buffer, which then stays, it answers 234 and the size.
 TARN_LINKAGE LSTATUS RegQueryValueExA(HKEY key, const char* name, DWORD* reserved, DWORD* type, BYTE* data,
                                       DWORD* size);
-/// Writes the key and its parents through to the disk.
+/// Writes the key and its parents through to the disk; until then a power cut may undo what was stored.
 TARN_LINKAGE LSTATUS RegFlushKey(HKEY key);
 /// Reads how much a key holds.  Every out argument may be NULL.  Lengths are in bytes, those of names and
 /// classes without the NUL.

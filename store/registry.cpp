@@ -52,16 +52,16 @@ struct Level {
     std::vector<std::string> names;
 };
 
-// Opens the key of a level from the one above it.  Beside the top only the last few keys stay open, so that a deep
-// tree needs no more handles than a flat one.
+// Opens the key of a level from the one above it.  Beside the top only the last few keys stay open, so that a
+// deep tree needs no more handles than a flat one.
 void openLevel(std::vector<Level>& levels, std::size_t index) {
     constexpr std::size_t mostOpen = 32;
     levels[index].key = open(levels[index - 1].key.get(), levels[index].name.c_str());
     if (index > mostOpen) levels[index - mostOpen].key.reset();
 }
 
-// Deletes all keys below a key, the deepest first.  The names of a key are all read before the first of them is
-// deleted, since deleting would shift the numbers that they are asked by.
+// Deletes all keys below a key, the deepest first.  The names of a key are all read before the first of them
+// is deleted, since deleting would shift the numbers that they are asked by.
 void emptyKey(OwnedKey top) {
     constexpr DWORD longestName = 1023;
     char name[longestName + 1];

@@ -1,5 +1,5 @@
-// A tree of folders is removed without recursion and with few descriptors, however deep it is: a folder in a folder
-// is lifted to the top under a name of its own, where it waits for its turn.
+// A tree of folders is removed without recursion and with few descriptors, however deep it is: a folder in a
+// folder is lifted to the top under a name of its own, where it waits for its turn.
 //
 // Tests: tests/platform/registry_test.cpp.
 
@@ -31,7 +31,8 @@ bool removeFileOrEmptyFolder(int folder, const std::string& entry) {
     return ::unlinkat(folder, entry.c_str(), 0) == 0 || ::unlinkat(folder, entry.c_str(), AT_REMOVEDIR) == 0;
 }
 
-// Removes what a folder of `parent` holds, and lifts the folders in it, by the names that are added to `lifted`.
+// Removes what a folder of `parent` holds, and lifts the folders in it, by the names that are added to
+// `lifted`.
 void emptyFolder(int parent, const std::string& entry, std::vector<std::string>& lifted) {
     Descriptor folder;
     std::vector<std::string> entries;

@@ -2,8 +2,8 @@
 
 // The layer's own handling of the registry's folders; programs use the operations of platform/win32.h.
 //
-// Every function takes the number of an open folder and a name in it, never a path, and follows no symbolic link.
-// Those that answer a DWORD answer a Win32 code.
+// Every function takes the number of an open folder and a name in it, never a path, and follows no symbolic
+// link.  Those that answer a DWORD answer a Win32 code.
 //
 // Threads: any; what is removed belongs to a key that the caller has locked.
 
@@ -27,12 +27,12 @@ DWORD openFolder(int parent, const char* entry, Descriptor& folder);
 DWORD listEntries(int folder, std::vector<std::string>& entries);
 bool exists(int folder, const std::string& entry);
 
-// Gives an entry a free name in the folder `to`: `.old` and a number, `first` or above.  The entry stays where it is
-// on failure.
+// Gives an entry a free name in the folder `to`: `.old` and a number, `first` or above.  The entry stays
+// where it is on failure.
 DWORD moveAside(int from, const std::string& entry, int to, std::size_t first, std::string& name);
 
-// Removes whatever has this name, a folder with everything in it, and what a dead process left of such a removal.
-// What can't be removed stays.
+// Removes whatever has this name, a folder with everything in it, and what a dead process left of such a
+// removal.  What can't be removed stays.
 void removeAll(int folder, const std::string& entry);
 
 }  // namespace tarn::registry

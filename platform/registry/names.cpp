@@ -1,6 +1,6 @@
-// Letters, digits and a few signs are written as they are, every other byte as % and two digits, so that no name
-// leads out of its folder or is hidden in it.  What gets too long for a file name keeps its first part, for people,
-// and ends in `~` and the SHA-256 of the whole name; no short form has that sign.
+// Letters, digits and a few signs are written as they are, every other byte as % and two digits, so that no
+// name leads out of its folder or is hidden in it.  What gets too long for a file name keeps its first part,
+// for people, and ends in `~` and the SHA-256 of the whole name; no short form has that sign.
 //
 // Tests: tests/platform/registry_test.cpp.
 

@@ -28,9 +28,9 @@ bool isValueEntry(std::string_view entry);
 // Answers whether a key can have the name: 1 to 255 bytes, none of them `\` or NUL.
 bool isKeyName(std::string_view name);
 
-// A key whose record can't be read is listed by what its entry spells: its name with small letters, but of a long
-// name just what is behind the prefix.  `entrySpelling` answers the entry of the latter, an empty text for every
-// name that doesn't have that form.
+// A key whose record can't be read is listed by what its entry spells: its name with small letters, but of a
+// long name just what is behind the prefix.  `entrySpelling` answers the entry of the latter, an empty text
+// for every name that doesn't have that form.
 std::string nameSpelledBy(std::string_view keyEntry);
 std::string entrySpelling(std::string_view name);
 

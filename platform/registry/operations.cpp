@@ -1,4 +1,4 @@
-// The registry operations: handles, paths and buffers.  What lies on the disk is platform/registry/store.cpp's.
+// The registry operations: handles, paths and buffers; platform/registry/store.cpp has what is on the disk.
 // Nothing is kept between calls but the open folders of the handles, and the names below a key while a
 // program walks through them.
 //
@@ -30,7 +30,7 @@ LSTATUS answer(DWORD code) {
     return static_cast<LSTATUS>(code);
 }
 
-// ---------------------------------------------------------------------------------------- keys and their paths
+// ------------------------------------------------------------------------------------ keys and their paths
 
 // The names below a key as they were, for the calls that walk through them by index.
 struct Listing {

@@ -1,6 +1,6 @@
 // Keys as folders, reached step by step from open folder to open folder, so that no path grows with the depth
-// of a key and no symbolic link is followed below a root.  A key is changed under the lock of its folder, which is
-// the temporary file of platform/files/replacement.h; who needs two locks takes the upper one first.
+// of a key and no symbolic link is followed below a root.  A key is changed under the lock of its folder,
+// which is the temporary file of platform/files/replacement.h; who needs two locks takes the upper one first.
 //
 // Tests: tests/platform/registry_test.cpp.
 
@@ -40,19 +40,22 @@ DWORD notFoundIn(const Folder& key, DWORD code) {
     return code == ERROR_FILE_NOT_FOUND && checkAlive(key) != ERROR_SUCCESS ? ERROR_KEY_DELETED : code;
 }
 
+bool isFolder(int folder, const std::string& entry) {
+    Descriptor opened;
+    return openFolder(folder, entry.c_str(), opened) == ERROR_SUCCESS;
+}
+
 DWORD readRecord(int folder, const std::string& entry, RecordKind kind, Record& record) {
     std::string bytes;
     const DWORD code = readWhole(folder, entry, O_NOFOLLOW, largestRecord, bytes);
-    Descriptor asFolder;
-    if (code == ERROR_ACCESS_DENIED && openFolder(folder, entry.c_str(), asFolder) == ERROR_SUCCESS) {
-        return ERROR_REGISTRY_CORRUPT;
-    }
+    if (code == ERROR_ACCESS_DENIED && isFolder(folder, entry)) return ERROR_REGISTRY_CORRUPT;
     if (code != ERROR_SUCCESS) return storeCode(code);
     return decodeRecord(kind, bytes, record) ? ERROR_SUCCESS : ERROR_REGISTRY_CORRUPT;
 }
 
-// Opens the key of an entry, with its record.  A link, a file and a folder without a record are no key and answer
-// ERROR_FILE_NOT_FOUND; a damaged record, or that of another name, ERROR_REGISTRY_CORRUPT with the folder opened.
+// Opens the key of an entry, with its record.  A link, a file and a folder without a record are no key and
+// answer ERROR_FILE_NOT_FOUND; a damaged record, or that of another name, ERROR_REGISTRY_CORRUPT with the
+// folder opened.
 DWORD openEntry(int parent, const std::string& entry, Folder& key, Record& record) {
     DWORD code = openFolder(parent, entry.c_str(), key.descriptor);
     if (code == ERROR_REGISTRY_CORRUPT) return ERROR_FILE_NOT_FOUND;
@@ -80,8 +83,8 @@ DWORD lock(Replacement& replacement, const Folder& key) {
     return storeCode(code);
 }
 
-// Calls with the record of every key below.  One whose record can't be read comes with the name that its entry
-// spells.
+// Calls with the record of every key below.  One whose record can't be read comes with the name that its
+// entry spells.
 template <typename Use>
 DWORD forEachKey(const Folder& key, Use use) {
     std::vector<std::string> entries;
@@ -115,8 +118,8 @@ DWORD makeFolder(const Folder& parent, std::string_view name, std::string_view c
     return storeCode(record.commit(keyFile, encodeRecord(RecordKind::key, content), nullptr));
 }
 
-// Gives a folder that was made its name.  What had that name and is no key is removed, but not before this has
-// succeeded.
+// Gives a folder that was made its name.  What had that name and is no key is removed, but not before this
+// has succeeded.
 DWORD placeFolder(const Folder& parent, const std::string& entry) {
     const int folder = parent.number();
     if (::renameat(folder, madeFolder, folder, entry.c_str()) == 0) return ERROR_SUCCESS;
@@ -133,8 +136,8 @@ DWORD placeFolder(const Folder& parent, const std::string& entry) {
     return ERROR_SUCCESS;
 }
 
-// Ends a key by removing its record.  ERROR_ACCESS_DENIED if it has keys below it; nobody can open those of a damaged
-// one, so that they don't count.
+// Ends a key by removing its record.  ERROR_ACCESS_DENIED if it has keys below it; nobody can open those of a
+// damaged one, so that they don't count.
 DWORD endKey(const Folder& key, bool isDamaged) {
     Replacement keyLock;
     DWORD code = lock(keyLock, key);
@@ -160,8 +163,8 @@ std::string registryPath() {
     return data + "/tarnutil/registry";
 }
 
-// Makes a folder with those above it that are missing, and writes each through to the disk, since a flush of a key
-// only reaches up to the data folder.
+// Makes a folder with those above it that are missing, and writes each through to the disk, since a flush of
+// a key only reaches up to the data folder.
 void makeFolders(const std::string& path) {
     for (std::size_t end = 0; end != std::string::npos;) {
         end = path.find('/', end + 1);
@@ -189,7 +192,6 @@ DWORD openRoot(std::size_t root, bool create, Folder& folder) {
 }
 
 DWORD openKey(const Folder& parent, std::string_view name, Folder& key) {
-    if (!isKeyName(name)) return ERROR_FILE_NOT_FOUND;
     Record record;
     return openEntry(parent.number(), findEntry(parent, name), key, record);
 }
@@ -211,7 +213,6 @@ DWORD createKey(const Folder& parent, std::string_view name, std::string_view cl
 }
 
 DWORD deleteKey(const Folder& parent, std::string_view name) {
-    if (!isKeyName(name)) return ERROR_FILE_NOT_FOUND;
     Replacement parentLock;
     DWORD code = lock(parentLock, parent);
     if (code != ERROR_SUCCESS) return code;
@@ -279,8 +280,9 @@ DWORD writeValue(const Folder& key, const Record& value) {
     Replacement replacement;
     const DWORD code = lock(replacement, key);
     if (code != ERROR_SUCCESS) return code;
-    return storeCode(
-        replacement.commit(valueEntry(value.name), encodeRecord(RecordKind::value, value), nullptr));
+    const std::string entry = valueEntry(value.name);
+    if (isFolder(key.number(), entry)) removeAll(key.number(), entry);  // no file can take a folder's name
+    return storeCode(replacement.commit(entry, encodeRecord(RecordKind::value, value), nullptr));
 }
 
 DWORD deleteValue(const Folder& key, std::string_view name) {

@@ -49,8 +49,8 @@ DWORD openKey(const Folder& parent, std::string_view name, Folder& key);
 // Opens a key, which it makes if need be.
 DWORD createKey(const Folder& parent, std::string_view name, std::string_view classText, Folder& key,
                 bool& created);
-// Deletes a key without keys below it, with everything in its folder, or a damaged one with all that is below it.
-// ERROR_ACCESS_DENIED if there are keys below.
+// Deletes a key without keys below it, with everything in its folder, or a damaged one with all that is below
+// it.  ERROR_ACCESS_DENIED if there are keys below.
 DWORD deleteKey(const Folder& parent, std::string_view name);
 
 DWORD checkAlive(const Folder& key);
@@ -61,8 +61,8 @@ DWORD openParent(const Folder& key, bool isRoot, Folder& parent);
 bool isEntryOf(const Folder& parent, std::string_view name, const Folder& key);
 
 DWORD readKeyRecord(const Folder& key, Record& record);
-// Names as they are spelled, in the order of their folded names.  A key whose record can't be read is listed, and
-// deleted, by the name that its folder's name spells.
+// Names as they are spelled, in the order of their folded names.  A key whose record can't be read is listed,
+// and deleted, by the name that its folder's name spells.
 DWORD listKeys(const Folder& key, std::vector<std::string>& names);
 DWORD measureKeys(const Folder& key, Measures& measures);
 

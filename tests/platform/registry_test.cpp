@@ -1,5 +1,5 @@
-// The registry: platform/registry/ (operations.cpp, store.cpp, record.cpp, names.cpp, sha256.cpp), and the system's
-// own on Windows.
+// The registry: platform/registry/operations.cpp, store.cpp, folders.cpp, record.cpp, names.cpp and sha256.cpp
+// there, and the system's own on Windows.
 
 #include <functional>
 #include <numeric>
@@ -112,6 +112,9 @@ TEST_F(Registry, OddPathsAnswerTheirCodes) {
     for (const auto& step : steps) EXPECT_EQ(step.call(key, step.path), step.expected) << step.path;
     EXPECT_EQ(RegDeleteKeyA(key, nullptr), 87);
     EXPECT_EQ(erase(HKEY_CURRENT_USER, ""), 5);
+    HKEY result = key;
+    RegOpenKeyExA(key, "None", 0, KEY_ALL_ACCESS, &result);
+    EXPECT_EQ(result, nullptr);
     EXPECT_EQ(erase(key, "A"), 0);
 }
 
@@ -238,13 +241,18 @@ TEST_F(Registry, NoNameLeavesTheFolderOrMeetsAnother) {
     for (const char* end : {"A", "b", "\\"}) EXPECT_EQ(set(longest + end, end), 0);
     EXPECT_EQ(get(longest + 'a'), "A");
     EXPECT_EQ(set(longest + "cd", ""), 87);
-    for (const std::size_t length :
-         {200U, 201U}) {  // from there on only the first 100 are in the file's name
-        const std::string plain(length, 'l');
-        EXPECT_EQ(set(plain, plain), 0);
-        EXPECT_EQ(fs::exists(folder / ("v-" + plain)), length == 200);
+    HKEY made = key;
+    EXPECT_EQ(make(key, longest, made), 87);
+    EXPECT_EQ(made, nullptr);
+    const std::pair<std::string, std::string> entries[] = {
+        {std::string(200, 'l'), "v-" + std::string(200, 'l')},
+        {std::string(201, 'L'), "v-" + std::string(100, 'l') +  // with the digest that sha256sum prints
+                                    "~d8437cec2f4aac3b1c1405ba758a1896a5035f3420c386c3c6ae53c72a115979"},
+    };
+    for (const auto& [name, entry] : entries) {
+        EXPECT_EQ(set(name, "value"), 0);
+        EXPECT_TRUE(fs::exists(folder / entry)) << entry;
     }
-    EXPECT_EQ(create(key, longest), 87);
     for (const auto& entry : fs::recursive_directory_iterator(folder)) {
         const std::string file = entry.path().filename();
         EXPECT_EQ(file[1], file == "key" ? 'e' : '-') << file;
@@ -252,7 +260,16 @@ TEST_F(Registry, NoNameLeavesTheFolderOrMeetsAnother) {
     EXPECT_EQ(std::distance(fs::directory_iterator(data.path()), {}), 1);
 }
 
-// Every file that is cut anywhere, has a wrong bit, or is too long.
+TEST_F(Registry, AListIsNotKeptWhereTheTimeOfItsFolderShowsNoChange) {
+    const auto later = fs::file_time_type::clock::now() + std::chrono::hours(1);
+    for (const Names& expected : {Names{"a"}, Names{"a", "b"}}) {
+        create(key, expected.back());
+        fs::last_write_time(folder, later);
+        EXPECT_EQ(keysOf(key), expected);
+    }
+}
+
+// One that is cut anywhere, has a wrong bit, is too long, or is no file.
 TEST_F(Registry, ADamagedFileIsRefused) {
     set("v", "value", REG_SZ);
     create(key, "sub");
@@ -278,6 +295,9 @@ TEST_F(Registry, ADamagedFileIsRefused) {
         fill(data.file("elsewhere"), good);
         fs::create_symlink(data.file("elsewhere"), file);
         EXPECT_TRUE(refused()) << "a link";
+        fs::remove(file);
+        fs::create_directories(file / "folder");
+        EXPECT_TRUE(refused()) << "a folder";
     }
     EXPECT_EQ(set("v", "healed"), 0);
     EXPECT_EQ(get("v"), "healed");
@@ -292,18 +312,16 @@ fs::path cleared(const fs::path& entry) {
 TEST_F(Registry, ADamagedOrForeignEntryHidesNoKeyAndCanBeDeleted) {
     const struct {
         const char* what;
-        void (*putAt)(const fs::path& entry);  // which has no record
+        void (*put)(const fs::path& at);  // a folder without a record
         bool isListed;
         LSTATUS opened, created;
     } cases[] = {
-        {"an empty record", [](auto& entry) { fill(entry / "key", ""); }, true, 1015, 1015},
-        {"a folder as record", [](auto& entry) { fs::create_directories(entry / "key/x"); }, true, 1015,
-         1015},
-        {"another's record", [](auto& entry) { fs::copy(entry / "../key", entry / "key"); }, true, 1015,
-         1015},
+        {"an empty record", [](auto& at) { fill(at / "key", ""); }, true, 1015, 1015},
+        {"a folder as record", [](auto& at) { fs::create_directories(at / "key/x"); }, true, 1015, 1015},
+        {"another's record", [](auto& at) { fs::copy(at / "../key", at / "key"); }, true, 1015, 1015},
         {"no record", [](auto&) {}, false, 2, 0},
-        {"a file", [](auto& entry) { fill(cleared(entry), ""); }, false, 2, 0},
-        {"a link", [](auto& entry) { fs::create_symlink(".", cleared(entry)); }, false, 2, 0},
+        {"a file", [](auto& at) { fill(cleared(at), ""); }, false, 2, 0},
+        {"a link", [](auto& at) { fs::create_symlink(".", cleared(at)); }, false, 2, 0},
     };
     for (const std::string& name : {"Sub"s, std::string(250, 'N')}) {
         for (const auto& each : cases) {
@@ -313,7 +331,7 @@ TEST_F(Registry, ADamagedOrForeignEntryHidesNoKeyAndCanBeDeleted) {
                 if (found.is_directory()) entry = found.path();
             fill(entry / "v-v", "");
             fs::remove(entry / "key");
-            each.putAt(entry);
+            each.put(entry);
             create(key, "Z");
             const Names listed = keysOf(key);
             EXPECT_EQ(listed.size(), each.isListed ? 2U : 1U) << each.what;
@@ -330,11 +348,13 @@ TEST_F(Registry, ADamagedOrForeignEntryHidesNoKeyAndCanBeDeleted) {
     }
 }
 
-// Also below what is no key, to any depth, and without following a link.
+// Also below what is no key, to any depth, without following a link, and with what dead processes left beside
+// it.
 TEST_F(Registry, AKeyIsDeletedWithAllThatIsInItsFolder) {
     std::string deep = "k-top/";
     for (int depth = 0; depth < 500; ++depth) deep += "k-d/";
-    create(key, "Top");
+    for (const char* remains : {".made/x", ".old0/x"}) fs::create_directories(folder / remains);
+    EXPECT_EQ(create(key, "Top"), 0);
     fs::create_directories(folder / deep / "key");
     fs::create_directories(folder / "k-top/k-c (copy)");
     fill(folder / "k-top/k-c (copy)/key", "");
@@ -346,6 +366,20 @@ TEST_F(Registry, AKeyIsDeletedWithAllThatIsInItsFolder) {
     EXPECT_FALSE(fs::exists(folder / "k-top"));
     EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 1) << "the record of the key above";
     EXPECT_EQ(contentOf(data.file("notes.txt")), "someone's own");
+}
+
+TEST_F(Registry, WhatHasTheLocksNameIsRemovedUnlessItIsAFolderWithSomethingInIt) {
+    const fs::path lock = folder / ".new";
+    fs::create_symlink("nowhere", lock);
+    EXPECT_EQ(set("v", "a link"), 0);
+    fs::create_directory(lock);
+    EXPECT_EQ(create(key, "a folder"), 0);
+    ASSERT_EQ(::mkfifo(lock.c_str(), 0600), 0);
+    EXPECT_EQ(erase(key, "a folder"), 0);
+    fs::create_directories(lock / "something");
+    EXPECT_NE(set("v", "a full folder"), 0);
+    EXPECT_EQ(get("v"), "a link");
+    fs::remove_all(lock);
 }
 
 TEST_F(Registry, AProcessKilledAtAnySystemCallLeavesWholeValuesAndKeys) {
@@ -418,6 +452,7 @@ TEST_F(Registry, RootsAreThereWithoutAFolder) {
     EXPECT_FALSE(fs::exists(data.file("none")));
     EXPECT_EQ(create(root, "x"), 0);
     EXPECT_EQ(open(HKEY_USERS, "X"), 0);
+    EXPECT_EQ(keysOf(HKEY_USERS), Names{"x"});
     EXPECT_EQ(RegSetValueExA(root, "v", 0, REG_BINARY, nullptr, 0), 0);
     EXPECT_EQ(RegQueryValueExA(HKEY_USERS, "V", nullptr, nullptr, nullptr, nullptr), 0);
     EXPECT_TRUE(fs::exists(data.file("none/tarnutil/registry/HKEY_USERS/v-v")));
