@@ -1,5 +1,5 @@
 // The clock: the system's time in whole milliseconds, or the moments at which setClock holds it.
-// Tests: tests/platform/messages_test.cpp.
+// Tests: tests/platform/clock_test.cpp.
 
 #include <ctime>
 
@@ -23,7 +23,13 @@ SYSTEMTIME fromBrokenDown(const std::tm& time, long milliseconds) {
             static_cast<WORD>(time.tm_sec),         static_cast<WORD>(milliseconds)};
 }
 
-// `breakDown` is gmtime_r or localtime_r.
+// localtime_r alone need not notice that the program has changed TZ.
+std::tm* toLocal(const std::time_t* moment, std::tm* time) {
+    ::tzset();
+    return ::localtime_r(moment, time);
+}
+
+// `breakDown` is gmtime_r or toLocal.
 void readClock(const FixedMoment& fixed, std::tm* (*breakDown)(const std::time_t*, std::tm*),
                SYSTEMTIME* out) {
     if (out == nullptr) return;
@@ -49,7 +55,7 @@ void GetSystemTime(SYSTEMTIME* time) {
     readClock(fixedUtc, ::gmtime_r, time);
 }
 void GetLocalTime(SYSTEMTIME* time) {
-    readClock(fixedLocal, ::localtime_r, time);
+    readClock(fixedLocal, toLocal, time);
 }
 
 void tarn::setClock(const SYSTEMTIME* utc, const SYSTEMTIME* local) {

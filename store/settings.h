@@ -18,7 +18,8 @@
 /// write.
 ///
 /// Threads: nothing is shared or kept between calls, and one object belongs to one thread at a time.
-/// Processes that write the same file or key wait for each other and lose nothing.
+/// Processes that write the same file or key wait for each other and lose nothing; a write that has waited
+/// for five seconds answers 0.
 
 #include <cstdint>
 

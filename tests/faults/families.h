@@ -190,28 +190,21 @@ inline std::string calendar(int n) {
 inline std::string financialText(int n) {
     const std::string price = "12345" + std::to_string(n) + ".60 ";
     const std::string change = "-1." + std::to_string(n);
-    std::string lines = "a  b\nc " + price;
     std::string digits = price;
     std::string sign = change;
     tarnString money(longText);
     formatToMoneyFormat("123456789012345678901234567890", money, 1);
     const Text joined(concatstr(price.c_str(), longText));
-    const Text converted(convertNewline(lines.c_str()));
+    const Text converted(convertNewline("a  b\nc"));
     const Text part(newstr(&money));
     std::string all = std::string(joined.get()) + converted.get() + part.get() + getInduSymFromID(-1);
     const auto add = [&](auto call) { all += written(call); };
     add([&](char* out) { formatStringToFloat(price.c_str(), out, 1); });
     add([&](char* out) { asFraction(out, n / 8.0); });
-    add([](char* out) { asUniformFraction(out, "12 3/8", 16); });
-    add([&](char* out) { percentChange(out, 2, "110", change.c_str()); });
     add([&](char* out) { formatStringWithPattern(digits.data(), "$*,###*.##", out, eNegParens); });
-    add([](char* out) { fmtToPhoneNumber("2125551234", out); });
-    add([](char* out) { formatDateToString("11/30/1999", out); });
     add([&](char* out) { getLocalTimeStr(out, n % 2); });
     flipSign(sign.data());
-    removeNewline(lines.data());
-    stripTrailDecimalZeros(digits.data(), 0);
-    return all + sign.c_str() + lines.c_str() + digits.c_str() +
+    return all + sign.c_str() +
            allShown(strToDouble(price.c_str()), fmtToDouble("1.5mm"), signPriceChange(sign.data()));
 }
 

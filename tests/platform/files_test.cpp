@@ -146,7 +146,7 @@ TEST_F(Files, BytesAndPointerAreAtAnotherPlace) {
     EXPECT_EQ(read(16), "content");
     EXPECT_EQ(read(16), "");
     const std::int64_t refused = -1;
-    const std::int64_t far = std::int64_t{1} << 32;
+    const std::int64_t fourGiB = std::int64_t{1} << 32;
     const struct {
         std::int64_t distance;
         bool isFar;  // with the second word of the distance
@@ -158,12 +158,12 @@ TEST_F(Files, BytesAndPointerAreAtAnotherPlace) {
         {2, false, FILE_CURRENT, 5, before},
         {-1, false, FILE_BEGIN, refused, ERROR_NEGATIVE_SEEK},
         {-6, false, FILE_CURRENT, refused, ERROR_NEGATIVE_SEEK},
-        {-far - 2, true, FILE_BEGIN, refused, ERROR_NEGATIVE_SEEK},
+        {-fourGiB - 2, true, FILE_BEGIN, refused, ERROR_NEGATIVE_SEEK},
         {0, false, 9, refused, ERROR_INVALID_PARAMETER},
         {0, false, FILE_CURRENT, 5, before},
         {2, false, FILE_END, 9, before},
-        {far - 1, true, FILE_BEGIN, far - 1, ERROR_SUCCESS},  // looks like a refusal
-        {8, true, FILE_CURRENT, far + 7, before},
+        {fourGiB - 1, true, FILE_BEGIN, fourGiB - 1, ERROR_SUCCESS},  // looks like a refusal
+        {8, true, FILE_CURRENT, fourGiB + 7, before},
     };
     for (const auto& each : rows) {
         SCOPED_TRACE(each.distance);

@@ -32,11 +32,11 @@ TEST_F(ProfileFiles, CutListsEndInTwoNulsWithinTheBuffer) {
         SCOPED_TRACE(size);
         const bool isCut = size < sections.size() + 2;  // one byte more than it needs has to be there
         EXPECT_EQ(read(nullptr, nullptr, "", size),
-                  isCut ? sections.substr(0, std::max(size, 2U) - 2) : sections);
+                  isCut ? sections.substr(0, std::max<DWORD>(size, 2) - 2) : sections);
         if (!onWindows && isCut && size >= 2) {
             EXPECT_EQ(buffer.substr(size - 2, 2), "\0\0"s);
         }
-        EXPECT_EQ(read("s", "none", "abcdef", size), fallback.substr(0, std::max(size, 1U) - 1));
+        EXPECT_EQ(read("s", "none", "abcdef", size), fallback.substr(0, std::max<DWORD>(size, 1) - 1));
     }
 }
 
