@@ -172,6 +172,12 @@ TEST(Bitmap, ASizeThatIsUnknownIsReadFromTheBitmap) {
     tarnBitmap().getSize(width, height);
     EXPECT_EQ(width, -7);
     EXPECT_EQ(height, -7);
+    Manager manager;
+    tarnBitmap empty(manager.screen, 5, 4, 77);
+    EXPECT_EQ(empty.resourceId, 77);
+    empty.getSize(width, height);
+    EXPECT_EQ(width, 5);
+    EXPECT_EQ(height, 4);
     const Resource resource(PackedBitmap(8, 37, 6).bytes);
     for (const int usePalette : {0, 1}) {
         tarnBitmap bitmap(module, 300, usePalette);
