@@ -79,7 +79,7 @@ class TARN_EXPORT tarnParser {
 /// its children.  Only the parser makes nodes.
 class TARN_EXPORT tarnMenuDef {
   public:
-    std::int32_t kind = 0;         ///< 1 popup, 2 item, 3 separator
+    std::int32_t kind = 0;         ///< a tarnMenuKind
     char* label = nullptr;         ///< NUL-terminated; NULL for a separator
     std::int32_t labelLength = 0;  ///< in bytes
     std::int32_t id = -1;          ///< an item's command
@@ -147,7 +147,7 @@ class TARN_EXPORT tarnMenuParser : public tarnParser {
     ~tarnMenuParser();
 
     /// Reads a menu text, scrambled on disk (store/file_tools.h) if `scrambled` isn't 0.
-    /// - Answers the root, of kind 1.
+    /// - Answers the root, a popup.
     /// - Owner: the parser; a second call releases the first tree.
     /// - Bad input: a file that can't be read, NULL, and a text without a POPUP give a root with
     ///   nothing in it.
