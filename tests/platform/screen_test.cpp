@@ -148,6 +148,9 @@ TEST(Screen, BitmapsOfEveryDepthDecodeInBothDirections) {
     Canvas monochrome(decode(nullptr, bent));
     EXPECT_EQ(measures(monochrome.bitmap), (std::vector<LONG>{3, 2, 1}));
     auto& header = *reinterpret_cast<BITMAPINFOHEADER*>(bent.described.data());
+    const HBITMAP blank = CreateDIBitmap(target.screen, &header, 0, nullptr, nullptr, DIB_RGB_COLORS);
+    EXPECT_EQ(pixelsOf(blank), std::vector<COLORREF>(9, 0)) << "without pixels";
+    EXPECT_TRUE(DeleteObject(blank));
     header.biBitCount = 7;
     EXPECT_EQ(decode(target.screen, bent), nullptr);
     header.biBitCount = 4;
@@ -174,7 +177,8 @@ TEST(Screen, GlobalMemoryCountsItsLocks) {
 
 TEST(Screen, ResourcesAreFoundByNumberAndByText) {
     const auto module = reinterpret_cast<HINSTANCE>(ULONG_PTR{0x5000});
-    tarn::addResource(module, 10, 101, "bytes", 5);
+    for (const char* content : {"an old one", "bytes"})
+        tarn::addResource(module, 10, 101, content, static_cast<std::uint32_t>(std::strlen(content)));
     const HRSRC found = FindResourceA(module, "#101", MAKEINTRESOURCEA(10));
     EXPECT_EQ(found, FindResourceA(module, MAKEINTRESOURCEA(101), "#10"));
     const auto* bytes = static_cast<const char*>(LockResource(LoadResource(module, found)));
