@@ -498,7 +498,7 @@ TARN_LINKAGE COLORREF GetPixel(HDC context, int x, int y);
 /// - Owner: the caller, DeleteObject.
 TARN_LINKAGE HBITMAP CreateCompatibleBitmap(HDC context, int width, int height);
 /// Makes a bitmap with the pixels of a device-independent one if `flags` is CBM_INIT; NULL if it can't be
-/// done.
+/// done.  Runs (BI_RLE4, BI_RLE8) have biSizeImage bytes.
 /// - Owner: the caller, DeleteObject.
 TARN_LINKAGE HBITMAP CreateDIBitmap(HDC context, const BITMAPINFOHEADER* header, DWORD flags,
                                     const void* pixels, const BITMAPINFO* info, UINT usage);

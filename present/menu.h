@@ -147,7 +147,7 @@ class TARN_EXPORT tarnMenuParser : public tarnParser {
     ~tarnMenuParser();
 
     /// Reads a menu text, scrambled on disk (store/file_tools.h) if `scrambled` isn't 0.
-    /// - Answers the root, of kind 1.
+    /// - Answers the root, a popup.
     /// - Owner: the parser; a second call releases the first tree.
     /// - Bad input: a file that can't be read, NULL, and a text without a POPUP give a root with
     ///   nothing in it.

@@ -87,7 +87,13 @@ class TARN_EXPORT tarnBitmap {
 
     /// Loads a bitmap of a module, by the low 16 bits of the id: with `withPalette` 0 as LoadBitmapA does,
     /// otherwise from the packed bitmap, with a palette of all 2^bits colours if it has up to 8 bits a pixel.
-    /// - Bad input: a resource that is missing, cut short or no packed bitmap leaves `bitmap` NULL.
+    /// The colour table has to be whole, whatever biClrUsed says.  Masks (BI_BITFIELDS) may be in the header
+    /// or behind it, and pixels of 4 and 8 bits may be runs (BI_RLE4, BI_RLE8).
+    ///
+    /// The palette's colours are read at offset 40, where the usual header ends.  The pixels of a bitmap with
+    /// a longer header have the colours of the table behind it all the same; its palette hasn't.
+    /// - Bad input: a resource that is missing, cut short or no packed bitmap leaves `bitmap` NULL; so do runs
+    ///   that claim a picture of more than 64 MiB and 512 times their own size (not on Windows).
     tarnBitmap(HINSTANCE module, std::int32_t id, int withPalette);
 
     /// Makes an empty bitmap that fits the device.

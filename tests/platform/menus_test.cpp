@@ -60,6 +60,28 @@ TEST(Menus, EntriesReadBackAsTheyWereAppended) {
     EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
 }
 
+TEST(Menus, TextsAreGivenAsFarAsTheBufferReaches) {
+    const Tree tree;
+    EXPECT_TRUE(AppendMenuA(tree.root, MF_STRING | MF_GRAYED, 5, "Open"));
+    EXPECT_EQ(GetMenuState(tree.root, 5, MF_BYCOMMAND), MF_GRAYED);
+    const struct {
+        UINT room;
+        const char* text;
+        UINT length;
+    } rows[] = {{9, "Open", 4}, {4, "Ope", 3}, {1, "", 0}, {0, "untouched", 4}};
+    for (const auto& each : rows) {
+        char text[10] = "untouched";
+        MENUITEMINFOA info{};
+        info.cbSize = sizeof info;
+        info.fMask = MIIM_STRING;
+        info.dwTypeData = text;
+        info.cch = each.room;
+        EXPECT_TRUE(GetMenuItemInfoA(tree.root, 5, FALSE, &info));
+        EXPECT_STREQ(text, each.text);
+        EXPECT_EQ(info.cch, each.length) << each.room;
+    }
+}
+
 TEST(Menus, DeletionByCommandTakesTheFirstDepthFirst) {
     const struct {
         UINT command;

@@ -49,6 +49,49 @@ TEST(Screen, ANewMemoryContextHoldsOneMonochromePixel) {
     EXPECT_EQ(GetPixel(fresh, 0, 0), CLR_INVALID);
 }
 
+TEST(Screen, ATrueColorScreenDescribesItself) {
+    const Canvas canvas(1, 1);
+    const struct {
+        int index, answer;
+    } rows[] = {{NUMCOLORS, -1}, {BITSPIXEL, 32}, {PLANES, 1}, {SIZEPALETTE, 0}};
+    for (const HDC context : {canvas.screen, canvas.context})
+        for (const auto& each : rows)
+            EXPECT_EQ(GetDeviceCaps(context, each.index), each.answer) << each.index;
+    const HDC desktop = GetDC(GetDesktopWindow());
+    EXPECT_EQ(GetDeviceCaps(desktop, VERTRES), GetSystemMetrics(SM_CYSCREEN));
+    EXPECT_EQ(ReleaseDC(GetDesktopWindow(), desktop), 1);
+    for (const int outside : {-1, 1000}) EXPECT_EQ(GetSystemMetrics(outside), 0) << outside;
+    for (const int outside : {-1, 1000}) EXPECT_EQ(GetSysColor(outside), 0U) << outside;
+    OSVERSIONINFOA version{};
+    for (const DWORD missing : {0U, 1U}) {
+        version.dwOSVersionInfoSize = sizeof version - missing;
+        EXPECT_EQ(GetVersionExA(&version), missing == 0 ? TRUE : FALSE);
+    }
+    LOGFONTA font{};
+    EXPECT_TRUE(SystemParametersInfoA(SPI_GETICONTITLELOGFONT, sizeof font, &font, 0));
+    EXPECT_NE(font.lfHeight, 0);
+}
+
+TEST(Screen, PalettesReadBackAndAreSelectedInTurn) {
+    const Canvas canvas(1, 1);
+    const struct {
+        LOGPALETTE front;
+        PALETTEENTRY others[2];
+    } colors{{0x300, 3, {{1, 2, 3, 0}}}, {{4, 5, 6, 0}, {7, 8, 9, 0}}};
+    const HPALETTE palette = CreatePalette(&colors.front);
+    WORD count = 0;
+    EXPECT_EQ(GetObjectA(palette, sizeof count, &count), 2);
+    EXPECT_EQ(count, 3);
+    PALETTEENTRY entries[9]{};
+    EXPECT_EQ(GetPaletteEntries(palette, 1, 9, entries), 2U);
+    EXPECT_EQ(entries[1].peGreen, 8);
+    EXPECT_EQ(GetPaletteEntries(palette, 3, 9, entries), 0U);
+    const HPALETTE earlier = SelectPalette(canvas.screen, palette, FALSE);
+    EXPECT_EQ(RealizePalette(canvas.screen), 0U);
+    EXPECT_EQ(SelectPalette(canvas.screen, earlier, FALSE), palette);
+    EXPECT_TRUE(DeleteObject(palette));
+}
+
 TEST(Screen, ABitmapIsSelectedIntoOneContextAtATime) {
     Canvas one(3, 3), two(3, 3);
     EXPECT_EQ(SelectObject(one.context, one.bitmap), one.bitmap);
@@ -78,9 +121,11 @@ TEST(Screen, RectanglesFillFromLeftAndTopInToRightAndBottomOut) {
         }
     }
     EXPECT_TRUE(DeleteObject(brush));
-    const Canvas canvas(1, 1);
-    FillRect(canvas.context, &rows[1].rectangle, reinterpret_cast<HBRUSH>(ULONG_PTR{COLOR_HIGHLIGHT + 1}));
-    EXPECT_EQ(GetPixel(canvas.context, 0, 0), GetSysColor(COLOR_HIGHLIGHT));
+    const Canvas canvas(9, 9);
+    RECT pixel;
+    EXPECT_TRUE(SetRect(&pixel, 5, 6, 7, 8));
+    FillRect(canvas.context, &pixel, reinterpret_cast<HBRUSH>(ULONG_PTR{COLOR_HIGHLIGHT + 1}));
+    EXPECT_EQ(GetPixel(canvas.context, 6, 7), GetSysColor(COLOR_HIGHLIGHT));
 }
 
 HBITMAP decode(HDC context, const PackedBitmap& packed) {
@@ -103,6 +148,9 @@ TEST(Screen, BitmapsOfEveryDepthDecodeInBothDirections) {
     Canvas monochrome(decode(nullptr, bent));
     EXPECT_EQ(measures(monochrome.bitmap), (std::vector<LONG>{3, 2, 1}));
     auto& header = *reinterpret_cast<BITMAPINFOHEADER*>(bent.described.data());
+    const HBITMAP blank = CreateDIBitmap(target.screen, &header, 0, nullptr, nullptr, DIB_RGB_COLORS);
+    EXPECT_EQ(pixelsOf(blank), std::vector<COLORREF>(9, 0)) << "without pixels";
+    EXPECT_TRUE(DeleteObject(blank));
     header.biBitCount = 7;
     EXPECT_EQ(decode(target.screen, bent), nullptr);
     header.biBitCount = 4;
@@ -129,7 +177,8 @@ TEST(Screen, GlobalMemoryCountsItsLocks) {
 
 TEST(Screen, ResourcesAreFoundByNumberAndByText) {
     const auto module = reinterpret_cast<HINSTANCE>(ULONG_PTR{0x5000});
-    tarn::addResource(module, 10, 101, "bytes", 5);
+    for (const char* content : {"an old one", "bytes"})
+        tarn::addResource(module, 10, 101, content, static_cast<std::uint32_t>(std::strlen(content)));
     const HRSRC found = FindResourceA(module, "#101", MAKEINTRESOURCEA(10));
     EXPECT_EQ(found, FindResourceA(module, MAKEINTRESOURCEA(101), "#10"));
     const auto* bytes = static_cast<const char*>(LockResource(LoadResource(module, found)));
@@ -140,6 +189,9 @@ TEST(Screen, ResourcesAreFoundByNumberAndByText) {
     }
     EXPECT_EQ(FindResourceA(nullptr, "#101", "#10"), nullptr);
     EXPECT_EQ(GetLastError(), ERROR_RESOURCE_TYPE_NOT_FOUND);
+    EXPECT_FALSE(FreeResource(found)) << "nothing has to be freed";
+    EXPECT_EQ(LoadBitmapA(module, "#101"), nullptr) << "another type";
+    EXPECT_EQ(GetLastError(), ERROR_RESOURCE_NAME_NOT_FOUND);
     tarn::removeResources(module);
     EXPECT_EQ(LockResource(found), nullptr);
 }

@@ -37,6 +37,8 @@ TEST(Bitmap, GradientsOfEveryHeightHaveTheirBands) {
         for (int y = 0; y < height; ++y) colors.push_back(bandColor(height, height - 1 - y));
         ASSERT_EQ(pixelsOf(bitmap.bitmap), colors) << height;
     }
+    bitmap.bitmapMOLT(0, 1, 1, 0, nullptr, nullptr);
+    EXPECT_EQ(bitmap.height, 420) << "nothing happens without a manager";
 }
 
 #if !defined(_WIN32)
@@ -95,6 +97,10 @@ TEST(Bitmap, MasksAreReadWhereverTheyAre) {
         packed.bytes.resize(48);
         expectPixels(packed, {}, "masks cut");
     }
+    PackedBitmap deep(32, 1, 1);  // ten bits of red, ten of green and none of blue
+    deep.bytes.resize(56);
+    deep.setWords(4, {BI_BITFIELDS, 0, 0, 0, 0, 0, 0x3FF00000, 0xFFC00, 0, 513U << 20 | 0xFFFFF});
+    expectPixels(deep, {RGB(128, 255, 0)}, "wide masks");
 }
 
 TEST(Bitmap, TheColorTableIsBehindALongerHeader) {
@@ -103,6 +109,18 @@ TEST(Bitmap, TheColorTableIsBehindALongerHeader) {
     packed.setWords(0, {108});
     packed.bytes.insert(packed.bytes.begin() + 40, 68, 0xEE);
     expectPixels(packed, pixels, "long header");
+}
+
+TEST(Bitmap, EntriesThatAShortTableLeavesOutAreBlack) {
+    PackedBitmap packed(4, 3, 1);
+    packed.setWords(8, {2});
+    packed.bytes.resize(52);
+    packed.bytes[48] = 0x01;
+    packed.bytes[49] = 0x20;
+    const Resource resource(packed.bytes);
+    const tarnBitmap bitmap(module, 300, 0);
+    EXPECT_EQ(pixelsOf(bitmap.bitmap),
+              (std::vector{packed.tableColor(0), packed.tableColor(1), RGB(0, 0, 0)}));
 }
 
 // A packed bitmap of 4 x 3 pixels whose pixels are these runs.
@@ -167,18 +185,22 @@ TEST(Bitmap, CutResourcesGiveNoneAndBentOnesAreNotReadOutside) {
     }
 }
 
+using Size = std::array<std::int32_t, 2>;
+
+Size sizeOf(tarnBitmap& bitmap) {
+    Size size{-7, -7};
+    bitmap.getSize(size[0], size[1]);
+    return size;
+}
+
 TEST(Bitmap, ASizeThatIsUnknownIsReadFromTheBitmap) {
-    std::int32_t width = -7, height = -7;
-    tarnBitmap().getSize(width, height);
-    EXPECT_EQ(width, -7);
-    EXPECT_EQ(height, -7);
+    const Manager manager;
     const Resource resource(PackedBitmap(8, 37, 6).bytes);
-    for (const int usePalette : {0, 1}) {
-        tarnBitmap bitmap(module, 300, usePalette);
-        bitmap.getSize(width, height);
-        EXPECT_EQ(width, 37);
-        EXPECT_EQ(height, 6);
-    }
+    tarnBitmap none, empty(manager.screen, 5, 4, 77), system(module, 300, 0), own(module, 300, 1);
+    EXPECT_EQ(sizeOf(none), (Size{-7, -7}));
+    EXPECT_EQ(sizeOf(empty), (Size{5, 4}));
+    EXPECT_EQ(empty.resourceId, 77);
+    for (tarnBitmap* const loaded : {&system, &own}) EXPECT_EQ(sizeOf(*loaded), (Size{37, 6}));
 }
 
 #endif

@@ -58,6 +58,17 @@ TEST(MenuText, EveryFormOfTheGrammarGivesItsTree) {
     EXPECT_EQ(treeOf(*tarnMenuParser().getMenuDef(nullptr, 1)), popup(std::nullopt, -1));
 }
 
+TEST(MenuText, TokensOfASecondTextFollowThoseOfTheFirst) {
+    tarnParser parser;
+    char first[] = " a b ,\t,c", second[] = "d\n";
+    const _link* const head = parser.parseTokens(first);
+    for (char* const text : {second, static_cast<char*>(nullptr)}) EXPECT_EQ(parser.parseTokens(text), head);
+    std::string tokens;
+    for (const _link* token = head; token != nullptr; token = token->next)
+        tokens += std::string(token->text, token->length) + ";";
+    EXPECT_EQ(tokens, "a b;c;d;");
+}
+
 TEST(MenuTree, NodesAreFoundInTheOrderOfTheText) {
     const Menu menu("P,root,0,M,Fi,1,5,a,P,Deep,2,M,File,3,9,b,M,x,4,5,c,E,M,File,6,9,d,M,S,M,Fill,7,8,e");
     const struct { std::int32_t id, number; } ids[] = {{5, 1}, {9, 3}, {8, 7}, {-1, 0}};
@@ -115,6 +126,12 @@ TEST(MenuTree, ChildrenKeepTheirOrderWhileTheArrayGrowsAndOneIsReplaced) {
     root.replaceChild(second, third);
     EXPECT_EQ(root.getChild(1), third);
     root.replaceChild(third, second);
+    const Menu other("P,b,2,M,S");
+    tarnMenuDef* const moved = other.root->children[--other.root->childCount];
+    root.addChild(moved);
+    root.addChild(nullptr);
+    EXPECT_EQ(root.childCount, 51);
+    EXPECT_EQ(root.getChild(50), moved);
 }
 
 #if !defined(_WIN32)
@@ -123,7 +140,7 @@ TEST(MenuTree, DeepAndWideTreesCostTheirNodesAlone) {
     const std::int32_t before = tarn::openHandles();
     for (const char* piece : {"P,a,1,", "M,S,", "M,a,1,2,b,", "P,a,1,M,S,E,", "P,a,1,M,S,"}) {
         std::string text = "P,root,0,";
-        for (int i = 0; i < 200'000; ++i) text += piece;
+        for (int i = 0; i < 100'000; ++i) text += piece;
         const Menu menu(text + "M,a,1,77,b");
         menu.root->createMenu();
         EXPECT_NE(menu.root->find(77), nullptr) << piece;

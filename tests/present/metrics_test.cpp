@@ -23,13 +23,20 @@ TEST(Metrics, FieldsAreInOrderAndHoldTheSystemsValues) {
 
 #if !defined(_WIN32)
 
-TEST(Metrics, OnlyAScreenOfUpTo256ColorsHasAPalette) {
-    tarn::ScreenDescription screen = tarn::classicScreen();
-    for (const std::int32_t colors : {-1, 0, 16}) {
-        screen.numColors = colors;
-        tarn::setScreen(&screen);
-        EXPECT_EQ(tarnMetrics().paletteDisplay, colors >= 0 ? 1 : 0) << colors;
-    }
+TEST(Metrics, ASnapshotChangesWhenItIsReadAgain) {
+    tarnMetrics metrics;
+    EXPECT_EQ(metrics.paletteDisplay, 0);
+    tarn::ScreenDescription screen{};  // numColors is 0
+    screen.metrics[SM_CXSCREEN] = 640;
+    screen.colors[COLOR_WINDOW] = 7;
+    tarn::setScreen(&screen);
+    metrics.sysColorChange();
+    EXPECT_EQ(metrics.clrWindow, 7U);
+    EXPECT_EQ(metrics.cxScreen, 1920);
+    metrics.init();
+    EXPECT_EQ(metrics.cxScreen, 640);
+    EXPECT_EQ(metrics.paletteDisplay, 1);
+    EXPECT_EQ(metrics.osKind, 1);
     tarn::setScreen(nullptr);
 }
 
@@ -38,11 +45,14 @@ TEST(Metrics, EachSystemHasItsKind) {
         std::int32_t platform, version, kind;
     } rows[] = {{0, 3, 4}, {1, 4, 3}, {1, 9, 3}, {2, 4, 1}, {2, 5, 0}, {2, 0, 0}, {3, 4, 0}, {2, 3, 2}};
     tarn::ScreenDescription screen{};
+    screen.metrics[SM_CYCAPTION] = 30;
+    screen.metrics[SM_CYSMCAPTION] = 20;
     for (const auto& each : rows) {
         screen.platformId = each.platform;
         screen.majorVersion = each.version;
         tarn::setScreen(&screen);
         EXPECT_EQ(tarnMetrics().osKind, each.kind) << each.platform << ' ' << each.version;
+        EXPECT_EQ(tarnMetrics().cySmallCaption, each.kind == 2 ? 30 : 20) << each.kind;
     }
     tarn::setScreen(nullptr);
 }

@@ -1,6 +1,9 @@
 // Print items: present/print_data.cpp.
 
 #include "present/print_data.h"
+
+#include <ctime>
+
 #include "tests/values.h"
 
 namespace {
