@@ -87,7 +87,7 @@ std::string settlement(const std::string& date, std::int32_t count, int fourDigi
 
 TEST(Settlement, CountDiffersFromAWalkDayByDay) {
     std::mt19937 random(3);
-    for (int round = 0; round < 5000 && !HasFailure(); ++round) {
+    for (int round = 0; round < 1500 && !HasFailure(); ++round) {
         const sys_days start = sys_days(year(1996) / 6 / 1) + days(random() % 1950);
         const int longest = round % 4 == 0 ? 1500 : 12;
         const int count = static_cast<int>(random()) % longest;
@@ -103,7 +103,7 @@ TEST(Settlement, UnusualTextOrEndOfTheCalendarIsReadOtherwise) {
     EXPECT_EQ(settlement("01/01/91", 0), "01/01/1991");
     EXPECT_EQ(settlement("01/01/9", 0), "01/01/0209");
     EXPECT_EQ(settlement("01/01/", 0), "01/01/0020");
-    EXPECT_EQ(settlement("02/31/99", 1), "03/01/1999");  // a day that its month hasn't
+    EXPECT_EQ(settlement("02/31/99", 1), "03/01/1999");  // a day that its month doesn't have
     EXPECT_EQ(settlement("04/31/99", -1), "04/30/1999");
     EXPECT_EQ(settlement("02/00/99", 1), "02/01/1999");
     EXPECT_EQ(settlement("02/-9/99", -1), "01/29/1999");
