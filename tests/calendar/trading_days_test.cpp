@@ -25,9 +25,8 @@ TEST(TradingDays, DayOfTwoCenturiesIsMisjudged) {
             ASSERT_EQ(isValidDate(text.c_str()), date.ok() && y >= 1900) << text;
             ASSERT_EQ(isValidTradeDate(text.c_str()), trades(date)) << text;
             if (y >= 1970 && y <= 2097 && date.ok()) {
-                PKDATE packed{};
-                packed.value =
-                    static_cast<std::uint16_t>((y - 1970) << 9 | monthAndDay / 33 << 5 | monthAndDay % 33);
+                const unsigned fields = monthAndDay / 33 << 5 | monthAndDay % 33;
+                const PKDATE packed{static_cast<std::uint16_t>((y - 1970) * 512 + static_cast<int>(fields))};
                 ASSERT_EQ(DateToJulian(packed), 2440588 + sys_days(date).time_since_epoch().count()) << text;
             }
         }
