@@ -25,9 +25,8 @@ TEST(TradingDays, DayOfTwoCenturiesIsMisjudged) {
             ASSERT_EQ(isValidDate(text.c_str()), date.ok() && y >= 1900) << text;
             ASSERT_EQ(isValidTradeDate(text.c_str()), trades(date)) << text;
             if (y >= 1970 && y <= 2097 && date.ok()) {
-                PKDATE packed{};
-                packed.value =
-                    static_cast<std::uint16_t>((y - 1970) << 9 | monthAndDay / 33 << 5 | monthAndDay % 33);
+                const unsigned fields = monthAndDay / 33 << 5 | monthAndDay % 33;
+                const PKDATE packed{static_cast<std::uint16_t>((y - 1970) * 512 + static_cast<int>(fields))};
                 ASSERT_EQ(DateToJulian(packed), 2440588 + sys_days(date).time_since_epoch().count()) << text;
             }
         }
@@ -87,7 +86,7 @@ std::string settlement(const std::string& date, std::int32_t count, int fourDigi
 
 TEST(Settlement, CountDiffersFromAWalkDayByDay) {
     std::mt19937 random(3);
-    for (int round = 0; round < 5000 && !HasFailure(); ++round) {
+    for (int round = 0; round < 1500 && !HasFailure(); ++round) {
         const sys_days start = sys_days(year(1996) / 6 / 1) + days(random() % 1950);
         const int longest = round % 4 == 0 ? 1500 : 12;
         const int count = static_cast<int>(random()) % longest;
@@ -103,7 +102,7 @@ TEST(Settlement, UnusualTextOrEndOfTheCalendarIsReadOtherwise) {
     EXPECT_EQ(settlement("01/01/91", 0), "01/01/1991");
     EXPECT_EQ(settlement("01/01/9", 0), "01/01/0209");
     EXPECT_EQ(settlement("01/01/", 0), "01/01/0020");
-    EXPECT_EQ(settlement("02/31/99", 1), "03/01/1999");  // a day that its month hasn't
+    EXPECT_EQ(settlement("02/31/99", 1), "03/01/1999");  // a day that its month doesn't have
     EXPECT_EQ(settlement("04/31/99", -1), "04/30/1999");
     EXPECT_EQ(settlement("02/00/99", 1), "02/01/1999");
     EXPECT_EQ(settlement("02/-9/99", -1), "01/29/1999");

@@ -66,11 +66,11 @@ TEST(PriceChanges, PercentIsOfAnotherPriceOrForm) {
         {"1.0000009", "1", 2, " ", "+111111111.10"},
         {"1", "1.0000009", 2, " ", "+-111111211.10"},
     };
-    for (const auto& [price, change, decimals, percent, signedPercent] : rows) {
+    for (const auto& each : rows) {
         char text[40];
-        EXPECT_STREQ(percentChange(text, decimals, price, change), percent);
-        tarntest::inCLocale([&] { return asPercentChange(text, "%.2f", price, change); });
-        EXPECT_STREQ(text, signedPercent);
+        EXPECT_STREQ(percentChange(text, each.decimals, each.price, each.change), each.percent);
+        tarntest::inCLocale([&] { return asPercentChange(text, "%.2f", each.price, each.change); });
+        EXPECT_STREQ(text, each.signedPercent) << each.price << ", " << each.change;
     }
     char buffer[] = "4/2";
     EXPECT_EQ(asReducedFraction(buffer, buffer), buffer);

@@ -61,32 +61,32 @@ TEST(NumericText, CharactersAreMiscounted) {
 }
 
 TEST(NumericText, DecimalsAreCutOrFilledUpWrongly) {
-    EXPECT_EQ(changed(stripTrailDecimal, "12.3456", 2), "12.34");
-    EXPECT_EQ(changed(stripTrailDecimal, "12.34", 0), "12.");
+    EXPECT_EQ(changed(stripTrailDecimal, "12.3456", 2U), "12.34");
+    EXPECT_EQ(changed(stripTrailDecimal, "12.34", 0U), "12.");
     EXPECT_EQ(changed(stripTrailDecimal, "1.5", 4'000'000'000U), "1.5");
-    EXPECT_EQ(changed(stripTrailDecimalZeros, "  12.500", 7), "12.5");
-    EXPECT_EQ(changed(stripTrailDecimalZeros, " 120", 7), "120");
-    EXPECT_EQ(changed(stripTrailDecimalZeros, ".000", 7), "");
-    EXPECT_EQ(changed(stripTrailDecimalZeros, "12.50 ", 7), "12.50 ");
+    EXPECT_EQ(changed(stripTrailDecimalZeros, "  12.500", 7U), "12.5");
+    EXPECT_EQ(changed(stripTrailDecimalZeros, " 120", 7U), "120");
+    EXPECT_EQ(changed(stripTrailDecimalZeros, ".000", 7U), "");
+    EXPECT_EQ(changed(stripTrailDecimalZeros, "12.50 ", 7U), "12.50 ");
     EXPECT_EQ(changed(stripLeadZeros, " 0 0.5"), ".5");
-    EXPECT_EQ(written(formatStringToFloat, "12", 2), "12");
-    EXPECT_EQ(written(formatStringToFloat, "1.005", 2), "1.00");
-    EXPECT_EQ(written(formatStringToFloat, "1.5/2", 3), "1.5/2");
+    EXPECT_EQ(written(formatStringToFloat, "12", 2U), "12");
+    EXPECT_EQ(written(formatStringToFloat, "1.005", 2U), "1.00");
+    EXPECT_EQ(written(formatStringToFloat, "1.5/2", 3U), "1.5/2");
     EXPECT_EQ(written(formatStringToFloat, "1.5", 4'000'000'000U), "1.5" + std::string(1073, '0'));
 }
 
 TEST(NumericText, DroppedHalfIsRoundedOtherwise) {
-    EXPECT_EQ(written(formatStringToFloatWithRounding, "12", 2), "12.00");
-    EXPECT_EQ(written(formatStringToFloatWithRounding, "0.5", 0), "1");
-    EXPECT_EQ(written(formatStringToFloatWithRounding, "1.005", 2),
+    EXPECT_EQ(written(formatStringToFloatWithRounding, "12", 2U), "12.00");
+    EXPECT_EQ(written(formatStringToFloatWithRounding, "0.5", 0U), "1");
+    EXPECT_EQ(written(formatStringToFloatWithRounding, "1.005", 2U),
               "1.01");  // just what 1 and 0.005 add up to
-    EXPECT_EQ(written(formatStringToFloatWithRounding, "0.15", 1),
+    EXPECT_EQ(written(formatStringToFloatWithRounding, "0.15", 1U),
               "0.1");  // 0.1 and 0.05 add up to a bit more
-    EXPECT_EQ(written(formatStringToFloatWithRounding, "-1.125", 2), "-1.12");
+    EXPECT_EQ(written(formatStringToFloatWithRounding, "-1.125", 2U), "-1.12");
     EXPECT_EQ(written(formatStringToFloatWithRounding, "1.5", 4'000'000'000U),
               "1.5" + std::string(1073, '0'));
-    EXPECT_EQ(written(formatStringToFloatWithRounding, "n/a", 3), "n/a");
-    EXPECT_EQ(written(formatStringToFloatWithRounding, "", 3), "");
+    EXPECT_EQ(written(formatStringToFloatWithRounding, "n/a", 3U), "n/a");
+    EXPECT_EQ(written(formatStringToFloatWithRounding, "", 3U), "");
 }
 
 std::string shown(const tarntest::Owned& value) {

@@ -60,7 +60,6 @@ TEST(PatternedText, FormTakesAnotherCharacter) {
     EXPECT_EQ(written(fmtToTaxId, "123456789"), "123-45-6789");
     EXPECT_EQ(written(fmtToPhoneNumber, "5551234"), "555-1234");
     EXPECT_EQ(written(fmtToPhoneNumber, "2125551234"), "(212) 555-1234");
-    EXPECT_EQ(written(fmtToPhoneNumber, "12345678"), "12345678");
     EXPECT_EQ(written(formatStringToDate, "113019991234"), "11/30/1999");
     EXPECT_EQ(written(formatStringToDate, "abcd"), "ab/cd");
     EXPECT_EQ(written(formatStringToDate, ""), " ");
@@ -69,6 +68,8 @@ TEST(PatternedText, FormTakesAnotherCharacter) {
     EXPECT_EQ(fmtToTaxId("123456789", target), 1);
     EXPECT_EQ(fmtToTaxId("1234567890", target), 0);
     EXPECT_EQ(fmtToPhoneNumber("2125551234", target), 1);
+    EXPECT_EQ(fmtToPhoneNumber("12345678", target), 0);
+    EXPECT_STREQ(target, "(212) 555-1234");
 }
 
 std::string newText(char* text) {
@@ -89,10 +90,22 @@ TEST(TextTools, AnotherCharacterIsTaken) {
     char text[] = "ab\n";
     EXPECT_EQ(removeNewline(text), 1);
     EXPECT_EQ(removeNewline(text), 0);
-    EXPECT_STREQ(getInduSymFromID(452), "SP__RA");
-    EXPECT_STREQ(getInduSymFromID(203), "SP__CJ");
+}
+
+// Sums over the vendor's list: of the ids, and of each times its symbol's last two letters taken as a number.
+TEST(IndustrySymbols, IdOrSymbolIsMisspelt) {
+    std::int64_t ids = 0;
+    std::int64_t spelling = 0;
+    for (int id = 0; id < 1000; ++id) {
+        const char* const symbol = getInduSymFromID(id);
+        if (symbol == nullptr) continue;
+        EXPECT_EQ(std::string(symbol, 4), "SP__");
+        ids += id;
+        spelling += id * (symbol[4] * 256 + symbol[5]);
+    }
+    EXPECT_EQ(ids, 35018);
+    EXPECT_EQ(spelling, 690'723'414);
     EXPECT_STREQ(getInduSymFromID(-1), "SP__PH");  // the first of those without an id
-    EXPECT_EQ(getInduSymFromID(111), nullptr);
 }
 
 std::string timeAt(int hour, void (*write)(char*, int), int twelveHour) {
