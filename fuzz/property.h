@@ -1,10 +1,10 @@
 #pragma once
 
 // What the fuzz targets share: properties that have to hold, the input taken apart, the memory that a call
-// may take, and files in memory.
+// takes, and files in memory.
 //
-// No standard stream, map or list stands here or in a target that runs under the memory sanitizer: their code
-// is in the standard library, which isn't instrumented, and what it writes would count as uninitialised.
+// No standard stream, map or list may be used here or in a target that runs under the memory sanitizer: their
+// code is in the standard library, which isn't instrumented, and what it writes would count as uninitialised.
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -31,7 +31,7 @@
 
 #include <charconv>
 
-// Stands in the place of std::to_chars for doubles (fuzz/CMakeLists.txt) and tells what that has written.
+// Takes the place of std::to_chars for doubles (fuzz/CMakeLists.txt) and marks what that has written.
 extern "C" {
 std::to_chars_result __real__ZSt8to_charsPcS_dSt12chars_formati(char*, char*, double, std::chars_format, int);
 [[gnu::used]] inline std::to_chars_result __wrap__ZSt8to_charsPcS_dSt12chars_formati(char* first, char* last,
@@ -56,8 +56,6 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 namespace tarnfuzz {
 
-constexpr std::size_t longestInput = 4096;
-
 inline void require(bool holds, const char* property) {
     if (holds) return;
     std::fprintf(stderr, "violated: %s\n", property);
@@ -67,16 +65,27 @@ inline void require(bool holds, const char* property) {
 // Two texts that have to be equal; what they are from the first difference on is shown if they aren't.
 inline void requireSame(std::string_view answer, std::string_view expected, const char* property) {
     if (answer == expected) return;
-    const auto show = [&](const char* title, std::string_view text) {
-        const auto same = std::mismatch(answer.begin(), answer.end(), expected.begin(), expected.end()).first;
-        std::fprintf(stderr, "%s", title);
+    const auto same = std::mismatch(answer.begin(), answer.end(), expected.begin(), expected.end()).first;
+    for (const std::string_view text : {answer, expected}) {
+        std::fprintf(stderr, text.data() == answer.data() ? "answer:   " : "expected: ");
         for (const char c : text.substr(static_cast<std::size_t>(same - answer.begin()), 100))
             std::fprintf(stderr, c >= ' ' && c <= '~' ? "%c" : "\\x%02x", static_cast<unsigned char>(c));
         std::fprintf(stderr, "\n");
-    };
-    show("answer:   ", answer);
-    show("expected: ", expected);
+    }
     require(false, property);
+}
+
+// As the library reads whole numbers.
+inline std::int32_t wholeNumber(const std::string& text) {
+    const long long number = std::strtoll(text.c_str(), nullptr, 10);
+    return static_cast<std::int32_t>(std::clamp<long long>(number, INT32_MIN, INT32_MAX));
+}
+
+// As strtod; some libraries keep the sign of a number that isn't there.
+inline double decimal(const std::string& text) {
+    char* end = nullptr;
+    const double number = std::strtod(text.c_str(), &end);
+    return end == text.c_str() ? 0.0 : number;
 }
 
 // Both numbers, or neither, and the same bits but for the sign of what is no number.
@@ -84,11 +93,10 @@ inline bool sameNumber(double a, double b) {
     return (a != a && b != b) || std::memcmp(&a, &b, sizeof a) == 0;
 }
 
-// An input, taken apart from its front.  What it hasn't reads as 0 and as empty.
+// An input, taken apart from its front.  What it doesn't have reads as 0 and as empty.
 class Input {
   public:
-    Input(const std::uint8_t* data, std::size_t size)
-        : rest_(reinterpret_cast<const char*>(data), std::min(size, longestInput)) {}
+    Input(const std::uint8_t* data, std::size_t size) : rest_(reinterpret_cast<const char*>(data), size) {}
 
     [[nodiscard]] bool isEmpty() const { return rest_.empty(); }
 
@@ -103,15 +111,13 @@ class Input {
         for (unsigned shift = 0; shift < 32; shift += 8) number |= std::uint32_t{byte()} << shift;
         return number;
     }
-    // What stands in front of the next line feed, which goes as well.
-    std::string line() {
+    // The next line up to a NUL at most, without its line feed.
+    std::string text() {
         const std::size_t end = std::min(rest_.find('\n'), rest_.size());
-        std::string text(rest_.substr(0, end));
+        const std::string line(rest_.substr(0, end));
         rest_.remove_prefix(std::min(end + 1, rest_.size()));
-        return text;
+        return line.c_str();
     }
-    // As line, up to a NUL at most.
-    std::string text() { return line().c_str(); }
     std::string rest() { return std::string(std::exchange(rest_, {})); }
 
   private:
@@ -133,22 +139,22 @@ class Text {
     std::unique_ptr<char[]> block_;
 };
 
-// What is allocated from the beginning of the object on, at its highest.  Told by the sanitizers, and by the
-// operators of fuzz/replay.cpp where there is none.
+// The highest total of what is allocated at one time, from the beginning of the object on.  The sanitizers
+// report it; where there is none, the operators of fuzz/replay.cpp do.
 class MemoryWatch {
   public:
     MemoryWatch() : start_(now_) {
-        static const int installed = __sanitizer_install_malloc_and_free_hooks == nullptr
-                                         ? 0
-                                         : __sanitizer_install_malloc_and_free_hooks(onMalloc, onFree);
-        static_cast<void>(installed);
+        static const bool isInstalled = __sanitizer_install_malloc_and_free_hooks != nullptr &&
+                                        __sanitizer_install_malloc_and_free_hooks(onMalloc, onFree) != 0;
+        static_cast<void>(isInstalled);
         most_ = now_;
     }
-    // The told bound of every reader.
-    void requireWithin(std::size_t timesTheFile, std::size_t fileSize) const {
-        constexpr std::ptrdiff_t spare = 64 << 20;
-        require(most_ - start_ <= spare + static_cast<std::ptrdiff_t>(timesTheFile * fileSize),
-                "no more memory than told");
+    // The headers allow 64 MiB beside so many times the file; inputs are far too short for that to say anything.
+    //   more  what the content of the file promises, beside its size
+    void requireWithin(std::size_t timesTheFile, std::size_t fileSize, std::size_t more = 0) const {
+        constexpr std::size_t spare = 16 << 10;
+        require(most_ - start_ <= static_cast<std::ptrdiff_t>(timesTheFile * fileSize + spare + more),
+                "a reader keeps within its memory");
     }
 
     static void count(std::ptrdiff_t bytes) {
@@ -167,11 +173,10 @@ class MemoryWatch {
     std::ptrdiff_t start_;
 };
 
-// A file that nobody else sees and that goes with the process.
+// A file that nobody else sees and that is gone with the process.
 class MemoryFile {
   public:
     MemoryFile() : descriptor_(::memfd_create("fuzz", MFD_CLOEXEC)) {
-        require(descriptor_ >= 0, "a file in memory can be made");
         path_ = "/proc/self/fd/" + std::to_string(descriptor_);
     }
     MemoryFile(const MemoryFile&) = delete;
@@ -180,14 +185,14 @@ class MemoryFile {
 
     [[nodiscard]] const char* path() const { return path_.c_str(); }
     void fill(std::string_view content) const {
-        require(::ftruncate(descriptor_, 0) == 0 && ::pwrite(descriptor_, content.data(), content.size(),
-                                                             0) == static_cast<ssize_t>(content.size()),
-                "the file takes the input");
+        require(::ftruncate(descriptor_, 0) == 0, "the file is emptied");
+        const auto size = static_cast<ssize_t>(content.size());
+        require(::pwrite(descriptor_, content.data(), content.size(), 0) == size, "and takes the input");
     }
     [[nodiscard]] std::string content() const {
         std::string bytes(static_cast<std::size_t>(::lseek(descriptor_, 0, SEEK_END)), '\0');
-        require(::pread(descriptor_, bytes.data(), bytes.size(), 0) == static_cast<ssize_t>(bytes.size()),
-                "the file gives its bytes");
+        const auto size = static_cast<ssize_t>(bytes.size());
+        require(::pread(descriptor_, bytes.data(), bytes.size(), 0) == size, "the file gives its bytes");
         return bytes;
     }
 

@@ -1,15 +1,14 @@
 // A target without libFuzzer: it runs on every file of the folder that it is given, so that each compiler and
 // preset replays the seeds.
 
-#include <dirent.h>
 #include <malloc.h>
 
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <new>
 #include <string>
-#include <vector>
 
 #include "fuzz/property.h"
 
@@ -34,35 +33,17 @@ void operator delete(void* block, std::size_t) noexcept {
 
 #endif
 
-namespace {
-
-std::string contentOf(const std::string& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-}
-
-std::vector<std::string> filesOf(const std::string& folder) {
-    std::vector<std::string> files;
-    const std::unique_ptr<DIR, int (*)(DIR*)> stream(::opendir(folder.c_str()), ::closedir);
-    if (stream == nullptr) return files;
-    while (const dirent* const entry = ::readdir(stream.get())) {
-        if (entry->d_name[0] != '.') files.push_back(folder + '/' + entry->d_name);
-    }
-    std::sort(files.begin(), files.end());
-    return files;
-}
-
-}  // namespace
-
 int main(int count, char** arguments) {
-    const std::vector<std::string> files = filesOf(count == 2 ? arguments[1] : "");
-    for (const std::string& file : files) {
-        std::fprintf(stderr, "%s\n", file.c_str());
-        const std::string content = contentOf(file);
+    int seeds = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(count == 2 ? arguments[1] : ".")) {
+        std::fprintf(stderr, "%s\n", entry.path().c_str());
+        std::ifstream stream(entry.path(), std::ios::binary);
+        const std::string content{std::istreambuf_iterator<char>(stream), {}};
         // A block of just these bytes, as libFuzzer gives it.
         const tarnfuzz::Text input(content);
         LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(input.get()), content.size());
+        ++seeds;
     }
-    std::fprintf(stderr, "%zu seeds\n", files.size());
-    return files.empty() ? 1 : 0;
+    std::fprintf(stderr, "%d seeds\n", seeds);
+    return seeds == 0 ? 1 : 0;
 }

@@ -1,6 +1,8 @@
-// Scrambling by the forms that its steps come to.  Span by span a shuffle and an addition do: all spans but
-// the first two lie side by side and are independent of each other; byte 15 is in both of those, and there
-// the order counts. Block by block it takes three shuffles, but every block is loaded and stored as it lies.
+// Scrambling by the forms of scramble_forms.h.  Span by span, one shuffle and one addition are enough: all
+// spans but the first lie side by side and are independent of each other.  Byte 15 is in the first two, so
+// that the order of these counts.  Block by block it takes three shuffles, but every block is loaded and
+// stored where it lies.
+// Tests: tests/store/scramble_test.cpp.
 
 #include "store/scramble.h"
 
@@ -27,8 +29,8 @@ void moveSpans(unsigned char* data, std::size_t count, const SpanForm& form) {
     }
 }
 
-// Moves all spans, the first before or behind all the others.  It stays out of line so that short buffers
-// don't pay for it.
+// Moves all spans, the first one before all the others or behind them.  It isn't inlined, so that short
+// buffers don't pay for it.
 template <Direction direction, typename MoveSpans>
 [[gnu::noinline]] void moveSpanBySpan(unsigned char* data, std::size_t blocks, MoveSpans moveRest) {
     constexpr std::size_t secondSpan = scrambleBlock - 1;
@@ -51,18 +53,19 @@ TARN_SSSE3 inline void moveBlock(unsigned char* data, __m128i before, __m128i ow
                                  const BlockForm& form) {
     const __m128i neighbours = _mm_or_si128(_mm_shuffle_epi8(before, load(form.before.data())),
                                             _mm_shuffle_epi8(after, load(form.after.data())));
+    // A byte that comes from a neighbour is 0 here, plus what is added to it.
     const __m128i moved = _mm_add_epi8(_mm_shuffle_epi8(own, load(form.own.data())), load(form.add.data()));
-    // A byte that comes from a neighbour is so far only its addition in `moved`.
     _mm_storeu_si128(reinterpret_cast<__m128i*>(data), _mm_add_epi8(moved, neighbours));
 }
 
-// What one call stores, the next one loads in the same pieces, and no load waits for two stores to meet in
-// memory. That decides for short buffers.
+// The next call loads what this one stores in the same pieces, so that no load waits for two stores to meet
+// in memory.  For short buffers that makes the difference.
 template <Direction direction>
 TARN_SSSE3 void moveBlockByBlock(unsigned char* data, std::size_t blocks) {
     constexpr const auto& kinds = direction == Direction::scrambling ? scrambledBlocks : unscrambledBlocks;
     const BlockKind* kind = kinds.data();
-    __m128i before = _mm_setzero_si128(), own = load(data);
+    __m128i before = _mm_setzero_si128();
+    __m128i own = load(data);
     for (; blocks > 1; --blocks, data += scrambleBlock) {
         const __m128i after = load(data + scrambleBlock);
         moveBlock(data, before, own, after, kind->inner);

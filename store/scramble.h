@@ -1,6 +1,6 @@
 #pragma once
 
-// The scramble table and the form that its steps come to; users want store/file_tools.h.
+// The scramble table, and scrambling by a chosen set of vector instructions; users want store/file_tools.h.
 //
 // Threads: no shared state.
 
@@ -15,8 +15,8 @@ namespace tarn {
 constexpr std::size_t scrambleBlock = 16;
 
 // On disk: a file can only be unscrambled with the table that scrambled it.  The table has no fixed point, so
-// that every step swaps two bytes; of the tables without one it was searched for what its steps come to, the
-// properties that scramble_forms.h asserts.
+// that every step swaps two bytes; of such tables it is one whose steps together have the properties that
+// scramble_forms.h asserts.
 inline constexpr std::array<std::uint8_t, scrambleBlock> scrambleTable{6,  13, 10, 5, 2, 15, 8,  4,
                                                                        14, 1,  0,  3, 9, 7,  11, 12};
 

@@ -1,12 +1,11 @@
 #pragma once
 
-// What the steps of scrambling come to, worked out by the compiler from the table; users want
-// store/file_tools.h.
+// All steps of scrambling in one, worked out by the compiler from the table; users want store/file_tools.h.
 //
-// Each span of 16 bytes goes through sixteen steps "swap byte k and byte T[k], add T[k] to both".  No step
-// looks at a byte's value, so that any number of them moves each byte to a fixed place and adds a fixed
-// number to it.  The form of a buffer says which and how much; it is found by taking the steps over a buffer
-// of places instead of values.
+// Scrambling takes sixteen steps over each span of 16 bytes: "swap byte k and byte T[k], add T[k] to both".
+// No step looks at a byte's value, so that any number of them moves each byte to a fixed place and adds a
+// fixed number to it.  The form of a buffer has both for each place; it is found by taking the steps over a
+// buffer of places instead of values.
 //
 // Threads: constants only.
 
@@ -31,8 +30,8 @@ struct BufferForm {
     constexpr explicit BufferForm(Direction direction) {
         for (std::size_t i = 0; i < from.size(); ++i) from[i] = static_cast<std::uint8_t>(i);
         constexpr std::size_t steps = blocks * scrambleBlock;
+        const bool forward = direction == Direction::scrambling;
         for (std::size_t i = 0; i < steps; ++i) {
-            const bool forward = direction == Direction::scrambling;
             const std::size_t step = forward ? i : steps - 1 - i;
             takeStep(spanStart(step / scrambleBlock), step % scrambleBlock, forward ? +1 : -1);
         }
@@ -46,21 +45,25 @@ struct BufferForm {
 
     constexpr void takeStep(std::size_t span, std::size_t k, int sign) {
         const std::uint8_t entry = scrambleTable[k];
-        const std::size_t p = span + k, q = span + entry;
+        const std::size_t p = span + k;
+        const std::size_t q = span + entry;
         std::swap(from[p], from[q]);
         std::swap(add[p], add[q]);
-        for (const std::size_t place : {p, q})
-            add[place] = static_cast<std::uint8_t>(add[place] + sign * entry);
+        add[p] = static_cast<std::uint8_t>(add[p] + sign * entry);
+        add[q] = static_cast<std::uint8_t>(add[q] + sign * entry);
     }
 };
 
 using SpanForm = BufferForm<1>;  // span 0 alone is a buffer of one block; all other spans have the same form
 
-// How one block of a buffer comes from itself and its two neighbours: by each of the three a shuffle that
-// gives 0 where the byte comes from another one, and an addition.
+// How one block of a buffer comes from itself and its two neighbours: three shuffles, each of which gives 0
+// where a byte comes from another block, and an addition.
 struct BlockForm {
     using Lane = std::array<std::uint8_t, scrambleBlock>;
-    Lane before{}, own{}, after{}, add{};
+    Lane before{};
+    Lane own{};
+    Lane after{};
+    Lane add{};
 
     template <std::size_t blocks>
     constexpr BlockForm(const BufferForm<blocks>& buffer, std::size_t block) {
@@ -76,12 +79,13 @@ struct BlockForm {
     }
 };
 
-// The forms of a block that another one follows, and of the last one.
+// The form of a block that another one follows, and that of the last block.
 struct BlockKind {
-    BlockForm inner, last;
+    BlockForm inner;
+    BlockForm last;
 };
 
-// The kinds of block 0, block 1 and every later block: the first two are each of its own, for spans 0 and 1
+// The kinds of block 0, of block 1 and of every later block.  The first two differ because spans 0 and 1
 // overlap.
 constexpr std::array<BlockKind, 3> blockKinds(Direction direction) {
     const BufferForm<4> whole(direction);
@@ -90,7 +94,7 @@ constexpr std::array<BlockKind, 3> blockKinds(Direction direction) {
              {BlockForm(whole, 2), BlockForm(BufferForm<3>(direction), 2)}}};
 }
 
-// ------------------------------------------------------------------------------- what the table is good for
+// ------------------------------------------------------------------------------- what the table guarantees
 
 namespace scrambleproof {
 

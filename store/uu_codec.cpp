@@ -1,6 +1,7 @@
 // The codec by tables, and the rules of its pieces.  Encoding looks up two characters at a time, by 12 bits;
 // decoding looks up each of four characters already shifted to its place, so that a group is three ORs, and a
-// bit above the 24 tells that one of the four lies outside the alphabet.
+// bit above the 24 says that one of the four lies outside the alphabet.
+// Tests: tests/store/uu_codec_test.cpp.
 
 #include "store/uu_codec.h"
 
@@ -86,15 +87,9 @@ std::size_t decodeLastGroup(std::string_view text, unsigned char* target, const 
 }
 
 // Decodes one piece and answers its bytes.
-std::size_t decodeChunk(std::string_view text, unsigned char* target, bool standard, VectorLevel level) {
-    const Tables& tables = standard ? standardTables : variantTables;
+std::size_t decodeChunk(std::string_view text, unsigned char* target, const Tables& tables) {
     while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) text.remove_prefix(1);
     std::size_t bytes = 0;
-    if (level == VectorLevel::avx512) {
-        const std::size_t done = decodeGroupsByAvx512(text.data(), text.size(), target, standard);
-        bytes = done / groupCharacters * groupBytes;
-        text.remove_prefix(done);
-    }
     for (; text.size() >= groupCharacters; text.remove_prefix(groupCharacters), bytes += groupBytes) {
         const std::uint32_t bits = tables.bitsOf(text.data());
         if ((bits & outsideGroup) != 0) break;
@@ -109,12 +104,7 @@ std::size_t decodeChunk(std::string_view text, unsigned char* target, bool stand
 
 std::size_t encodeText(const unsigned char* source, std::size_t length, char* target, char padChar,
                        bool standard, VectorLevel level) {
-    std::size_t done = 0;
-    if (level == VectorLevel::avx512) {
-        done = encodeByAvx512(source, length, target, standard);
-    } else if (level == VectorLevel::avx2) {
-        done = encodeByAvx2(source, length, target, standard);
-    }
+    const std::size_t done = level >= VectorLevel::avx2 ? encodeByAvx2(source, length, target, standard) : 0;
     char* const end = encodeChunk(source + done, length - done, target + done / groupBytes * groupCharacters,
                                   padChar, standard ? standardTables : variantTables);
     *end = '\0';
@@ -124,17 +114,13 @@ std::size_t encodeText(const unsigned char* source, std::size_t length, char* ta
 std::size_t decodeText(std::string_view text, unsigned char* target, bool standard, VectorLevel level) {
     std::size_t bytes = 0;
     while (true) {
-        std::size_t clean = 0;
-        if (level == VectorLevel::avx512) {
-            clean = decodeByAvx512(text.data(), text.size(), target + bytes, standard);
-        } else if (level == VectorLevel::avx2) {
-            clean = decodeByAvx2(text.data(), text.size(), target + bytes, standard);
-        }
+        const std::size_t clean =
+            level >= VectorLevel::avx2 ? decodeByAvx2(text.data(), text.size(), target + bytes, standard) : 0;
         bytes += clean / groupCharacters * groupBytes;
         text.remove_prefix(clean);
         if (text.empty()) return bytes;
         const std::string_view piece = text.substr(0, decodedPiece);
-        bytes += decodeChunk(piece, target + bytes, standard, level);
+        bytes += decodeChunk(piece, target + bytes, standard ? standardTables : variantTables);
         text.remove_prefix(piece.size());
     }
 }

@@ -1,13 +1,14 @@
 // The codec by AVX2, 24 bytes and 32 characters at a time, after W. Muła and D. Lemire, "Faster Base64
-// Encoding and Decoding using AVX2 Instructions" (2018).  What depends on the alphabet is worked out from it
+// Encoding and Decoding using AVX2 Instructions" (2018).  Two sets of tables are worked out from the alphabet
 // by the compiler:
 //
-//   encoding   the values fall into 14 classes (A-Z, a-z, each digit, the two last characters) that have one
-//   distance
-//              from value to character each; the class comes from a saturated subtraction
-//   decoding   a character is in the alphabet if the bit of its row (high nibble) stands in the set of its
-//   column (low
-//              nibble); its value has one distance from it in each row, with column 15 a row apart
+//   encoding   The values fall into 14 classes: A-Z, a-z, each digit, and each of the two last characters.
+//              A class has one distance from value to character; a saturated subtraction finds the class.
+//   decoding   Columns are low nibbles of characters, rows high ones.  A character is in the alphabet if its
+//              column's set holds the bit of its row.  A row has one distance from character to value, but
+//              column 15, where / ? and _ are, has distances of its own.
+//
+// Tests: tests/store/uu_codec_test.cpp.
 
 #include <array>
 #include <cstdint>
@@ -22,17 +23,18 @@ namespace {
 using Lane = std::array<std::uint8_t, 16>;
 
 constexpr unsigned lastColumn = 15;
-constexpr std::uint8_t apart = 8;  // in a column's set: its distances stand 8 on.  No row has this bit
+constexpr std::uint8_t apart = 8;  // in a column's set, and no row's bit: the column has its own distances
 
 constexpr std::uint8_t bitOfRow(unsigned row) {
-    constexpr Lane bits{0, 0, 1, 2, 4, 16, 32, 64};  // no alphabet has a character below row 2 or above row 7
+    constexpr Lane bits{0, 0, 1, 2, 4, 16, 32, 64};  // both alphabets lie in rows 2 to 7
     return bits[row];
 }
 
 struct VectorTables {
-    Lane classDistances{};   // encoding
-    Lane columns{}, rows{};  // decoding: the set of a column, the bit of a row
-    Lane rowDistances{};     // decoding: by row, and by row + 8 in column 15
+    Lane classDistances{};  // encoding
+    Lane columns{};         // decoding: the set of each column
+    Lane rows{};            // the bit of each row
+    Lane rowDistances{};    // by row, and by row + 8 in column 15
 
     constexpr explicit VectorTables(std::string_view characters) {
         const auto distance = [&](std::size_t value) {
@@ -44,7 +46,8 @@ struct VectorTables {
         columns[lastColumn] = apart;
         for (std::size_t value = 0; value < alphabetSize; ++value) {
             const auto character = static_cast<unsigned char>(characters[value]);
-            const unsigned row = character >> 4, column = character & 15U;
+            const unsigned row = character >> 4;
+            const unsigned column = character & 15U;
             columns[column] = static_cast<std::uint8_t>(columns[column] | bitOfRow(row));
             rowDistances[row | (columns[column] & apart)] = static_cast<std::uint8_t>(0 - distance(value));
         }
@@ -61,8 +64,8 @@ TARN_AVX2 inline __m256i bothLanes(const Lane& lane) {
     return _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(lane.data())));
 }
 
-// The 24 bytes as 32 values of 6 bits.  Each half takes twelve bytes, which the second one finds four bytes
-// on in the sixteen that it loads, so that no byte outside the 24 is read.
+// The 24 bytes as 32 values of 6 bits.  Each half takes twelve of the sixteen bytes that it loads: the lower
+// half the first twelve, the upper one the last, so that no byte outside the 24 is read.
 TARN_AVX2 inline __m256i valuesOfBytes(const unsigned char* source) {
     const __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(source));
     const __m128i high = _mm_loadu_si128(reinterpret_cast<const __m128i*>(source + 8));

@@ -27,15 +27,9 @@ std::size_t decodeText(std::string_view text, unsigned char* target, bool standa
 
 // Encode whole groups from the front and answer how many bytes they were.
 std::size_t encodeByAvx2(const unsigned char* source, std::size_t length, char* target, bool standard);
-std::size_t encodeByAvx512(const unsigned char* source, std::size_t length, char* target, bool standard);
 
 // Decode whole pieces from the front, as long as they hold nothing but the alphabet, and answer how many
 // characters they were.
 std::size_t decodeByAvx2(const char* text, std::size_t length, unsigned char* target, bool standard);
-std::size_t decodeByAvx512(const char* text, std::size_t length, unsigned char* target, bool standard);
-
-// Decodes the groups in front of the first character outside the alphabet, within one piece, and answers how
-// many characters they were.
-std::size_t decodeGroupsByAvx512(const char* piece, std::size_t length, unsigned char* target, bool standard);
 
 }  // namespace tarn

@@ -52,15 +52,4 @@ inline std::string readable(const MenuNode& node) {
     return shown + (node.children.empty() ? ")" : "})");
 }
 
-// The tree as one short text: label#number(children), label#number=id'extra', - for a separator.
-inline std::string shape(const tarnMenuDef& node, std::string text = {}) {
-    if (node.kind == menuSeparator) return text += '-';
-    text += node.label == nullptr ? "?" : std::string(node.label, static_cast<std::size_t>(node.labelLength));
-    text += '#' + std::to_string(node.number);
-    if (node.kind == menuItem) return text += '=' + std::to_string(node.id) + '\'' + node.extra + '\'';
-    text += '(';
-    for (std::int32_t i = 0; i < node.childCount; ++i) text = shape(*node.getChild(i), std::move(text)) + ' ';
-    return text += ')';
-}
-
 }  // namespace tarnplain

@@ -45,7 +45,7 @@ inline int price(const std::string& text, double& number) {
     if (above == 0 || below == 0) return 0;
     const double fraction = above / below;
     const double whole = blank == none ? 0 : read(0);
-    number = whole < 0 ? whole - fraction : whole + fraction;
+    number = blank == none ? fraction : whole < 0 ? whole - fraction : whole + fraction;  // -0 stays
     return 1;
 }
 

@@ -29,7 +29,7 @@ struct ProfileSection {
     friend bool operator==(const ProfileSection&, const ProfileSection&) = default;
 };
 
-// All sections in the file's order.  What stands before the first one is dropped.
+// All sections in the file's order.  What comes before the first one is dropped.
 inline std::vector<ProfileSection> sectionsOf(std::string text) {
     std::replace(text.begin(), text.end(), '\r', '\n');
     std::vector<ProfileSection> sections;

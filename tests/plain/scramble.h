@@ -10,7 +10,7 @@
 
 namespace tarnplain {
 
-// The told steps, taken one by one.
+// The steps of scrambling, one by one.
 inline void scramble(std::string& data, std::size_t size) {
     for (std::size_t block = 0; block < size / 16; ++block) {
         const std::size_t span = block * 16 - (block == 0 ? 0 : 1);

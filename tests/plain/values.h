@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "base/byte_order.h"
+#include "core/number_text.h"
 #include "core/string.h"
 #include "core/variant.h"
 
@@ -40,7 +41,7 @@ struct Owned : MOLTVARIANT {
 inline Owned number(std::int32_t tag, double value) {
     Owned made;
     made.tag = tag;
-    const auto whole = static_cast<std::int32_t>(value);
+    const std::int32_t whole = tarn::cutToLong(value);
     switch (tag) {
         case tagFloat: made.payload.floatValue = static_cast<float>(value); break;
         case tagDouble: made.payload.doubleValue = value; break;

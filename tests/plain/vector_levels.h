@@ -11,8 +11,9 @@ namespace tarnplain {
 inline std::vector<tarn::VectorLevel> vectorLevels() {
     std::vector<tarn::VectorLevel> all;
     using enum tarn::VectorLevel;
-    for (const auto level : {none, ssse3, avx2, avx512})
+    for (const auto level : {none, ssse3, avx2}) {
         if (level <= tarn::vectorLevel()) all.push_back(level);
+    }
     return all;
 }
 
