@@ -14,7 +14,7 @@
 /// crosses one is too early: a caller who needs the market's real calendar has to check it elsewhere.
 ///
 /// Date text is compact, 113099 or 11301999, or slashed, 11/30/99 or 11/30/1999, the slashed forms optionally
-/// with a time: 11/30/1999 16:05:00.  Numbers in a date text are read as the C library's `%d` reads them
+/// with a time: 11/30/1999 16:05:00.  Numbers in a date text are read as the C library's sscanf reads an int
 /// (blanks and a sign in front, an end at the first other character, 0 if there is none) in every locale;
 /// what exceeds 32 bits counts as the nearest number of 32 bits.  Days are those of the Gregorian calendar,
 /// also before its introduction and before the year 1.

@@ -18,8 +18,8 @@
 /// What a value owns comes from: `text` new char[], `wideText` new char16_t[], `vector` new MOLTVARIANT*[],
 /// `blob.data` and `block` new unsigned char[]; everything else, elements and cells' values too, a plain new.
 ///
-/// Copying, measuring and releasing a value recurse into what it holds, with up to 200 bytes of stack a level in
-/// optimised code.  A file nests values 64 deep at most; a client that nests them by calls keeps to 1,000.
+/// Copying, measuring and releasing a value recurse into what it holds, with up to 200 bytes of stack a level
+/// in optimised code.  A file nests values 64 deep at most; a client that nests them by calls keeps to 1,000.
 ///
 /// Threads: no shared state; a value and the tree below it belong to one thread at a time.
 
@@ -118,7 +118,7 @@ TARN_EXPORT char* convertToString(const MOLTVARIANT* value);
 /// Answers the value through the C library's sprintf, as the one argument behind the format: an int for tags
 /// 2 and 6, a double for 4 and 5, a text for 10 and 17, for any other tag the first 32 bits of the payload as
 /// an int.  The format has to fit the tag.  The `l` of an integer conversion is left out where a long has 64
-/// bits, so that %ld, %lu and %lx show 32 bits everywhere.  The text may have any length.
+/// bits, so that it shows 32 bits everywhere.  The text may have any length.
 /// - Owner: the caller, delete[].
 /// - Bad input: NULL answers NULL.
 TARN_EXPORT char* convertToString(const MOLTVARIANT* value, const char* format);
@@ -131,9 +131,9 @@ TARN_EXPORT char* convertToString(const MOLTVARIANT* value, const char* format);
 TARN_EXPORT void convertFromString(MOLTVARIANT* value, std::int32_t tag);
 
 /// Sets the tag of a value whose payload came from 32 bits.
-/// - `type`: a tarn::FieldType (core/exception.h).  1 makes tag 2; 4, 5, 8 and 9 make tag 6 for size 1 and tag
-///   10 for any other size (the payload was a pointer to a text); 6 and 7 turn the 32-bit integer into a float
-///   or a double.  Any other code changes nothing.
+/// - `type`: a tarn::FieldType (core/exception.h).  1 makes tag 2; 4, 5, 8 and 9 make tag 6 for size 1 and
+///   tag 10 for any other size (the payload was a pointer to a text); 6 and 7 turn the 32-bit integer into a
+///   float or a double.  Any other code changes nothing.
 /// - `size`: of the field, in characters
 TARN_EXPORT void convertFromLong(MOLTVARIANT* value, std::int32_t type, std::int32_t size);
 

@@ -178,9 +178,9 @@ class TARN_EXPORT tarnEngineData : public tarnObject {
     ///   there stays.
     int loadData(const char* fileName, eLoadType mode);
 
-    /// Saves the indexed form.  Each row below `numMulti` that a column has no cell for takes 16 bytes.  Values
-    /// of tags 16, 20 and 22 have no form in a file and are saved as empty ones; so reads a vector that lies
-    /// deeper than 64 vectors.
+    /// Saves the indexed form.  Each row below `numMulti` that a column has no cell for takes 16 bytes.
+    /// Values of tags 16, 20 and 22 have no form in a file and are saved as empty ones.  Vectors nested
+    /// deeper than 64 are saved whole, but a reader takes them for empty values.
     /// - Answers 1, or 0 if the file can't be written.  A file that would become longer than loadData takes
     ///   can't, and isn't touched (tarnIndexDataFile::writeIndexDataFile has the exception).
     int saveData(const char* fileName);

@@ -201,9 +201,8 @@ TARN_LINKAGE int lstrlenA(const char* text);
 /// @name Profile files
 /// Ini files.  A path without a folder means the current folder.  Names of sections and keys are compared
 /// without the case of A to Z and without blanks at their ends.  A write replaces the file whole, under a
-/// lock that other writers wait for, and keeps every line that it doesn't change.  A write that has waited
-/// for five seconds fails with 32, ERROR_SHARING_VIOLATION.  During a write a crash leaves the old file or
-/// the new one, after it the new one.
+/// lock that other writers wait for (five seconds at most, then error 32), and keeps every line that it
+/// doesn't change.  During a write a crash leaves the old file or the new one, after it the new one.
 /// @{
 
 /// Reads a text.  NULL as section lists the sections, NULL as key the section's keys, each name with a NUL

@@ -89,13 +89,12 @@ class TARN_EXPORT tarnIndexDataFile {
     /// @name File
     /// @{
 
-    /// Saves the set.  A value that was never stored takes 16 bytes.  Values of tags 16, 20, 21 and 22 have no
-    /// form in a file and are written as empty ones; so reads a vector that lies deeper than 64 vectors.
+    /// Saves the set.  A value that was never stored takes 16 bytes.  Values of tags 16, 20, 21 and 22 have
+    /// no form in a file and are written as empty ones.  Vectors nested deeper than 64 are written whole, but
+    /// a reader takes them for empty values.
     /// - Answers 1, or 0 if the file can't be created or a write fails.  What was written until then stays;
-    ///   the old content is gone.
-    /// - Answers 0 too if the file would become longer than readIndexDataFile takes.  Nothing is touched then,
-    ///   unless it is large texts and blobs that make it so long, in more than 1,000 and fewer than 16,777,216
-    ///   values: that is noticed while they are written.
+    ///   the old content is gone.  It also answers 0, and touches nothing, if the file would become longer
+    ///   than readIndexDataFile takes.
     int writeIndexDataFile(const char* fileName);
 
     /// Replaces the set by a file's content.  Any content is safe to read:
@@ -107,9 +106,9 @@ class TARN_EXPORT tarnIndexDataFile {
     /// - A value of tag 16, 20, 21 or 22 reads as an empty value; of another tag no more than its 8 bytes are
     ///   kept.
     /// - Records may promise a million values more than the file can hold; beyond that `repeats` is cut.
-    /// - Answers 0 if the file can't be opened, can't be measured, or is longer than 4 GiB less 16 bytes (in a
-    ///   32-bit program 2 GiB less 1), and 1 in every other case, also for a file of another kind: the set is
-    ///   then empty.
+    /// - Answers 0 if the file can't be opened, can't be measured, or is longer than 4 GiB less 16 bytes (in
+    ///   a 32-bit program 2 GiB less 1), and 1 in every other case, also for a file of another kind: the set
+    ///   is then empty.
     int readIndexDataFile(const char* fileName);
     /// @}
 
