@@ -93,8 +93,9 @@ class TARN_EXPORT tarnIndexDataFile {
     /// no form in a file and are written as empty ones.  Vectors nested deeper than 64 are written whole, but
     /// a reader takes them for empty values.
     /// - Answers 1, or 0 if the file can't be created or a write fails.  What was written until then stays;
-    ///   the old content is gone.  It also answers 0, and touches nothing, if the file would become longer
-    ///   than readIndexDataFile takes.
+    ///   the old content is gone.  It also answers 0 if the file would become longer than readIndexDataFile
+    ///   takes.  Nothing is touched then, with one exception: in a set of 1,001 to 16,777,215 values that
+    ///   large texts and blobs make too long, this shows only while they are written.
     int writeIndexDataFile(const char* fileName);
 
     /// Replaces the set by a file's content.  Any content is safe to read:
