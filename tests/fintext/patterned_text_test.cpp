@@ -90,6 +90,7 @@ TEST(TextTools, AnotherCharacterIsTaken) {
     char text[] = "ab\n";
     EXPECT_EQ(removeNewline(text), 1);
     EXPECT_EQ(removeNewline(text), 0);
+    EXPECT_EQ(removeNewline(nullptr), 0);
 }
 
 // Sums over the vendor's list: of the ids, and of each times its symbol's last two letters taken as a number.
