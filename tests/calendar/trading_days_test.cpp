@@ -100,7 +100,7 @@ TEST(Settlement, UnusualTextOrEndOfTheCalendarIsReadOtherwise) {
     EXPECT_EQ(settlement("10/08/99", 1, 0), "10/12/99");
     EXPECT_EQ(settlement("01/01/90", 0), "01/01/2090");
     EXPECT_EQ(settlement("01/01/91", 0), "01/01/1991");
-    EXPECT_EQ(settlement("01/01/9", 0), "01/01/0209");
+    EXPECT_EQ(settlement("01/0119", 0), "01/01/0209");  // columns are read, and nothing between them
     EXPECT_EQ(settlement("01/01/", 0), "01/01/0020");
     EXPECT_EQ(settlement("02/31/99", 1), "03/01/1999");  // a day that its month doesn't have
     EXPECT_EQ(settlement("04/31/99", -1), "04/30/1999");
