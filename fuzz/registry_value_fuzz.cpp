@@ -2,7 +2,7 @@
 // docs/registry-folder.md takes, and what it takes is written to the same bytes.  Then the file is put into a
 // registry.
 
-#include <filesystem>
+#include <sys/stat.h>
 
 #include "base/byte_order.h"
 #include "fuzz/property.h"
@@ -13,7 +13,6 @@ namespace {
 
 using tarn::registry::RecordKind;
 using tarnfuzz::require;
-using tarnfuzz::requireSame;
 
 std::uint32_t wordAt(const std::string& bytes, std::size_t at) {
     return tarn::loadWord(reinterpret_cast<const unsigned char*>(&bytes[at]));
@@ -44,9 +43,9 @@ void checkRecord(const std::string& bytes, RecordKind kind, bool whole) {
     watch.requireWithin(16, bytes.size());
     const std::size_t nameLength = whole ? wordAt(bytes, 12) : 0;
     require(record.type == (whole ? wordAt(bytes, 8) : 77), "with its type");
-    requireSame(record.name, whole ? bytes.substr(20, nameLength) : "name", "its name");
-    requireSame(record.data, whole ? bytes.substr(20 + nameLength) : "data", "and its data");
-    if (whole) requireSame(encodeRecord(kind, record), bytes, "and is written to the same bytes");
+    tarnfuzz::requireSame(record.name, whole ? bytes.substr(20, nameLength) : "name", "its name");
+    tarnfuzz::requireSame(record.data, whole ? bytes.substr(20 + nameLength) : "data", "and its data");
+    if (whole) tarnfuzz::requireSame(encodeRecord(kind, record), bytes, "and is written to the same bytes");
 }
 
 // A registry of this process in memory, with one key "x" that holds a value "x" and a key "x"; their files
@@ -60,14 +59,14 @@ struct Registry {
         const char* const given = std::getenv("TARN_FUZZ_DATA");
         data = given != nullptr ? given : "/dev/shm/tarnutil-fuzz-" + std::to_string(::getpid());
         ::setenv("XDG_DATA_HOME", data.c_str(), 1);
-        std::filesystem::create_directory(data);
+        ::mkdir(data.c_str(), 0700);
         RegCreateKeyExA(HKEY_USERS, "x\\x", 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr);
         RegCloseKey(key);
         RegOpenKeyExA(HKEY_USERS, "x", 0, KEY_ALL_ACCESS, &key);
     }
     ~Registry() {
         RegCloseKey(key);
-        std::filesystem::remove_all(data);
+        require(std::system(("rm -r '" + data + "'").c_str()) == 0, "the folder is removed");
     }
 
     void put(RecordKind kind, const std::string& bytes) const {
@@ -98,7 +97,7 @@ void checkCalls(HKEY key, RecordKind kind, const std::string* data, DWORD room) 
     const bool hasRoom = data->size() + (kind == RecordKind::key ? 1 : 0) <= room;
     require(code == (hasRoom ? 0 : 234), "data come if there is room");
     require(count == data->size(), "with their length");
-    if (hasRoom) requireSame({buffer.get(), count}, *data, "and their bytes");
+    if (hasRoom) tarnfuzz::requireSame({buffer.get(), count}, *data, "and their bytes");
 }
 
 }  // namespace
