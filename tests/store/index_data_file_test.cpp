@@ -122,6 +122,8 @@ TEST_F(IndexDataFileTest, ValuesAreCopiedInAndTextsOut) {
     stored = &marker;
     EXPECT_EQ(file.getDataRecord(9, 0, 0, &stored), 0);
     EXPECT_EQ(stored, &marker);
+    EXPECT_EQ(file.getDataRecord(1, 0, 2, &stored), 1);
+    EXPECT_EQ(stored, nullptr);
 }
 
 TEST_F(IndexDataFileTest, EveryFormHasItsBytes) {
