@@ -1,6 +1,6 @@
 // Putting a file's content into a record.  See the header for the one idea; the difficult case is loadInsert,
-// whose outcome is that of inserting cell after cell: each new cell at row r moves every cell at r or behind it
-// up by one.  Rows come in ascending order, so a cell that a new row has passed never moves again, and the
+// whose outcome is that of inserting cell after cell: each new cell at row r moves every cell at r or behind
+// it up by one.  Rows come in ascending order, so a cell that a new row has passed never moves again, and the
 // others have moved by as many cells as came since.
 // Tests: tests/engine/record_files_test.cpp.
 

@@ -58,9 +58,10 @@ class RecordLoader {
     void reserveCells(std::int32_t id, std::int32_t cells);
 
   private:
-    // The rows of one column under loadInsert, of which `moved` have come.  Old cells before position `settled`
-    // have their final row, those behind it, up to `oldCells`, are `moved` rows short of it.  The new cells
-    // follow them; those that the rows to come may still move wait in `recent`, the highest row first.
+    // The rows of one column under loadInsert, of which `moved` have come.  Old cells before position
+    // `settled` have their final row, those behind it, up to `oldCells`, are `moved` rows short of it.  The
+    // new cells follow them; those that the rows to come may still move wait in `recent`, the highest row
+    // first.
     struct Insertion {
         struct NewCell {
             std::int32_t position;

@@ -1,6 +1,6 @@
 // Writing an indexed data file in one pass.  The index block is in front of the values but needs their
 // lengths, so it is written first with offsets of 0 and once more, over itself, when the values are out.
-// Everything goes through one chunk of memory; only a payload larger than that is written by itself.
+// Everything passes through one chunk of memory; only a payload larger than that is written by itself.
 // Tests: tests/store/index_data_file_test.cpp.
 
 #include "store/index_file_writer.h"

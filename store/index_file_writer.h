@@ -83,8 +83,9 @@ class IndexFileWriter {
     std::unique_ptr<unsigned char[]> buffer_;
 };
 
-// Adding up the lengths of all values costs a third of a save.  It is worth that where their number alone makes
-// a long file, and nothing where they are few; else a file becomes too long by large texts and blobs alone.
+// Adding up the lengths of all values costs a third of a save.  It is worth that where their number alone
+// makes a long file, and costs nothing where they are few; else large texts and blobs alone make a file too
+// long.
 bool isWorthMeasuring(const std::vector<_IndexRecord>& index);
 
 // Writes a whole file, but none longer than a reader takes.  `putValues` gives the measure or the writer that

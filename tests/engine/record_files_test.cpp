@@ -88,7 +88,8 @@ TEST_F(RecordFilesTest, ATextFileIsReadAsFarAsItIsInOrder) {
         expectLoaded(loadReplace, 1, each.content, each.answer, each.left, each.rows);
 }
 
-// Inserting cell after cell is another way to the same record, also where columns have gaps and recur in a row.
+// Inserting cell after cell is another way to the same record, also where columns have gaps and recur in a
+// row.
 TEST_F(RecordFilesTest, InsertedRowsEndWhereInsertingOneByOneEnds) {
     std::mt19937 random(9);
     const auto below = [&](unsigned limit) { return static_cast<std::int32_t>(random() % limit); };

@@ -11,7 +11,7 @@ namespace {
 using namespace tarntest;
 using namespace std::string_literals;
 
-// ----------------------------------------------------------------------------- a file's bytes, piece by piece
+// --------------------------------------------------------------------------- a file's bytes, piece by piece
 
 std::string word(std::uint32_t number) {
     std::string bytes(4, '\0');
