@@ -182,7 +182,7 @@ class TARN_EXPORT tarnEngineData : public tarnObject {
     /// Values of tags 16, 20 and 22 have no form in a file and are saved as empty ones.  Vectors nested
     /// deeper than 64 are saved whole, but a reader takes them for empty values.
     /// - Answers 1, or 0 if the file can't be written.  A file that would become longer than loadData takes
-    ///   can't, and isn't touched (tarnIndexDataFile::writeIndexDataFile has the exception).
+    ///   can't: the old file stays.
     int saveData(const char* fileName);
     /// @}
 

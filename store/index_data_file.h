@@ -94,8 +94,7 @@ class TARN_EXPORT tarnIndexDataFile {
     /// a reader takes them for empty values.
     /// - Answers 1, or 0 if the file can't be created or a write fails.  What was written until then stays;
     ///   the old content is gone.  It also answers 0 if the file would become longer than readIndexDataFile
-    ///   takes.  Nothing is touched then, with one exception: in a set of 1,001 to 16,777,215 values that
-    ///   large texts and blobs make too long, this shows only while they are written.
+    ///   takes; nothing is touched then.
     int writeIndexDataFile(const char* fileName);
 
     /// Replaces the set by a file's content.  Any content is safe to read:

@@ -1,6 +1,6 @@
 // Writing an indexed data file in one pass.  The index block is in front of the values but needs their
 // lengths, so it is written first with offsets of 0 and once more, over itself, when the values are out.
-// Everything passes through one chunk of memory; only a payload larger than that is written by itself.
+// Everything passes through chunks of memory; only a payload larger than a chunk is written by itself.
 // Tests: tests/store/index_data_file_test.cpp.
 
 #include "store/index_file_writer.h"
@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstring>
 #include <string>
+#include <utility>
 
 #include "base/byte_order.h"
 #include "core/value_text.h"
@@ -75,14 +76,6 @@ std::uint64_t storedLength(const MOLTVARIANT* value) {
 IndexFileMeasure::IndexFileMeasure(std::size_t records)
     : length_(sizeof marker + headerSize + std::uint64_t{records} * indexRecordSize) {}
 
-bool isWorthMeasuring(const std::vector<_IndexRecord>& index) {
-    constexpr std::uint64_t few = 1000, many = std::uint64_t{1} << 24;
-    std::uint64_t values = 0;
-    for (const _IndexRecord& record : index)
-        values += static_cast<std::uint64_t>(std::max(record.repeats, 0));
-    return values <= few || values >= many;
-}
-
 void IndexFileMeasure::writeValue(const MOLTVARIANT* value) {
     length_ += storedLength(value);
 }
@@ -91,12 +84,8 @@ void IndexFileMeasure::writeEmptyValues(std::int32_t count) {
     if (count > 0) length_ += static_cast<std::uint64_t>(count) * (prefixSize + payloadSize);
 }
 
-IndexFileWriter::IndexFileWriter(const char* fileName, std::vector<_IndexRecord>& index)
-    : file_(fileName, GENERIC_WRITE, 0, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL),
-      good_(file_.isOpen()),
-      index_(index),
-      buffer_(new unsigned char[chunk]) {
-    if (!good_) return;
+IndexFileWriter::IndexFileWriter(const char* fileName, std::vector<_IndexRecord>& index, Measure measure)
+    : fileName_(fileName), index_(index), measure_(std::move(measure)), buffer_(new unsigned char[chunk]) {
     for (_IndexRecord& record : index_) record.offset = 0;
     writeIndex();
 }
@@ -120,23 +109,36 @@ void IndexFileWriter::beginRecord() {
 
 bool IndexFileWriter::finish() {
     flush();
-    good_ = good_ && SetFilePointer(file_.get(), 0, nullptr, FILE_BEGIN) == 0;
-    length_ = 0;
+    if (!file_.has_value()) createFile(held_.size() * chunk);
+    good_ = good_ && SetFilePointer(file_->get(), 0, nullptr, FILE_BEGIN) == 0;
     writeIndex();
     flush();
     return good_;
 }
 
+void IndexFileWriter::createFile(std::uint64_t length) {
+    const bool isReadable = length <= longestReadable;
+    file_.emplace(isReadable ? fileName_ : nullptr, GENERIC_WRITE, 0, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL);
+    good_ = file_->isOpen();
+    for (const Piece& piece : held_) writeOut(piece.bytes.get(), piece.size);
+    held_.clear();
+}
+
 void IndexFileWriter::writeOut(const unsigned char* bytes, std::size_t count) {
+    if (!file_.has_value()) createFile(measure_());
     DWORD written = 0;
-    length_ += count;
-    good_ = good_ && length_ <= longestReadable &&
-            WriteFile(file_.get(), bytes, static_cast<DWORD>(count), &written, nullptr) != 0 &&
+    good_ = good_ && WriteFile(file_->get(), bytes, static_cast<DWORD>(count), &written, nullptr) != 0 &&
             written == count;
 }
 
 void IndexFileWriter::flush() {
-    if (used_ != 0) writeOut(buffer_.get(), used_);
+    if (used_ == 0) return;
+    if (!file_.has_value() && held_.size() < mostHeld) {
+        held_.push_back({std::move(buffer_), used_});
+        buffer_.reset(new unsigned char[chunk]);
+    } else {
+        writeOut(buffer_.get(), used_);
+    }
     used_ = 0;
 }
 
@@ -224,7 +226,7 @@ void IndexFileWriter::writeValue(const MOLTVARIANT* value) {
 }
 
 void IndexFileWriter::writeEmptyValues(std::int32_t count) {
-    for (; count > 0; --count) writeValue(nullptr);
+    for (; count > 0 && good_; --count) writeValue(nullptr);
 }
 
 }  // namespace tarn

@@ -5,7 +5,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "core/variant.h"
@@ -31,19 +33,21 @@ class IndexFileMeasure {
 };
 
 // Call order: beginRecord before the values of each record of `index`, writeValue for each of its values,
-// finish.  After a failure, and a file that becomes longer than a reader takes is one, everything else does
-// nothing, and finish answers false.
+// finish.  After a failure everything else does nothing, and finish answers false.
+//
+// A file that would become longer than a reader takes is such a failure, and leaves what has its name untouched.
+// So the first 64 MiB are held in memory, and what becomes longer is measured before the file is created: adding
+// up all lengths costs a third of a save.
 class IndexFileWriter {
   public:
-    // Creates the file, or cuts it to nothing, and writes what is in front of the values.  `index` gives all
-    // records in order; it takes the offsets and has to outlive the writer.
-    IndexFileWriter(const char* fileName, std::vector<_IndexRecord>& index);
+    using Measure = std::function<std::uint64_t()>;
+
+    // `index` gives all records in order and takes the offsets, `measure` answers the length of the whole file.
+    // The name and the index have to outlive the writer.
+    IndexFileWriter(const char* fileName, std::vector<_IndexRecord>& index, Measure measure);
     IndexFileWriter(const IndexFileWriter&) = delete;
     IndexFileWriter& operator=(const IndexFileWriter&) = delete;
     ~IndexFileWriter() = default;
-
-    // False if the file couldn't be created: nothing was touched then.
-    [[nodiscard]] bool isOpen() const { return file_.isOpen(); }
 
     void beginRecord();
     // NULL writes an empty value.
@@ -53,6 +57,12 @@ class IndexFileWriter {
     bool finish();
 
   private:
+    // A chunk that waits for the file to be created.
+    struct Piece {
+        std::unique_ptr<unsigned char[]> bytes;
+        std::size_t size;
+    };
+
     // Room for at most a chunk in the buffer, to be filled at once.
     unsigned char* reserve(std::size_t bytes) {
         if (bytes > chunk - used_) flush();
@@ -68,35 +78,34 @@ class IndexFileWriter {
     void writeVector(const MOLTVARIANT& value);
     void writePlain(const MOLTVARIANT& value);
     void writeIndex();
+    void createFile(std::uint64_t length);
     void writeOut(const unsigned char* bytes, std::size_t count);
     void flush();
 
     static constexpr std::size_t chunk = 65536;
+    static constexpr std::size_t mostHeld = 1024;  // chunks
 
-    FileHandle file_;
-    bool good_;
+    const char* fileName_;
     std::vector<_IndexRecord>& index_;
+    Measure measure_;
+    std::optional<FileHandle> file_;  // once it is created
+    bool good_ = true;
+    std::vector<Piece> held_;
     std::size_t records_ = 0;   // begun
     std::uint32_t offset_ = 0;  // of the next value, as an index record counts it
-    std::uint64_t length_ = 0;  // of what was written
     std::size_t used_ = 0;
     std::unique_ptr<unsigned char[]> buffer_;
 };
 
-// Adding up the lengths of all values costs a third of a save.  It is worth that where their number alone
-// makes a long file, and costs nothing where they are few; else large texts and blobs alone make a file too
-// long.
-bool isWorthMeasuring(const std::vector<_IndexRecord>& index);
-
-// Writes a whole file, but none longer than a reader takes.  `putValues` gives the measure or the writer that
-// it is handed the values of all records of `index`, which takes the offsets.
+// Writes a whole file, but none longer than a reader takes.  `putValues` gives the measure or the writer that it
+// is handed the values of all records of `index`, which takes the offsets.
 template <class PutValues>
 bool writeIndexFile(const char* fileName, std::vector<_IndexRecord>& index, const PutValues& putValues) {
-    IndexFileMeasure measure(index.size());
-    if (isWorthMeasuring(index)) putValues(measure);
-    if (measure.length() > longestReadable) return false;
-    IndexFileWriter writer(fileName, index);
-    if (!writer.isOpen()) return false;
+    IndexFileWriter writer(fileName, index, [&] {
+        IndexFileMeasure measure(index.size());
+        putValues(measure);
+        return measure.length();
+    });
     putValues(writer);
     return writer.finish();
 }
