@@ -4,6 +4,7 @@
 
 #if !defined(_WIN32)
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/ptrace.h>
 #include <sys/resource.h>

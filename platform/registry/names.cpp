@@ -96,7 +96,7 @@ bool isValueEntry(std::string_view entry) {
 
 bool isKeyName(std::string_view name) {
     return !name.empty() && name.size() <= longestKeyName &&
-           name.find_first_of({"\\", 2}) == std::string_view::npos;  // with its NUL
+           name.find_first_of(std::string_view("\\\0", 2)) == std::string_view::npos;
 }
 
 std::string nameSpelledBy(std::string_view keyEntry) {

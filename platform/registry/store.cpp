@@ -2,7 +2,7 @@
 // of a key and no symbolic link is followed below a root.  A key is changed under the lock of its folder,
 // which is the temporary file of platform/files/replacement.h; who needs two locks takes the upper one first.
 //
-// Tests: tests/platform/registry_test.cpp.
+// Tests: tests/platform/registry_test.cpp, tests/faults/registry_test.cpp.
 
 #define _FILE_OFFSET_BITS 64  // file numbers beyond 32 bits also in 32-bit code
 
@@ -148,6 +148,14 @@ DWORD endKey(const Folder& key, bool isDamaged) {
     return ::unlinkat(key.number(), keyFile, 0) == 0 || errno == EISDIR ? ERROR_SUCCESS : storeError();
 }
 
+// Removes a folder in the place of a value, whose name no file could take.
+DWORD removeFolder(int folder, const std::string& entry) {
+    Descriptor opened;
+    const DWORD code = openFolder(folder, entry.c_str(), opened);
+    if (code == ERROR_SUCCESS) removeAll(folder, entry);
+    return code == ERROR_FILE_NOT_FOUND || code == ERROR_REGISTRY_CORRUPT ? ERROR_SUCCESS : code;
+}
+
 // Answers the folder of the roots, empty where the environment names no data folder.
 std::string registryPath() {
     const auto absolute = [](const char* name) {
@@ -278,10 +286,10 @@ DWORD readValue(const Folder& key, std::string_view name, Record& value) {
 
 DWORD writeValue(const Folder& key, const Record& value) {
     Replacement replacement;
-    const DWORD code = lock(replacement, key);
-    if (code != ERROR_SUCCESS) return code;
+    DWORD code = lock(replacement, key);
     const std::string entry = valueEntry(value.name);
-    if (isFolder(key.number(), entry)) removeAll(key.number(), entry);  // no file can take a folder's name
+    if (code == ERROR_SUCCESS) code = removeFolder(key.number(), entry);
+    if (code != ERROR_SUCCESS) return code;
     return storeCode(replacement.commit(entry, encodeRecord(RecordKind::value, value), nullptr));
 }
 

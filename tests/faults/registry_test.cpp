@@ -1,4 +1,4 @@
-// What the registry asks of the system, call by call: platform/registry/store.cpp, platform/registry/folders.cpp.
+// What the registry asks of the system: platform/registry/store.cpp and folders.cpp there.
 
 #include <fcntl.h>
 
@@ -30,21 +30,9 @@ int __wrap_fsync(int file) {
     calls.synchronised.push_back(fs::read_symlink("/proc/self/fd/" + std::to_string(file)));
     return through([&] { return __real_fsync(file); });
 }
-ssize_t __real_write(int file, const void* bytes, std::size_t count);
-ssize_t __wrap_write(int file, const void* bytes, std::size_t count) {
-    return through([&] { return __real_write(file, bytes, count); });
-}
 int __real_renameat(int from, const char* name, int to, const char* newName);
 int __wrap_renameat(int from, const char* name, int to, const char* newName) {
     return through([&] { return __real_renameat(from, name, to, newName); });
-}
-int __real_mkdirat(int folder, const char* name, mode_t mode);
-int __wrap_mkdirat(int folder, const char* name, mode_t mode) {
-    return through([&] { return __real_mkdirat(folder, name, mode); });
-}
-int __real_unlinkat(int folder, const char* name, int flags);
-int __wrap_unlinkat(int folder, const char* name, int flags) {
-    return through([&] { return __real_unlinkat(folder, name, flags); });
 }
 }
 

@@ -1,5 +1,5 @@
-// The registry: platform/registry/operations.cpp, store.cpp, folders.cpp, record.cpp, names.cpp and sha256.cpp
-// there, and the system's own on Windows.
+// The registry: platform/registry/operations.cpp, store.cpp, folders.cpp, record.cpp, names.cpp, sha256.cpp, and
+// the system's own on Windows.
 
 #include <functional>
 #include <numeric>
@@ -149,6 +149,7 @@ TEST_F(Registry, ValuesKeepTheirBytesAndType) {
 }
 
 TEST_F(Registry, BuffersThatAreTooSmallStayAndTheSizeIsAnswered) {
+    set("b", "abc", REG_BINARY);
     RegSetValueExA(key, "t", 0, REG_SZ, reinterpret_cast<const BYTE*>("abcX"), 3);  // no NUL behind it
     const struct {
         const char* name;
@@ -157,19 +158,17 @@ TEST_F(Registry, BuffersThatAreTooSmallStayAndTheSizeIsAnswered) {
         DWORD type, size;
         std::string buffer;
     } cases[] = {
-        {"t", 2, 234, 1, 3, "####"},
-        {"t", 3, 0, 1, 3, "abc#"},
-        {"t", 4, 0, 1, 3, "abc\0"s},
-        {"none", 4, 2, 0, 4, "####"},
+        {"t", 2, 234, 1, 3, "####"}, {"t", 3, 0, 1, 3, "abc#"},    {"t", 4, 0, 1, 3, "abc\0"s},
+        {"b", 4, 0, 3, 3, "abc#"},   {"none", 4, 2, 0, 4, "####"},
     };
     for (const auto& each : cases) {
         std::string buffer = "####";
         auto* const bytes = reinterpret_cast<BYTE*>(buffer.data());
         DWORD type = 99, size = each.room;
         EXPECT_EQ(RegQueryValueExA(key, each.name, nullptr, &type, bytes, &size), each.code) << each.room;
-        EXPECT_EQ(type, each.type) << each.room;
-        EXPECT_EQ(size, each.size) << each.room;
-        EXPECT_EQ(buffer, each.buffer) << each.room;
+        EXPECT_EQ(type, each.type) << each.name << each.room;
+        EXPECT_EQ(size, each.size) << each.name << each.room;
+        EXPECT_EQ(buffer, each.buffer) << each.name << each.room;
         EXPECT_EQ(RegQueryValueExA(key, "t", nullptr, nullptr, bytes, nullptr), 87);
     }
 }
@@ -244,20 +243,34 @@ TEST_F(Registry, NoNameLeavesTheFolderOrMeetsAnother) {
     HKEY made = key;
     EXPECT_EQ(make(key, longest, made), 87);
     EXPECT_EQ(made, nullptr);
-    const std::pair<std::string, std::string> entries[] = {
-        {std::string(200, 'l'), "v-" + std::string(200, 'l')},
-        {std::string(201, 'L'), "v-" + std::string(100, 'l') +  // with the digest that sha256sum prints
-                                    "~d8437cec2f4aac3b1c1405ba758a1896a5035f3420c386c3c6ae53c72a115979"},
-    };
-    for (const auto& [name, entry] : entries) {
-        EXPECT_EQ(set(name, "value"), 0);
-        EXPECT_TRUE(fs::exists(folder / entry)) << entry;
-    }
+    EXPECT_EQ(set(std::string(200, 'l'), ""), 0);
+    EXPECT_TRUE(fs::exists(folder / ("v-" + std::string(200, 'l'))));
+    EXPECT_EQ(set(std::string(201, 'L'), ""), 0);
+    const char* const digest =
+        "~d8437cec2f4aac3b1c1405ba758a1896a5035f3420c386c3c6ae53c72a115979";  // by sha256sum
+    EXPECT_TRUE(fs::exists(folder / ("v-" + std::string(100, 'l') + digest)));
     for (const auto& entry : fs::recursive_directory_iterator(folder)) {
         const std::string file = entry.path().filename();
         EXPECT_EQ(file[1], file == "key" ? 'e' : '-') << file;
     }
     EXPECT_EQ(std::distance(fs::directory_iterator(data.path()), {}), 1);
+}
+
+TEST_F(Registry, OnlyTheLastKeyOfAPathGetsTheClass) {
+    create(key, "Above\\Below");
+    EXPECT_EQ(contentOf(folder / "k-above/key").find("Class"), std::string::npos);
+    EXPECT_NE(contentOf(folder / "k-above/k-below/key").find("Class"), std::string::npos);
+}
+
+TEST_F(Registry, TheTimeOfTheLastWriteCountsFrom1601) {
+    const std::timespec billionSeconds{1'000'000'000, 700};  // from 1970 to 2001
+    const std::timespec times[] = {billionSeconds, billionSeconds};
+    ASSERT_EQ(::utimensat(AT_FDCWD, folder.c_str(), times, 0), 0);
+    FILETIME time{};
+    RegQueryInfoKeyA(key, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                     nullptr, &time);
+    const std::uint64_t ticks = std::uint64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime;
+    EXPECT_EQ(ticks, 116'444'736'000'000'000 + 10'000'000'000'000'007U);
 }
 
 TEST_F(Registry, AListIsNotKeptWhereTheTimeOfItsFolderShowsNoChange) {
@@ -358,7 +371,7 @@ TEST_F(Registry, AKeyIsDeletedWithAllThatIsInItsFolder) {
     fs::create_directories(folder / deep / "key");
     fs::create_directories(folder / "k-top/k-c (copy)");
     fill(folder / "k-top/k-c (copy)/key", "");
-    fill(folder / "k-top/v-v", "");
+    for (const char* file : {"k-top/v-v", "k-top/x"}) fill(folder / file, "");
     fill(data.file("notes.txt"), "someone's own");
     fs::create_directory_symlink(data.path(), folder / "k-top/k-link");
     const FewDescriptors few(64);
