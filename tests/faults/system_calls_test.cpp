@@ -3,6 +3,7 @@
 // platform/profile/operations.cpp and platform/registry/store.cpp.
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -272,6 +273,8 @@ TEST_F(SystemCalls, ACallThatFailsIsNotReportedOrLeavesNeitherTheOldContentNorTh
         const std::ptrdiff_t descriptors = openDescriptors();
         for (const int error : {EIO, EACCES, EPERM, EINVAL, ENOTSUP}) {
             failEach(error, [&](auto failing) {
+                std::error_code exists;
+                std::filesystem::create_symlink("nothing", folder.file(".client.ini.new"), exists);
                 calls.lastFailed.clear();
                 calls.log.clear();
                 tarntest::fill(saver.path, saver.old);
@@ -303,17 +306,23 @@ TEST_F(SystemCalls, TheNewNameReachesTheDiskBeforeItsContent) {
 }
 
 TEST_F(SystemCalls, ALockOfAnotherIsWaitedForLongerThanFiveSecondsOrNotAtAll) {
-    const int foreign = ::open(folder.file(".client.ini.new").c_str(), O_RDWR | O_CREAT, 0600);
-    struct flock lock {};
-    lock.l_type = F_WRLCK;
-    ASSERT_EQ(::fcntl(foreign, F_OFD_SETLK, &lock), 0);
-    calls.fakesTime = true;
-    EXPECT_EQ(ini.writeIniString("section", "key", "value"), 0);
-    EXPECT_EQ(GetLastError(), ERROR_SHARING_VIOLATION);
-    EXPECT_EQ(calls.now.tv_sec, 5);
-    EXPECT_LT(calls.now.tv_nsec, 10'000'000);
-    ::close(foreign);
-    EXPECT_EQ(ini.writeIniString("section", "key", "value"), 1);
+    const std::string name = folder.file(".client.ini.new");
+    for (const bool isLink : {false, true}) {  // which can't be locked, so its folder is
+        if (isLink) std::filesystem::create_symlink("nothing", name);
+        const int foreign =
+            isLink ? ::open(folder.path().c_str(), O_RDONLY) : ::open(name.c_str(), O_RDWR | O_CREAT, 0600);
+        struct flock lock {};
+        lock.l_type = F_WRLCK;
+        ASSERT_EQ(isLink ? ::flock(foreign, LOCK_EX) : ::fcntl(foreign, F_OFD_SETLK, &lock), 0);
+        calls.fakesTime = true;
+        calls.now = {};
+        EXPECT_EQ(ini.writeIniString("section", "key", "value"), 0);
+        EXPECT_EQ(GetLastError(), ERROR_SHARING_VIOLATION);
+        EXPECT_EQ(calls.now.tv_sec, 5);
+        EXPECT_LT(calls.now.tv_nsec, 10'000'000);
+        ::close(foreign);
+        EXPECT_EQ(ini.writeIniString("section", "key", "value"), 1);
+    }
 }
 
 }  // namespace
