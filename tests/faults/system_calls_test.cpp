@@ -23,7 +23,7 @@ struct Calls {
     bool limited = false;
     std::size_t room = 0;          // bytes that the disk has left, if it is limited
     std::vector<std::string> log;  // the calls that succeeded, by name
-    bool fakesTime = false;        // each pause is over at once, and the clock stands at its end
+    bool fakesTime = false;        // each pause is over at once, and the clock shows its end
     std::timespec now{};
 
     void failAt(long nth, int failure = EIO) {
