@@ -14,7 +14,7 @@
 namespace {
 
 struct Calls {
-    bool grudging = false;  // each call is interrupted first, and moves one byte
+    bool grudging = false;  // each call is interrupted first, and moves half of the bytes
     bool interrupted = false;
     long countdown = 0;  // the call that fails, from 1; 0 is none
     int error = EIO;
@@ -53,7 +53,7 @@ auto through(const char* name, bool interruptible, Call call) -> decltype(call()
 }
 
 std::size_t part(std::size_t bytes) {
-    return calls.grudging ? std::min<std::size_t>(bytes, 1) : bytes;
+    return calls.grudging ? (bytes + 1) / 2 : bytes;
 }
 
 }  // namespace
@@ -193,7 +193,7 @@ struct SystemCalls : tarntest::Families {
     }
 };
 
-TEST_F(SystemCalls, SingleBytesAndInterruptionsChangeTheAnswer) {
+TEST_F(SystemCalls, HalfTransfersAndInterruptionsChangeTheAnswer) {
     for (const auto& family : tarntest::families) {
         const std::string expected = family.answer(1);
         tarntest::fill(folder.file("." + std::string(tarntest::longText) + ".ini.new"), "of a dead process");
@@ -253,7 +253,8 @@ TEST_F(SystemCalls, ACallThatFailsIsNotReportedOrLeavesNeitherTheOldContentNorTh
         {"mark", {}},      // the same
         {"readlink", {}},  // no link
         {"fchown", {EPERM}},
-        {"openat64", {EACCES}},  // the folder, for its sync
+        {"openat64", {EACCES}},     // the folder, for its sync
+        {"registry openat64", {}},  // the look whether a folder is in the way
         {"fsync of the folder", {EINVAL, ENOTSUP}},
     };
     const auto isHarmless = [&](const std::string& call, int error) {
@@ -280,7 +281,8 @@ TEST_F(SystemCalls, ACallThatFailsIsNotReportedOrLeavesNeitherTheOldContentNorTh
                 tarntest::fill(saver.path, saver.old);
                 const int result = failing(saver.save);
                 SCOPED_TRACE(saver.name + " " + calls.lastFailed + " " + std::to_string(error));
-                const bool mayPass = calls.lastFailed.empty() || isHarmless(calls.lastFailed, error);
+                const bool mayPass = calls.lastFailed.empty() || isHarmless(calls.lastFailed, error) ||
+                                     isHarmless(saver.name + " " + calls.lastFailed, error);
                 EXPECT_LE(result, mayPass ? 1 : 0);
                 if (calls.lastFailed.starts_with("fsync of")) {
                     EXPECT_EQ(result, mayPass ? 1 : 0);
