@@ -6,6 +6,12 @@
 #include "tests/platform/profile.h"
 #include "tests/process.h"
 
+#if !defined(_WIN32)
+#include <fcntl.h>
+
+#include "platform/files/replacement.h"
+#endif
+
 using namespace std::string_literals;
 using tarntest::contentOf;
 using tarntest::fill;
@@ -137,7 +143,13 @@ TEST_F(ProfileFiles, LinksAndPermissionsStay) {
     fill(target, "[s]\r\n");
     std::filesystem::permissions(target, std::filesystem::perms{0640});
     std::filesystem::create_symlink("target.ini", file);
+    static_cast<void>(::chown(target.c_str(), ::geteuid(), 1));  // where the test may
+    struct stat former {};
+    struct stat now {};
+    ::stat(target.c_str(), &former);
     EXPECT_TRUE(write("s", "k", "v"));
+    ::stat(target.c_str(), &now);
+    EXPECT_EQ(now.st_gid, former.st_gid);
     EXPECT_TRUE(std::filesystem::is_symlink(file));
     EXPECT_EQ(contentOf(target), "[s]\r\nk=v\r\n");
     EXPECT_EQ(std::filesystem::status(target).permissions(), std::filesystem::perms{0640});
@@ -169,6 +181,18 @@ TEST_F(ProfileFiles, WhatIsUnderTheTemporaryNameBlocksEveryWrite) {
     EXPECT_FALSE(write("s", "k", "v"));
     EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
     EXPECT_TRUE(std::filesystem::exists(name + "/something"));
+}
+
+TEST_F(ProfileFiles, AFileAtTheLimitIsRefusedOrOneAboveItRead) {
+    for (const std::size_t limit : {5, 16384, 20000}) {  // below, at and above what is read at once
+        for (const std::size_t size : {limit, limit + 1}) {
+            std::string content = "untouched";
+            fill(file, std::string(size, 'x'));
+            const DWORD code = tarn::readWhole(AT_FDCWD, file, 0, limit, content);
+            EXPECT_EQ(code, size == limit ? ERROR_SUCCESS : ERROR_FILE_CORRUPT) << size;
+            EXPECT_EQ(content, size == limit ? std::string(size, 'x') : "untouched");
+        }
+    }
 }
 
 TEST_F(ProfileFiles, WhatIsNoFileNeitherHangsNorIsReplaced) {

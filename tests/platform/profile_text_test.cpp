@@ -41,6 +41,7 @@ TEST_F(ProfileText, ReadsAnotherLineOrAnotherPartOfIt) {
         {"[s]\r\n[t]\r\nk=v\r\n", "s", nullptr, "DEF"},
         {"\xEF\xBB\xBF[s]\r\nk=v\r\n", "s", "k", "v"},
         {"\xFF\xFE[\0s\0]\0\n\0k\0=\0\xE9\0\xAC\x20\0\4\n\0"sv, "s", "k", "\xE9\x80?"},
+        {"\xFF\xFE[\0s\0]\0\n\0k\0=\0v\0w"sv, "s", "k", "v", false},  // half a unit at the end
         {"[s]\r\n;k=v\r\n", "s", ";k", "DEF", false},
         {"[s\r\nk=v\r\n", "s", "k", "v", false},
         {"k=v\r\n[]\r\nk=w\r\n", "", "k", "w", false},

@@ -62,6 +62,7 @@ TEST_F(IniFile, ATextIsCutWronglyOrItsDefaultIsNotGiven) {
         EXPECT_EQ(ini->readIniString("s", "k", each.fallback, buffer, each.size), each.result) << each.answer;
         EXPECT_STREQ(buffer, each.answer);
     }
+    EXPECT_EQ(ini->readIniString("s", "k", "other", nullptr, 5), 0);
     char own[] = "default";
     EXPECT_EQ(ini->readIniString("s", "none", own + 2, own, 0), 0);
     EXPECT_STREQ(own, "fault");
