@@ -47,11 +47,13 @@ TEST(Menus, EntriesReadBackAsTheyWereAppended) {
     MENUITEMINFOA info{};
     info.fMask = MIIM_DATA;
     info.wID = 77;
+    info.hSubMenu = tree.root;
     for (const std::size_t size : {sizeof info, offsetof(MENUITEMINFOA, hbmpItem)}) {
         info.cbSize = static_cast<UINT>(size);
         EXPECT_TRUE(GetMenuItemInfoA(tree.root, 4, FALSE, &info));
         EXPECT_EQ(info.dwItemData, 1004U);
         EXPECT_EQ(info.wID, 77U) << "not asked for";
+        EXPECT_EQ(info.hSubMenu, nullptr) << "not asked for";
     }
     EXPECT_FALSE(GetMenuItemInfoA(tree.root, 4, TRUE, &info));
     EXPECT_EQ(GetLastError(), ERROR_MENU_ITEM_NOT_FOUND);
@@ -70,15 +72,17 @@ TEST(Menus, TextsAreGivenAsFarAsTheBufferReaches) {
         UINT length;
     } rows[] = {{9, "Open", 4}, {4, "Ope", 3}, {1, "", 0}, {0, "untouched", 4}};
     for (const auto& each : rows) {
-        char text[10] = "untouched";
-        MENUITEMINFOA info{};
-        info.cbSize = sizeof info;
-        info.fMask = MIIM_STRING;
-        info.dwTypeData = text;
-        info.cch = each.room;
-        EXPECT_TRUE(GetMenuItemInfoA(tree.root, 5, FALSE, &info));
-        EXPECT_STREQ(text, each.text);
-        EXPECT_EQ(info.cch, each.length) << each.room;
+        for (const UINT mask : {MIIM_STRING, MIIM_TYPE}) {
+            char text[10] = "untouched";
+            MENUITEMINFOA info{};
+            info.cbSize = sizeof info;
+            info.fMask = mask;
+            info.dwTypeData = text;
+            info.cch = each.room;
+            EXPECT_TRUE(GetMenuItemInfoA(tree.root, 5, FALSE, &info));
+            EXPECT_STREQ(text, each.text);
+            EXPECT_EQ(info.cch, each.length) << each.room;
+        }
     }
 }
 
