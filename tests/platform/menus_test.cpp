@@ -47,14 +47,20 @@ TEST(Menus, EntriesReadBackAsTheyWereAppended) {
     MENUITEMINFOA info{};
     info.fMask = MIIM_DATA;
     info.wID = 77;
-    info.hSubMenu = tree.root;
     for (const std::size_t size : {sizeof info, offsetof(MENUITEMINFOA, hbmpItem)}) {
         info.cbSize = static_cast<UINT>(size);
         EXPECT_TRUE(GetMenuItemInfoA(tree.root, 4, FALSE, &info));
         EXPECT_EQ(info.dwItemData, 1004U);
         EXPECT_EQ(info.wID, 77U) << "not asked for";
-        EXPECT_EQ(info.hSubMenu, nullptr) << "not asked for";
     }
+    info.fMask = MIIM_TYPE;
+    info.cch = 9;
+    info.hSubMenu = tree.root;
+    EXPECT_TRUE(GetMenuItemInfoA(tree.root, 1, TRUE, &info));
+    EXPECT_EQ(info.fType, MFT_OWNERDRAW);
+    EXPECT_EQ(info.cch, 0U) << "no text";
+    EXPECT_EQ(info.hSubMenu, nullptr) << "not asked for";
+    info.fMask = MIIM_DATA;
     EXPECT_FALSE(GetMenuItemInfoA(tree.root, 4, TRUE, &info));
     EXPECT_EQ(GetLastError(), ERROR_MENU_ITEM_NOT_FOUND);
     info.cbSize = 12;
