@@ -53,6 +53,14 @@ TEST(Menus, EntriesReadBackAsTheyWereAppended) {
         EXPECT_EQ(info.dwItemData, 1004U);
         EXPECT_EQ(info.wID, 77U) << "not asked for";
     }
+    info.fMask = MIIM_TYPE;
+    info.cch = 9;
+    info.hSubMenu = tree.root;
+    EXPECT_TRUE(GetMenuItemInfoA(tree.root, 1, TRUE, &info));
+    EXPECT_EQ(info.fType, MFT_OWNERDRAW);
+    EXPECT_EQ(info.cch, 0U) << "no text";
+    EXPECT_EQ(info.hSubMenu, nullptr) << "not asked for";
+    info.fMask = MIIM_DATA;
     EXPECT_FALSE(GetMenuItemInfoA(tree.root, 4, TRUE, &info));
     EXPECT_EQ(GetLastError(), ERROR_MENU_ITEM_NOT_FOUND);
     info.cbSize = 12;
@@ -70,15 +78,17 @@ TEST(Menus, TextsAreGivenAsFarAsTheBufferReaches) {
         UINT length;
     } rows[] = {{9, "Open", 4}, {4, "Ope", 3}, {1, "", 0}, {0, "untouched", 4}};
     for (const auto& each : rows) {
-        char text[10] = "untouched";
-        MENUITEMINFOA info{};
-        info.cbSize = sizeof info;
-        info.fMask = MIIM_STRING;
-        info.dwTypeData = text;
-        info.cch = each.room;
-        EXPECT_TRUE(GetMenuItemInfoA(tree.root, 5, FALSE, &info));
-        EXPECT_STREQ(text, each.text);
-        EXPECT_EQ(info.cch, each.length) << each.room;
+        for (const UINT mask : {MIIM_STRING, MIIM_TYPE}) {
+            char text[10] = "untouched";
+            MENUITEMINFOA info{};
+            info.cbSize = sizeof info;
+            info.fMask = mask;
+            info.dwTypeData = text;
+            info.cch = each.room;
+            EXPECT_TRUE(GetMenuItemInfoA(tree.root, 5, FALSE, &info));
+            EXPECT_STREQ(text, each.text);
+            EXPECT_EQ(info.cch, each.length) << each.room;
+        }
     }
 }
 

@@ -87,6 +87,10 @@ TEST(Modules, AModuleIsUnloadedByItsLastRelease) {
 
 TEST(Modules, AModuleThatLacksAnotherIsNotOneOfAnotherSystem) {
     const tarntest::TemporaryFolder folder;
+    const auto descriptors = [] {
+        return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+    };
+    const auto before = descriptors();
     // The beginning of a module, which the loader refuses for what follows; its fifth byte is 2 for 64 bits.
     const char thisClass = sizeof(void*) == 8 ? 2 : 1, otherClass = sizeof(void*) == 8 ? 1 : 2;
     for (const char elfClass : {thisClass, otherClass}) {
@@ -96,6 +100,7 @@ TEST(Modules, AModuleThatLacksAnotherIsNotOneOfAnotherSystem) {
         expectNoModule(folder.file("a"), elfClass == thisClass ? ERROR_MOD_NOT_FOUND : ERROR_BAD_EXE_FORMAT);
     }
     expectNoModule(folder.path().string(), ERROR_MOD_NOT_FOUND);
+    EXPECT_EQ(descriptors(), before);
 }
 
 TEST(Messages, AProgramsOwnBoxGetsWhatTheCallerGave) {

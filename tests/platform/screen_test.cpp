@@ -124,7 +124,8 @@ TEST(Screen, RectanglesFillFromLeftAndTopInToRightAndBottomOut) {
     const Canvas canvas(9, 9);
     RECT pixel;
     EXPECT_TRUE(SetRect(&pixel, 5, 6, 7, 8));
-    FillRect(canvas.context, &pixel, reinterpret_cast<HBRUSH>(ULONG_PTR{COLOR_HIGHLIGHT + 1}));
+    for (const HDC context : {canvas.context, canvas.screen})
+        EXPECT_EQ(FillRect(context, &pixel, reinterpret_cast<HBRUSH>(ULONG_PTR{COLOR_HIGHLIGHT + 1})), 1);
     EXPECT_EQ(GetPixel(canvas.context, 6, 7), GetSysColor(COLOR_HIGHLIGHT));
 }
 
@@ -151,17 +152,23 @@ TEST(Screen, BitmapsOfEveryDepthDecodeInBothDirections) {
     const HBITMAP blank = CreateDIBitmap(target.screen, &header, 0, nullptr, nullptr, DIB_RGB_COLORS);
     EXPECT_EQ(pixelsOf(blank), std::vector<COLORREF>(9, 0)) << "without pixels";
     EXPECT_TRUE(DeleteObject(blank));
+    EXPECT_EQ(CreateDIBitmap(target.screen, &header, CBM_INIT, nullptr, bent.info(), DIB_RGB_COLORS),
+              nullptr);
     header.biBitCount = 7;
     EXPECT_EQ(decode(target.screen, bent), nullptr);
     header.biBitCount = 4;
     header.biWidth = -3;
     EXPECT_EQ(decode(target.screen, bent), nullptr);
+    header.biWidth = 0;
+    const Canvas empty(decode(target.screen, bent));
+    EXPECT_EQ(measures(empty.bitmap), (std::vector<LONG>{1, 2, 1}));
 }
 
 TEST(Screen, GlobalMemoryCountsItsLocks) {
     const HGLOBAL memory = GlobalAlloc(GHND, 100);
     EXPECT_EQ(GlobalLock(memory), GlobalLock(memory));
     EXPECT_TRUE(GlobalUnlock(memory));
+    SetLastError(ERROR_INVALID_HANDLE);
     for (const DWORD error : {ERROR_SUCCESS, ERROR_NOT_LOCKED}) {
         EXPECT_FALSE(GlobalUnlock(memory));
         EXPECT_EQ(GetLastError(), error);
@@ -174,6 +181,22 @@ TEST(Screen, GlobalMemoryCountsItsLocks) {
 }
 
 #if !defined(_WIN32)
+
+TEST(Screen, AMonochromeBitmapShowsTheNearerOfBlackAndWhite) {
+    const std::vector<COLORREF> dark{RGB(127, 127, 127), RGB(255, 0, 255), RGB(255, 87, 0), RGB(0, 193, 128)};
+    const std::vector<COLORREF> light{RGB(128, 128, 128), RGB(0, 255, 0), RGB(255, 89, 0), RGB(0, 194, 128)};
+    const HDC monochrome = CreateCompatibleDC(nullptr);
+    const RECT all{0, 0, 1, 1};
+    for (const auto& [colors, shown] : {std::pair{dark, COLORREF{0}}, {light, RGB(255, 255, 255)}}) {
+        for (const COLORREF color : colors) {
+            const HBRUSH brush = CreateSolidBrush(color);
+            FillRect(monochrome, &all, brush);
+            EXPECT_EQ(GetPixel(monochrome, 0, 0), shown) << std::hex << color;
+            DeleteObject(brush);
+        }
+    }
+    DeleteDC(monochrome);
+}
 
 TEST(Screen, ResourcesAreFoundByNumberAndByText) {
     const auto module = reinterpret_cast<HINSTANCE>(ULONG_PTR{0x5000});
