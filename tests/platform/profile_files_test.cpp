@@ -184,7 +184,7 @@ TEST_F(ProfileFiles, WhatIsUnderTheTemporaryNameBlocksEveryWrite) {
 }
 
 TEST_F(ProfileFiles, AFileAtTheLimitIsRefusedOrOneAboveItRead) {
-    for (const std::size_t limit : {5, 16384, 20000}) {  // below, at and above what is read at once
+    for (const std::size_t limit : {5U, 16384U, 20000U}) {  // below, at and above what is read at once
         for (const std::size_t size : {limit, limit + 1}) {
             std::string content = "untouched";
             fill(file, std::string(size, 'x'));
