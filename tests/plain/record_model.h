@@ -34,7 +34,7 @@ struct RecordModel {
     void storeData(std::int32_t id, const MOLTVARIANT* value) { values[id] = tarntest::readable(value); }
     void removeData(std::int32_t id) { values.erase(id); }
     // Not for a row that is there if it is to be added.
-    void storeMultiData(std::int32_t id, std::int32_t row, const MOLTVARIANT* value, int /*appendOnly*/ = 0) {
+    void storeMultiData(std::int32_t id, std::int32_t row, const MOLTVARIANT* value, int /*appendOnly*/) {
         columns[id][row] = tarntest::readable(value);
         raiseRows(row);
     }
