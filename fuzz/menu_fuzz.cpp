@@ -29,7 +29,7 @@ void checkFinds(tarnMenuDef& root) {
 std::string menuOf(tarnfuzz::Input input) {
     std::string text = "POPUP,root,0";
     int depth = 1;
-    for (int entries = 0; entries < 500 && !input.isEmpty(); ++entries) {
+    for (int entries = 0; entries < 100 && !input.isEmpty(); ++entries) {
         const unsigned byte = input.byte();
         const std::string number = ',' + std::to_string(byte);
         if (byte % 4 == 0) text += ",MENUITEM,SEPARATOR";
