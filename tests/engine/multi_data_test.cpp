@@ -1,7 +1,7 @@
 // Columns of rows: engine/multi_data.cpp, engine/column.cpp.
 
 #include "tests/engine/records.h"
-#include "tests/plain/column.h"
+#include "tests/plain/record_model.h"
 
 namespace {
 
@@ -15,64 +15,19 @@ struct MultiDataTest : testing::Test {
     void insert(int id, int row, const Owned& cell) { record.insertMultiData(id, row, &cell); }
 };
 
-using Numbers = tarnplain::Column<std::int32_t>;
-
 TEST_F(MultiDataTest, RandomWorkMatchesAModel) {
     std::mt19937 random(8);
     const auto below = [&](unsigned limit) { return static_cast<std::int32_t>(random() % limit); };
-    Numbers single;
-    std::map<std::int32_t, Numbers> columns;
-    std::int32_t rows = 0;
-    const auto expectNumber = [](std::int32_t index, const MOLTVARIANT& out, const Numbers& cells,
-                                 std::int32_t key) {
-        const auto cell = cells.find(key);
-        const bool isThere = cell != cells.end() && cell->second.has_value();
-        ASSERT_EQ(index >= 0, isThere);
-        ASSERT_EQ(isThere ? whole(*cell->second) : Owned(), out);
-    };
+    tarnplain::RecordModel model;
     for (std::int32_t step = 0; step < 3'000; ++step) {
-        const std::int32_t id = below(4), row = below(12), to = below(12), work = below(10);
+        const std::int32_t id = below(4), row = below(12), to = below(12);
+        const unsigned any = step % 200 == 0 ? 8 : random() % 8;
+        const unsigned operation = any == 0 && model.hasRow(id, row) ? 1 : any;
         const Owned value = whole(step);
-        if (step % 200 == 0) {
-            record.removeMultiData();
-            columns.clear();
-            rows = 0;
-        } else if (work == 0) {
-            record.storeData(id, &value);
-            single[id] = step;
-        } else if (work == 1) {
-            record.removeData(id);
-            single.erase(id);
-        } else if (work < 4) {
-            store(id, row, value);
-            columns[id][row] = step;
-            rows = std::max(rows, row + 1);
-        } else if (work == 4) {
-            insert(id, row, value);
-            tarnplain::put(columns[id], row, std::optional(step));
-            rows = std::max(rows, columns[id].rbegin()->first + 1);
-        } else if (work < 7) {
-            record.removeMultiData(id, row);
-            if (columns.contains(id)) columns[id].erase(row);
-        } else if (work == 7) {
-            record.removeMultiData(row);
-            for (auto& [key, column] : columns) tarnplain::taken(column, row);
-            --rows;
-        } else {
-            record.moveMultiData(row, to);
-            for (auto& [key, column] : columns) tarnplain::put(column, to, tarnplain::taken(column, row));
-        }
-        ASSERT_EQ(record.getNumMulti(), rows);
-        for (std::int32_t key = 0; key < 4; ++key) {
-            Owned out = whole(-1);
-            expectNumber(record.getData(key, &out), out, single, key);
-            const auto column = columns.find(key);
-            for (std::int32_t r = 0; r < 15; ++r) {
-                const std::int32_t index = record.getMultiData(key, r, &out);
-                expectNumber(index, out, column == columns.end() ? Numbers() : column->second, r);
-            }
-        }
-        ASSERT_FALSE(HasFailure()) << "step " << step;
+        tarnplain::work(record, operation, id, row, to, &value);
+        tarnplain::work(model, operation, id, row, to, &value);
+        const auto [found, expected] = model.answersOf(record);
+        ASSERT_EQ(found, expected) << "step " << step;
     }
 }
 

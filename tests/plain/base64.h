@@ -1,6 +1,6 @@
 #pragma once
 
-// The slow plain form of store/uu_codec.h, for tests and fuzz targets, and the codec's own paths called alike.
+// A slow plain decoder for tests and fuzz targets of store/uu_codec.h, and the codec's paths called alike.
 
 #include <algorithm>
 #include <string>
@@ -15,44 +15,23 @@ inline std::string_view alphabetOf(bool standard) {
     return standard ? tarn::standardCharacters : tarn::variantCharacters;
 }
 
-// RFC 4648 in its own words: groups of 24 bits, cut into four of 6.
-inline std::string encoded(const std::string& bytes, char pad, bool standard) {
-    std::string text;
-    for (std::size_t at = 0; at < bytes.size(); at += 3) {
-        const std::string group = (bytes.substr(at, 3) + std::string(2, '\0')).substr(0, 3);
-        unsigned bits = 0;
-        for (const char byte : group) bits = bits << 8 | static_cast<unsigned char>(byte);
-        for (std::size_t i = 0; i < 4; ++i) {
-            text += at + i > bytes.size() ? pad : alphabetOf(standard)[bits >> (18 - 6 * i) & 63];
-        }
-    }
-    return text;
-}
-
-// One piece, character by character.
-inline std::string decodedPiece(std::string piece, bool standard) {
-    piece.erase(0, std::min(piece.find_first_not_of(" \t"), piece.size()));
-    const auto value = [&](std::size_t i) {
-        const std::size_t at = i < piece.size() ? alphabetOf(standard).find(piece[i]) : std::string::npos;
-        return static_cast<unsigned>(at == std::string::npos ? 64 : at);
-    };
-    std::size_t count = 0;
-    while (value(count) != 64) ++count;
-    const std::size_t groups = (count + 3) / 4;
-    std::string bytes;
-    for (std::size_t i = 0; i < 4 * groups; i += 4) {
-        bytes += static_cast<char>(value(i) << 2 | value(i + 1) >> 4);
-        bytes += static_cast<char>(value(i + 1) << 4 | value(i + 2) >> 2);
-        bytes += static_cast<char>(value(i + 2) << 6 | value(i + 3));
-    }
-    if (count % 4 != 0) bytes.erase(3 * groups - (value(4 * groups - 2) != 64 ? 1 : 2));
-    return bytes;
-}
-
+// Piece by piece.  A group is 24 bits, four characters of 6 each; one outside the alphabet counts as 64.
 inline std::string decoded(const std::string& text, bool standard) {
-    if (text.size() < 64) return decodedPiece(text, standard);
     std::string bytes;
-    for (std::size_t at = 0; at < text.size(); at += 64) bytes += decodedPiece(text.substr(at, 64), standard);
+    for (std::size_t at = 0; at < text.size(); at += tarn::decodedPiece) {
+        std::string piece = text.substr(at, tarn::decodedPiece);
+        piece.erase(0, std::min(piece.find_first_not_of(" \t"), piece.size()));
+        const std::size_t count = std::min(piece.find_first_not_of(alphabetOf(standard)), piece.size());
+        piece.append(3, '\0');
+        const auto value = [&](std::size_t i) {
+            return static_cast<unsigned>(std::min<std::size_t>(alphabetOf(standard).find(piece[i]), 64));
+        };
+        for (std::size_t i = 0; i < count; i += 4) {
+            const unsigned bits = value(i) << 18 | value(i + 1) << 12 | value(i + 2) << 6 | value(i + 3);
+            for (const int shift : {16, 8, 0}) bytes += static_cast<char>(bits >> shift);
+        }
+        if (count % 4 != 0) bytes.erase(bytes.size() - (value(count / 4 * 4 + 2) != 64 ? 1 : 2));
+    }
     return bytes;
 }
 
@@ -61,7 +40,7 @@ template <class Call>
 std::string written(std::size_t room, Call call) {
     constexpr unsigned char guard = 0x5A;
     std::vector<unsigned char> buffer(room + 64, guard);
-    const std::size_t length = call(buffer.data());
+    const auto length = static_cast<std::size_t>(call(buffer.data()));
     const auto end = buffer.begin() + static_cast<std::ptrdiff_t>(room);
     const bool keptWithin = std::count(end, buffer.end(), guard) == buffer.end() - end;
     return keptWithin ? std::string(buffer.data(), buffer.data() + length) : "written beyond the buffer";
@@ -76,8 +55,8 @@ inline std::string decodedBy(tarn::VectorLevel level, const std::string& text, b
 inline std::string encodedBy(tarn::VectorLevel level, const std::string& bytes, char pad, bool standard) {
     return written((bytes.size() + 2) / 3 * 4 + 1, [&](unsigned char* target) {
         const auto* const source = reinterpret_cast<const unsigned char*>(bytes.data());
-        return tarn::encodeText(source, bytes.size(), reinterpret_cast<char*>(target), pad, standard, level) +
-               1;
+        auto* const text = reinterpret_cast<char*>(target);
+        return tarn::encodeText(source, bytes.size(), text, pad, standard, level) + 1;
     });
 }
 

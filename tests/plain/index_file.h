@@ -4,7 +4,6 @@
 // over the file by copies of its parts; what isn't there ends the file.
 
 #include <algorithm>
-#include <cstring>
 #include <string>
 #include <utility>
 #include <vector>
@@ -30,11 +29,11 @@ class IndexReader {
     std::vector<IndexRecord> records() {
         std::vector<IndexRecord> records;
         try {
-            index(records);
+            readIndex(records);
             for (IndexRecord& record : records) {
                 for (std::size_t i = 0; i < record.places() && !rest_.empty(); ++i) {
                     record.values.emplace_back();
-                    record.values.back() = value(1, true);
+                    record.values.back() = value(1);
                 }
             }
         } catch (const EndOfFile&) {  // the value that isn't whole is empty
@@ -51,85 +50,70 @@ class IndexReader {
         rest_.erase(0, front.size());
         return front;
     }
-    std::uint32_t word() { return tarn::loadWord(reinterpret_cast<const unsigned char*>(take(4).data())); }
+    static std::uint64_t numberIn(const std::string& bytes, std::size_t at, unsigned size) {
+        return tarn::loadLittleEndian(reinterpret_cast<const unsigned char*>(&bytes[at]), size);
+    }
+    std::uint32_t word() { return static_cast<std::uint32_t>(numberIn(take(4), 0, 4)); }
     std::int32_t number() { return static_cast<std::int32_t>(word()); }
 
-    void index(std::vector<IndexRecord>& records);
-    Owned value(int depth, bool isKept);
-    Owned vectorOf(std::uint32_t count, int depth, bool isKept);
-    static Owned valueOf(std::int32_t tag, std::string bytes);
+    void readIndex(std::vector<IndexRecord>& records) {
+        take(1);
+        std::string header = take(std::uint64_t{word()} - 4);
+        header.resize(8);
+        IndexReader block(take(16 * numberIn(header, 4, 4)));
+        places_ = 1'000'000 + rest_.size() / 8;
+        while (!block.rest_.empty()) {
+            IndexRecord record{block.number(), block.number(), block.number(), {}};
+            block.take(4);
+            const bool isKnown = std::any_of(records.begin(), records.end(), [&](const IndexRecord& other) {
+                return other.id == record.id && other.type == record.type;
+            });
+            if (isKnown) continue;
+            const auto places = std::min<std::uint64_t>(places_, record.places());
+            if (record.repeats > 0) record.repeats = static_cast<std::int32_t>(places);
+            places_ -= places;
+            records.push_back(std::move(record));
+        }
+    }
+
+    Owned value(int depth) {
+        const std::string prefix = take(8);
+        const auto tag = static_cast<std::int32_t>(numberIn(prefix, 0, 4));
+        if (tag == tagVector) return vectorOf(word(), depth);
+        const std::string bytes = take(tag == tagBlob ? word() : numberIn(prefix, 4, 4));
+        switch (tag) {
+            case tagBlock:
+            case tagList:
+            case tagMulti:
+            case tagRecord: return {};
+            case tagBlob: return tarntest::blob(bytes);
+            case tagText: return tarntest::text(bytes.empty() ? nullptr : bytes.c_str());
+            case tagString: return tarntest::text(bytes.c_str(), tagString);
+            case tagWideText: {
+                std::u16string units;
+                for (std::size_t i = 0; i + 1 < bytes.size(); i += 2)
+                    units += static_cast<char16_t>(numberIn(bytes, i, 2));
+                return units.empty() ? tarntest::nothing(tagWideText) : tarntest::wideText(units);
+            }
+            default:
+                Owned plain = tarntest::nothing(tag);
+                bytes.copy(reinterpret_cast<char*>(plain.payload.plain), 8);
+                return plain;
+        }
+    }
+    // A vector that lies too deep is passed over, whatever it promises.
+    Owned vectorOf(std::uint32_t count, int depth) {
+        constexpr int deepest = 64;
+        const bool isKept = depth <= deepest;
+        if (isKept && (count > places_ || count > rest_.size() / 8)) throw EndOfFile();
+        if (isKept) places_ -= count;
+        std::vector<Owned> elements;
+        for (std::uint32_t i = 0; i < count; ++i) elements.push_back(value(depth + 1));
+        return isKept ? tarntest::vectorOf(elements) : Owned();
+    }
 
     std::string rest_;
     std::uint64_t places_ = 0;  // that are left for all repeats and elements together
 };
-
-inline void IndexReader::index(std::vector<IndexRecord>& records) {
-    take(1);
-    const std::uint32_t headerSize = word();
-    std::string header = take(std::uint64_t{headerSize} - 4);
-    header.resize(8);
-    const std::uint64_t count = tarn::loadWord(reinterpret_cast<const unsigned char*>(&header[4]));
-    IndexReader block(take(16 * count));
-    places_ = 1'000'000 + rest_.size() / 8;
-    while (!block.rest_.empty()) {
-        IndexRecord record{block.number(), block.number(), block.number(), {}};
-        block.take(4);
-        const bool isKnown = std::any_of(records.begin(), records.end(), [&](const IndexRecord& other) {
-            return other.id == record.id && other.type == record.type;
-        });
-        if (isKnown) continue;
-        if (record.repeats > 0)
-            record.repeats = static_cast<std::int32_t>(std::min<std::uint64_t>(places_, record.places()));
-        places_ -= record.places();
-        records.push_back(std::move(record));
-    }
-}
-
-// A value isn't kept where its vector lies too deep.
-inline Owned IndexReader::value(int depth, bool isKept) {
-    const std::string prefix = take(8);
-    IndexReader words(prefix);
-    const std::int32_t tag = words.number();
-    if (tag == tagVector) return vectorOf(word(), depth, isKept);
-    const std::uint32_t size = tag == tagBlob ? word() : words.word();
-    const std::string bytes = take(size);
-    return isKept ? valueOf(tag, bytes) : Owned();
-}
-
-inline Owned IndexReader::vectorOf(std::uint32_t count, int depth, bool isKept) {
-    constexpr int deepest = 64;
-    isKept = isKept && depth <= deepest;
-    if (isKept && (count > places_ || count > rest_.size() / 8)) throw EndOfFile();
-    if (isKept) places_ -= count;
-    std::vector<Owned> elements;
-    for (std::uint32_t i = 0; i < count; ++i) elements.push_back(value(depth + 1, isKept));
-    return isKept ? tarntest::vectorOf(elements) : Owned();
-}
-
-inline Owned IndexReader::valueOf(std::int32_t tag, std::string bytes) {
-    Owned value;
-    switch (tag) {
-        case tagBlock:
-        case tagList:
-        case tagMulti:
-        case tagRecord: return value;
-        case tagBlob: return tarntest::blob(bytes);
-        case tagText: return tarntest::text(bytes.empty() ? nullptr : bytes.c_str());
-        case tagString: return tarntest::text(bytes.c_str(), tagString);
-        case tagWideText: {
-            std::u16string units;
-            for (std::size_t i = 1; i < bytes.size(); i += 2) {
-                const auto low = static_cast<unsigned char>(bytes[i - 1]);
-                units += static_cast<char16_t>(low | static_cast<unsigned char>(bytes[i]) << 8);
-            }
-            return units.empty() ? tarntest::nothing(tagWideText) : tarntest::wideText(units);
-        }
-        default:
-            bytes.resize(8);
-            std::memcpy(value.payload.plain, bytes.data(), 8);
-            value.tag = tag;
-            return value;
-    }
-}
 
 }  // namespace tarnplain

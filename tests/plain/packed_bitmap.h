@@ -29,15 +29,15 @@ struct PackedBitmap {
         std::mt19937 random(static_cast<unsigned>(bits));
         for (unsigned char& byte : bytes) byte = static_cast<unsigned char>(random());
         described = bytes;
-        const auto depthWord = static_cast<WORD>(bits);
-        const BITMAPINFOHEADER header{sizeof header, columns, rows, 1, depthWord, 0, 0, 0, 0, 0, 0};
+        const BITMAPINFOHEADER header{
+            sizeof header, columns, rows, 1, static_cast<WORD>(bits), 0, 0, 0, 0, 0, 0};
         std::memcpy(described.data(), &header, sizeof header);
         const auto word = [](int value) { return static_cast<DWORD>(value); };
         setWords(0, {sizeof header, word(columns), word(rows), word(1 + (bits << 16)), 0, 0, 0, 0, 0, 0});
     }
 
-    // Changes words of the header: 0 its size, 1 the width, 2 the height, 4 the compression, 5 the bytes of the
-    // pixels, 10 to 12 the masks.
+    // Changes words of the header: 0 its size, 1 the width, 2 the height, 4 the compression, 5 the bytes of
+    // the pixels, 10 to 12 the masks.
     void setWords(std::size_t first, const std::vector<DWORD>& values) {
         for (const DWORD value : values) tarn::storeWord(bytes.data() + 4 * first++, value);
     }

@@ -30,11 +30,10 @@ struct ProfileSection {
 };
 
 // All sections in the file's order.  What comes before the first one is dropped.
-inline std::vector<ProfileSection> sectionsOf(std::string text) {
-    std::replace(text.begin(), text.end(), '\r', '\n');
+inline std::vector<ProfileSection> sectionsOf(const std::string& text) {
     std::vector<ProfileSection> sections;
     for (std::size_t begin = 0, end = 0; begin < text.size(); begin = end + 1) {
-        end = std::min(text.find('\n', begin), text.size());
+        end = std::min(text.find_first_of("\r\n", begin), text.size());
         const std::string line = trimmed(text.substr(begin, end - begin));
         const std::size_t sign = line.find('=');
         if (line[0] == '[') {

@@ -1,14 +1,17 @@
 #pragma once
 
-// A record as standard containers, under the operations of engine/engine_data.h: the model of tests and fuzz
+// A record as standard containers, with the operations of engine/engine_data.h: the model of tests and fuzz
 // targets.  Values are what tarntest::readable shows of them.
 
 #include <algorithm>
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "base/wrapping.h"
+#include "engine/engine_data.h"
+#include "tests/plain/values.h"
 
 namespace tarnplain {
 
@@ -22,40 +25,35 @@ struct RecordModel {
     bool hasRow(std::int32_t id, std::int32_t row) {
         return columns.contains(id) && columns[id].contains(row);
     }
-    std::string cell(std::int32_t id, std::int32_t row) {
-        return hasRow(id, row) ? columns[id][row].value_or("empty") : "empty";
-    }
     [[nodiscard]] bool isOrderly() const {  // every row is below the number of rows
         return std::all_of(columns.begin(), columns.end(), [&](const auto& each) {
             return each.second.empty() || each.second.rbegin()->first < rows;
         });
     }
-    void raiseRows(std::int32_t row) {
-        if (row >= rows) rows = tarn::wrappingSum(row, 1);
-    }
 
-    void store(std::int32_t id, std::int32_t row, const std::string& value) {
-        columns[id][row] = value;
+    void storeData(std::int32_t id, const MOLTVARIANT* value) { values[id] = tarntest::readable(value); }
+    void removeData(std::int32_t id) { values.erase(id); }
+    // Not for a row that is there if it is to be added.
+    void storeMultiData(std::int32_t id, std::int32_t row, const MOLTVARIANT* value, int /*appendOnly*/) {
+        columns[id][row] = tarntest::readable(value);
         raiseRows(row);
     }
-    void insert(std::int32_t id, std::int32_t row, const std::string& value) {
-        put(columns[id], row, value);
+    void insertMultiData(std::int32_t id, std::int32_t row, const MOLTVARIANT* value) {
+        put(columns[id], row, tarntest::readable(value));
         raiseRows(columns[id].rbegin()->first);
     }
-    void storeValue(std::int32_t id, const std::string& value) { values[id] = value; }
-    void removeValue(std::int32_t id) { values.erase(id); }
-    void removeColumns() {
-        columns.clear();
-        rows = 0;
-    }
-    void removeCell(std::int32_t id, std::int32_t row) {
+    void removeMultiData(std::int32_t id, std::int32_t row) {
         if (columns.contains(id)) columns[id].erase(row);
     }
-    void removeRow(std::int32_t row) {
+    void removeMultiData(std::int32_t row) {
         for (auto& [id, column] : columns) taken(column, row);
         rows = tarn::wrappingSum(rows, -1);
     }
-    void moveRow(std::int32_t from, std::int32_t to) {
+    void removeMultiData() {
+        columns.clear();
+        rows = 0;
+    }
+    void moveMultiData(std::int32_t from, std::int32_t to) {
         for (auto& [id, column] : columns) put(column, to, taken(column, from));
     }
     // Of an orderly one.
@@ -63,13 +61,35 @@ struct RecordModel {
         const std::int32_t base = rows;
         for (const auto& [id, column] : other.columns) {
             for (const auto& [row, value] : column) {
-                if (value.value_or("empty") != "empty") store(id, tarn::wrappingSum(base, row), *value);
+                if (value.value_or("empty") == "empty") continue;
+                columns[id][tarn::wrappingSum(base, row)] = value;
+                raiseRows(tarn::wrappingSum(base, row));
             }
         }
         values[-26] = other.values.contains(-26) ? other.values[-26] : "empty";
     }
 
+    // What a record answers, and what one of this content does.
+    std::pair<std::string, std::string> answersOf(tarnEngineData& record) {
+        auto found = std::to_string(record.getNumMulti()) + ", " + std::to_string(record.fields->count);
+        auto expected = std::to_string(rows) + ", " + std::to_string(values.size() + columns.size());
+        MOLTVARIANT out;
+        const auto add = [&](std::int32_t index, const std::optional<std::string>& value) {
+            found += (index < 0 ? "; no value, " : "; ") + tarntest::readable(&out);
+            expected += "; " + value.value_or("no value, empty");
+        };
+        for (const auto& [id, value] : values) add(record.getData(id, &out), value);
+        for (auto& [id, column] : columns) {
+            for (std::int32_t row = 0; row < std::max(rows, 15) + 2; ++row)
+                add(record.getMultiData(id, row, &out), hasRow(id, row) ? column[row] : std::nullopt);
+        }
+        return {found, expected};
+    }
+
   private:
+    void raiseRows(std::int32_t row) {
+        if (row >= rows) rows = tarn::wrappingSum(row, 1);
+    }
     static void shift(Column& column, std::int32_t from, std::int32_t by) {
         Column shifted;
         for (const auto& [row, value] : column)
@@ -82,12 +102,27 @@ struct RecordModel {
     }
     // What a row had; the rows behind it close up.
     static std::optional<std::string> taken(Column& column, std::int32_t row) {
-        const auto cell = column.find(row);
-        const std::optional<std::string> value = cell == column.end() ? std::nullopt : cell->second;
-        column.erase(row);
+        const auto cell = column.extract(row);
         shift(column, row, -1);
-        return value;
+        return cell.empty() ? std::nullopt : cell.mapped();
     }
 };
+
+// One of the operations 0 to 8, on a record or on its model.
+template <class Record>
+void work(Record& record, unsigned operation, std::int32_t id, std::int32_t row, std::int32_t to,
+          const MOLTVARIANT* value) {
+    switch (operation) {
+        case 0: return record.storeMultiData(id, row, value, 1);
+        case 1: return record.storeMultiData(id, row, value, 0);
+        case 2: return record.insertMultiData(id, row, value);
+        case 3: return record.removeMultiData(id, row);
+        case 4: return record.removeMultiData(row);
+        case 5: return record.moveMultiData(row, to);
+        case 6: return record.storeData(id, value);
+        case 7: return record.removeData(id);
+        default: return record.removeMultiData();
+    }
+}
 
 }  // namespace tarnplain

@@ -3,12 +3,12 @@
 
 #include "present/menu.h"
 #include "store/file_tools.h"
-#include "tests/plain/menu_shape.h"
+#include "tests/plain/menu_text.h"
 #include "tests/support.h"
 
 namespace {
 
-using namespace tarnplain;
+using tarnplain::menuTextOf;
 
 // A parser that has read this text from a file.
 struct Menu {
@@ -24,38 +24,37 @@ struct Menu {
 };
 
 TEST(MenuText, EveryFormOfTheGrammarGivesItsTree) {
-    const MenuNode file = popup("File", 7, {item("Open", 2, 100, "Open a file"), separator()});
+    const char* const file = "POPUP,File,7,MENUITEM,Open,2,100,Open a file,MENUITEM,SEPARATOR,END";
     const struct {
         const char* text;
-        MenuNode tree;
+        const char* tree;
     } rows[] = {
-        {"POPUP,File,7,MENUITEM,Open,2,100,Open a file,MENUITEM,SEPARATOR,END", file},
+        {file, file},
         {"x, ENDS ,POPUPS,popup,POPUP File,\n"
          "POPUP\r\n\r\n\tFile\r\n7\n"
          "MENUITEM\n  Open  ,,2\t100\nOpen a file\nwhat\n"
          "MENUITEM\nSEPARATOR\nEND,b",
          file},
-        {"P,Buy Stock,x,M,\"a,-5,12abc,b\",E", popup("Buy Stock", 0, {item("\"a", -5, 12, "b\"")})},
-        {"P,a,1,P,b,2,P,c,3,E,M,S,E,M,x,1,2,3,E,M,S",
-         popup("a", 1, {popup("b", 2, {popup("c", 3), separator()}), item("x", 1, 2, "3")})},
+        {"P,Buy Stock,x,M,\"a,-5,12abc,b\",E", "POPUP,Buy Stock,0,MENUITEM,\"a,-5,12,b\",END"},
+        {"P,a,1,P,b,2,P,c,3,E,M,S,E,M,E,1,2,E,M,S,E,M,S",
+         "POPUP,a,1,POPUP,b,2,POPUP,c,3,END,MENUITEM,SEPARATOR,END,MENUITEM,E,1,2,E,MENUITEM,SEPARATOR,END"},
         {"POP,a,1,ME,S,MENU,SE,MENUITEM,SEPARATORS,1,2,3",
-         popup("a", 1, {separator(), separator(), item("SEPARATORS", 1, 2, "3")})},
-        {"P,a,99999999999,M,b,-99999999999,0,c",
-         popup("a", 2147483647, {item("b", -2147483647 - 1, 0, "c")})},
+         "POPUP,a,1,MENUITEM,SEPARATOR,MENUITEM,SEPARATOR,MENUITEM,SEPARATORS,1,2,3,END"},
+        {"P,a,99999999999,M,b,-99999999999,0,c", "POPUP,a,2147483647,MENUITEM,b,-2147483648,0,c,END"},
         // A blank token begins like POPUP and ends like END.
-        {" ,a,1,M,S, ,M,S", popup("a", 1, {separator()})},
+        {" ,a,1,M,S, ,M,S", "POPUP,a,1,MENUITEM,SEPARATOR,END"},
         // An entry that is cut short ends the text.
-        {"P,a,1,M,b,2,3", popup("a", 1)},
-        {"P,a,1,M,P,b,2", popup("a", 1)},
-        {"P,a,1,P,b", popup("a", 1)},
-        {"P,a", popup("a", -1)},
-        {",\n\t\r", popup(std::nullopt, -1)},
+        {"P,a,1,M,b,2,3", "POPUP,a,1,END"},
+        {"P,a,1,M,P,b,2", "POPUP,a,1,END"},
+        {"P,a,1,P,b", "POPUP,a,1,END"},
+        {"P,a", "POPUP,a,-1,END"},
+        {",\n\t\r", "POPUP,NULL,-1,END"},
     };
     for (const auto& each : rows) {
         for (const int scrambled : {0, 1})
-            EXPECT_EQ(readable(treeOf(*Menu(each.text, scrambled).root)), readable(each.tree)) << each.text;
+            EXPECT_EQ(menuTextOf(*Menu(each.text, scrambled).root), each.tree) << each.text;
     }
-    EXPECT_EQ(treeOf(*tarnMenuParser().getMenuDef(nullptr, 1)), popup(std::nullopt, -1));
+    EXPECT_EQ(menuTextOf(*tarnMenuParser().getMenuDef(nullptr, 1)), "POPUP,NULL,-1,END");
 }
 
 TEST(MenuText, TokensOfASecondTextFollowThoseOfTheFirst) {
