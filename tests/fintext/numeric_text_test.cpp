@@ -1,5 +1,6 @@
-// Numeric text: fintext/numeric_text.cpp, and fintext/number_display.cpp, which rounds for it.  More texts are
-// among the seeds of fuzz/price_fuzz.cpp and fuzz/number_fuzz.cpp, which read them in a plain way too.
+// Numeric text: fintext/numeric_text.cpp, and fintext/number_display.cpp, which rounds for it.
+// More texts are among the seeds of fuzz/price_fuzz.cpp and fuzz/number_fuzz.cpp, which read them in a plain
+// way too.
 
 #include "core/string.h"
 #include "fintext/financial_text.h"
@@ -23,10 +24,8 @@ TEST(NumericText, ReaderTakesTextInAnotherDialect) {
         {"-12 3/8", -12.375, 0, 0},
         {"1,234,567", 1 + 234.0 / 567, 1234567, 1234567},
         {"1 2/4 .5", 1.5, 1, 1},  // nothing is read behind the third number
-        {"5/1.25mk", 5, 5, 5},    // a point makes the whole text a decimal
         {",1.25mk", 0, 1, 1250},
-        {"3000000000Mm", -1'294'967'296, -296'517'632, 3e15},   // whole numbers wrap at 32 bits
-        {"3000000000 1/2", -647'710'708, -1'294'967'296, 3e9},  // and one below 0 stays open
+        {"3000000000 1/2", -647'710'708, -1'294'967'296, 3e9},  // wraps, and stays open below 0
     };
     for (const auto& each : rows) {
         EXPECT_EQ(strToDouble(each.text), each.price) << each.text;
@@ -44,7 +43,6 @@ TEST(NumericText, CharactersAreMiscounted) {
     EXPECT_EQ(validateFloatFormat("1234.5", 3, 2), 0);
     EXPECT_EQ(validateFloatFormat("00123", 3, 2), 0);  // zeros count where there is no point
     EXPECT_EQ(validateFloatFormat("1.2.", 1, 2), 0);   // stripTrailZeros puts a 0 behind the last point
-    EXPECT_EQ(validateFloatFormat("abc", 3, 2), 1);
     EXPECT_EQ(validateFloatFormat("123456.7", -1, 1), 1);
     EXPECT_EQ(validateFloatFormat(nullptr, -1, -1), 0);
     EXPECT_EQ(isAlphaNum("AZaz09"), 1);

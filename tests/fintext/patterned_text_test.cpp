@@ -1,5 +1,7 @@
 // Patterned text and the small ones: fintext/patterned_text.cpp, fintext/fixed_forms.cpp,
 // fintext/text_tools.cpp, fintext/clock_text.cpp, fintext/fund_amount.cpp, fintext/industry_symbols.cpp.
+// More texts are among the seeds of fuzz/number_fuzz.cpp, for money, and fuzz/symbol_fuzz.cpp, for dates and
+// the text tools.
 
 #include "core/string.h"
 #include "engine/engine_data.h"
@@ -36,16 +38,12 @@ TEST(PatternedText, PatternTakesCharactersOtherwise) {
     EXPECT_STREQ(target, "$0.0");
 }
 
-std::string money(const char* text, int style) {
-    tarnString target(text);
-    formatToMoneyFormat(text == nullptr ? nullptr : target.text, target, style);
-    return target.text;
-}
-
 TEST(PatternedText, MoneyIsWrittenOtherwise) {
-    EXPECT_EQ(money("-1234.5", 1), "-$1,234.50");
-    EXPECT_EQ(money("1234", 2), "1,234.00");
-    EXPECT_EQ(money(nullptr, 2), "$0.00");
+    tarnString money("-1234.5");
+    formatToMoneyFormat(money.text, money, 1);
+    EXPECT_STREQ(money.text, "-$1,234.50");
+    formatToMoneyFormat(nullptr, money, 2);
+    EXPECT_STREQ(money.text, "$0.00");
 }
 
 TEST(PatternedText, FormTakesAnotherCharacter) {
@@ -61,24 +59,19 @@ TEST(PatternedText, FormTakesAnotherCharacter) {
     EXPECT_STREQ(target, "(212) 555-1234");
 }
 
-std::string newText(char* text) {
-    const std::unique_ptr<char[]> owned(text);
-    return text == nullptr ? "no new text" : text;
-}
-
 TEST(TextTools, AnotherCharacterIsTaken) {
     EXPECT_EQ(changed(removeDoubleSpaces, "  a   b \t c"), " a b \t c");
     EXPECT_EQ(changed(removeSpace, " a \tb "), "a\tb");
     EXPECT_EQ(changed(removeNewline, "a\r\n\tb\n"), "a  \tb ");
-    EXPECT_EQ(newText(convertNewline("a\r\nb\n")), "a\r\r\nb\r\n");
-    EXPECT_EQ(newText(convertNewline("a\r")), "no new text");
-    EXPECT_EQ(newText(convertNewline(nullptr)), "no new text");
-    EXPECT_EQ(newText(concatstr("ab", nullptr)), "no new text");
-    EXPECT_EQ(newText(concatstr(nullptr, "cd")), "no new text");
+    const std::unique_ptr<char[]> converted(convertNewline("a\r\nb\n"));
+    EXPECT_STREQ(converted.get(), "a\r\r\nb\r\n");
+    EXPECT_EQ(convertNewline("a\r"), nullptr);
+    EXPECT_EQ(convertNewline(nullptr), nullptr);
+    EXPECT_EQ(concatstr("ab", nullptr), nullptr);
+    EXPECT_EQ(concatstr(nullptr, "cd"), nullptr);
     char text[] = "ab\n";
     EXPECT_EQ(removeNewline(text), 1);
     EXPECT_EQ(removeNewline(text), 0);
-    EXPECT_EQ(removeNewline(nullptr), 0);
 }
 
 // Sums over the vendor's list: of the ids, and of each times its symbol's last two letters taken as a number.
