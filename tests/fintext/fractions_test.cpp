@@ -68,9 +68,7 @@ TEST(PriceChanges, PercentIsOfAnotherPriceOrForm) {
 
 TEST(PriceChanges, SignIsAnother) {
     EXPECT_EQ(changed(flipSign, "-1.25"), "1.25");
-    EXPECT_EQ(changed(flipSign, "-0.75"), "-0.75");
     EXPECT_EQ(changed(signPriceChange, "+2345678901234567890"), "++2345678901234");
-    EXPECT_EQ(changed(signPriceChange, "-2345678901234567890"), "-2345678901234");
     EXPECT_EQ(signPriceChange(nullptr), ePriceChangeNone);
 }
 
