@@ -103,7 +103,7 @@ Results stepByStep(const Terms& t) {
     return r;
 }
 
-TEST(OptionValue, SharedWorkAndForetoldSearchChangeNoResult) {
+TEST(OptionValue, SharedWorkAndForecastChangeNoResult) {
     std::mt19937 random(1973);
     const auto number = [&](double a, double b) { return a + (b - a) * std::ldexp(random(), -32); };
     const auto day = [&](double a, double b) { return static_cast<std::int32_t>(number(a, b)); };
