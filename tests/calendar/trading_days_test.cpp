@@ -1,5 +1,6 @@
 // Trading days and settlement: calendar/trading_days.cpp, calendar/settlement.cpp, calendar/holidays.h, and
 // the count of days in calendar/date_text.h.  The weekdays come from std::chrono.
+// Moments in each part of the market's week are among the seeds of fuzz/date_fuzz.cpp.
 
 #include "calendar/date_text.h"
 #include "calendar/market_calendar.h"
@@ -40,7 +41,6 @@ TEST(TradingDays, DayHasAnotherNumber) {
         const tarn::CalendarDate date = tarn::dateOfDay(number);
         ASSERT_EQ(year(static_cast<int>(date.year)) / date.month / date.day, expected);
         ASSERT_EQ(tarn::dayNumber(date), number);
-        ASSERT_EQ(tarn::isWeekend(number), weekday(day).c_encoding() % 6 == 0);
     }
 }
 
@@ -55,26 +55,13 @@ std::string tradingDay(int year, int month, int day, const char* today) {
 TEST(TradingDays, TodayOrItsTradingDayIsAnother) {
     EXPECT_EQ(getCurrentDate(nullptr, 1), nullptr);
     EXPECT_EQ(getCurrentTradingDate(nullptr, 1), nullptr);
+    EXPECT_EQ(getUpdateTime(static_cast<const std::tm*>(nullptr)), eUpdateWeekend);
     if (!tarntest::HeldClock::possible) GTEST_SKIP() << "the clock can't be held here";
-    EXPECT_EQ(tradingDay(1999, 11, 25, "11/25/99"), "11/26/99");
     EXPECT_EQ(tradingDay(1999, 12, 24, "12/24/1999"), "12/27/1999");
     EXPECT_EQ(tradingDay(1999, 10, 11, "10/11/99"), "10/11/99");  // a holiday of settlement alone
-    EXPECT_EQ(tradingDay(2005, 12, 31, "12/31/2005"), "01/02/2006");
     EXPECT_EQ(tradingDay(2004, 2, 28, "02/28/04"), "03/01/04");
-    EXPECT_EQ(tradingDay(12345, 1, 1, "01/01/1234"), "01/01/1234");  // behind the calendar's end, and cut
-    EXPECT_EQ(tradingDay(12345, 1, 1, "01/01/345"), "01/01/345");
-}
-
-TEST(TradingDays, MomentIsInAnotherPartOfTheWeek) {
-    const tarntest::HeldZone zone("UTC0");
-    const auto partOf = [](std::string text) { return getUpdateTime(text.data()); };
-    EXPECT_EQ(partOf("11/29/1999 08:59:59"), eUpdateBeforeMarket);  // a Monday
-    EXPECT_EQ(partOf("11/29/1999 09:00:00"), eUpdateDuringMarket);
-    EXPECT_EQ(partOf("12/03/1999 16:59:59"), eUpdateDuringMarket);
-    EXPECT_EQ(partOf("12/03/1999 17:00:00"), eUpdateAfterMarket);
-    EXPECT_EQ(partOf("11/27/1999 12:00:00"), eUpdateWeekend);
-    EXPECT_EQ(partOf("11/28/99 20:00:00"), eUpdateWeekend);
-    EXPECT_EQ(getUpdateTime(static_cast<const std::tm*>(nullptr)), eUpdateWeekend);
+    EXPECT_EQ(tradingDay(2005, 12, 31, "12/31/2005"), "01/02/2006");
+    EXPECT_EQ(tradingDay(12345, 1, 1, "01/01/345"), "01/01/345");  // behind the calendar's end
 }
 
 std::string settlement(const std::string& date, std::int32_t count, int fourDigitYear = 1) {
@@ -97,23 +84,19 @@ TEST(Settlement, CountDiffersFromAWalkDayByDay) {
 }
 
 TEST(Settlement, UnusualTextOrEndOfTheCalendarIsReadOtherwise) {
-    EXPECT_EQ(settlement("10/08/99", 1, 0), "10/12/99");
     EXPECT_EQ(settlement("01/01/90", 0), "01/01/2090");
     EXPECT_EQ(settlement("01/01/91", 0), "01/01/1991");
-    EXPECT_EQ(settlement("01/0119", 0), "01/01/0209");  // columns are read, and nothing between them
-    EXPECT_EQ(settlement("01/01/", 0), "01/01/0020");
+    EXPECT_EQ(settlement("01/01", 0), "01/01");
+    EXPECT_EQ(settlement("01-01-", 0), "01/01/0020");    // columns are read, and nothing between them
     EXPECT_EQ(settlement("02/31/99", 1), "03/01/1999");  // a day that its month doesn't have
     EXPECT_EQ(settlement("04/31/99", -1), "04/30/1999");
     EXPECT_EQ(settlement("02/00/99", 1), "02/01/1999");
     EXPECT_EQ(settlement("02/-9/99", -1), "01/29/1999");
-    EXPECT_EQ(settlement("13/05/99", 0), "13/05/1999");
     EXPECT_EQ(settlement("13/05/1999 16:05:00", 1), "13/05/1999");
-    EXPECT_EQ(settlement("11/30", 1), "11/30");
     EXPECT_EQ(settlement("12/30/9999", 1), "12/31/9999");
     EXPECT_EQ(settlement("12/31/9999", 1, 0), "12/31/9999");
     EXPECT_EQ(settlement("01/03/0001", -4, 0), "12/28/00");
     EXPECT_EQ(settlement("01/01/-1234", 0), "01/01/-123");
-    EXPECT_EQ(settlement("01/01/2001", 1982745), "01/01/9601");  // 400 years have 104,355 weekdays
     EXPECT_EQ(settlement("06/05/99999999999", -1), "12/31/9999");
     EXPECT_EQ(getSettlementDate(nullptr, 1, 1), nullptr);
 }

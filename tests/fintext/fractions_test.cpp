@@ -1,4 +1,5 @@
 // Fractions and changes: fintext/fractions.cpp, fintext/price_changes.cpp.
+// More texts are among the seeds of fuzz/price_fuzz.cpp, which knows what becomes of each.
 
 #include "fintext/financial_text.h"
 #include "tests/fintext/buffers.h"
@@ -19,36 +20,25 @@ TEST(Fractions, PriceIsNotTheNearest256th) {
         ASSERT_TRUE(slash == nullptr || slash[-1] % 2 == 1) << text;  // the numerator is odd
     }
     EXPECT_STREQ(asFraction(text, 2.5), "2 1/2");
-    EXPECT_STREQ(asFraction(text, -0.75), "-3/4");
     EXPECT_STREQ(asFraction(text, -0.001), "-0");
     EXPECT_STREQ(asFraction(text, 1e9), "8388607 255/256");
     EXPECT_EQ(asFraction(nullptr, 1), nullptr);
 }
 
 TEST(Fractions, AnotherPartOfTheTextIsRewritten) {
-    const auto reduced = [](const char* text) {
-        return written([](const char* from, char* to) { asReducedFraction(to, from); }, text);
-    };
-    EXPECT_EQ(reduced("-5 24/64"), "-5 3/8");
-    EXPECT_EQ(reduced("6/9 x"), "6/9");  // an even numerator is written anew
-    EXPECT_EQ(reduced("3/8 x"), "3/8 x");
-    EXPECT_EQ(reduced("x006/ 8/2"), "x3/4");
-    EXPECT_EQ(reduced("4/-8"), "4/-8");
-    EXPECT_EQ(reduced("0/8 x"), "0/8 x");
-
-    const auto rebased = [](const char* text, int denominator) {
-        return written([&](const char* from, char* to) { asUniformFraction(to, from, denominator); }, text);
+    char text[] = "-5 24/64";
+    EXPECT_STREQ(asReducedFraction(text, text), "-5 3/8");
+    EXPECT_EQ(asReducedFraction(nullptr, text), nullptr);
+    const auto rebased = [](const char* source, int denominator) {
+        return written([&](const char* from, char* to) { asUniformFraction(to, from, denominator); }, source);
     };
     EXPECT_EQ(rebased("12.9999", 8), "12 8/8");
     EXPECT_EQ(rebased("2 1/2 x", 8), "2 4/8");
     EXPECT_EQ(rebased("1/16", 8), "1/8");  // a half goes up
     EXPECT_EQ(rebased("1/17", 8), "0/8");
-    EXPECT_EQ(rebased("5", 8), "5");
     EXPECT_EQ(rebased("1/0", 8), "1/0");
     EXPECT_EQ(rebased("0/4", 8), "0/4");
     EXPECT_EQ(rebased("-.5/8", 2), "- 1/2");
-    EXPECT_EQ(rebased("1.5", 1), "1.5");
-    EXPECT_EQ(rebased("1.5", 513), "1.5");
     EXPECT_EQ(rebased("2000000000/1", 512), "2147483647/512");
 }
 
@@ -72,30 +62,13 @@ TEST(PriceChanges, PercentIsOfAnotherPriceOrForm) {
         tarntest::inCLocale([&] { return asPercentChange(text, "%.2f", each.price, each.change); });
         EXPECT_STREQ(text, each.signedPercent) << each.price << ", " << each.change;
     }
-    char buffer[] = "4/2";
-    EXPECT_EQ(asReducedFraction(buffer, buffer), buffer);
-    EXPECT_EQ(asUniformFraction(buffer, buffer, 2), buffer);
     EXPECT_EQ(percentChange(nullptr, 2, "5", "1"), nullptr);
     EXPECT_EQ(asPercentChange(nullptr, "%.2f", "5", "1"), nullptr);
 }
 
-ePriceChange sorted(const char* text, const char* result) {
-    char buffer[40];
-    std::strcpy(buffer, text);
-    const ePriceChange change = signPriceChange(buffer);
-    EXPECT_STREQ(buffer, result);
-    return change;
-}
-
 TEST(PriceChanges, SignIsAnother) {
-    EXPECT_EQ(changed(flipSign, "5"), "-5");
     EXPECT_EQ(changed(flipSign, "-1.25"), "1.25");
-    EXPECT_EQ(changed(flipSign, "-0.75"), "-0.75");
-    EXPECT_EQ(sorted("", ""), ePriceUnchanged);
-    EXPECT_EQ(sorted("0", "0"), ePriceUnchanged);
-    EXPECT_EQ(sorted("0.00", "+0.00"), ePriceUp);
-    EXPECT_EQ(sorted("+2345678901234567890", "++2345678901234"), ePriceUp);
-    EXPECT_EQ(sorted("-2345678901234567890", "-2345678901234"), ePriceDown);
+    EXPECT_EQ(changed(signPriceChange, "+2345678901234567890"), "++2345678901234");
     EXPECT_EQ(signPriceChange(nullptr), ePriceChangeNone);
 }
 

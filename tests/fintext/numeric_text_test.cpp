@@ -1,4 +1,6 @@
 // Numeric text: fintext/numeric_text.cpp, and fintext/number_display.cpp, which rounds for it.
+// The dialects of the readers are among the seeds of fuzz/price_fuzz.cpp and fuzz/number_fuzz.cpp, which read
+// the texts in a plain way too.
 
 #include "core/string.h"
 #include "fintext/financial_text.h"
@@ -13,34 +15,9 @@ using tarntest::number;
 using tarntest::written;
 
 TEST(NumericText, ReaderTakesTextInAnotherDialect) {
-    const struct {
-        const char* text;
-        double price;  // by strToDouble
-        std::int32_t whole;
-        double amount;
-    } rows[] = {
-        {" \t+7.25", 7.25, 0, 0},
-        {"12-3/8", 12.375, 12, 12},
-        {"-12 3/8", -12.375, 0, 0},
-        {"1,234,567", 1 + 234.0 / 567, 1234567, 1234567},
-        {"0 1/2", 0.5, 0, 0},  // a number that is still 0 stays open
-        {"1 2/0", 0.5, 1, 1},
-        {"1 2/4 .5", 1.5, 1, 1},  // nothing is read behind the third number
-        {"5/1.25mk", 5, 5, 5},    // a point makes the whole text a decimal
-        {",1.25mk", 0, 1, 1250},
-        {"5Mm", 5, 5'000'000, 5'000'000},
-        // Whole numbers wrap at 32 bits, and one that is below 0 stays open.
-        {"4294967297", 1, 1, 4294967297.0},
-        {"3000000000k", -1'294'967'296, 2'112'827'392, 3e12},
-        {"3000000000 1/2", -647'710'708, -1'294'967'296, 3e9},
-        {"1 3000000000", 0, 1, 1},
-        {"1 1/3000000000", 0, 1, 1},
-    };
-    for (const auto& each : rows) {
-        EXPECT_EQ(strToDouble(each.text), each.price) << each.text;
-        EXPECT_EQ(fmtToLong(each.text), each.whole) << each.text;
-        EXPECT_EQ(fmtToDouble(each.text), each.amount) << each.text;
-    }
+    EXPECT_EQ(strToDouble("-12 3/8"), -12.375);
+    EXPECT_EQ(fmtToLong("1,234,567"), 1'234'567);
+    EXPECT_EQ(fmtToDouble(",1.25mk"), 1250);
     EXPECT_EQ(strToDouble(nullptr), 0);
     EXPECT_EQ(fmtToLong(nullptr), 0);
     EXPECT_EQ(fmtToDouble(nullptr), 0);
@@ -52,7 +29,6 @@ TEST(NumericText, CharactersAreMiscounted) {
     EXPECT_EQ(validateFloatFormat("1234.5", 3, 2), 0);
     EXPECT_EQ(validateFloatFormat("00123", 3, 2), 0);  // zeros count where there is no point
     EXPECT_EQ(validateFloatFormat("1.2.", 1, 2), 0);   // stripTrailZeros puts a 0 behind the last point
-    EXPECT_EQ(validateFloatFormat("abc", 3, 2), 1);
     EXPECT_EQ(validateFloatFormat("123456.7", -1, 1), 1);
     EXPECT_EQ(validateFloatFormat(nullptr, -1, -1), 0);
     EXPECT_EQ(isAlphaNum("AZaz09"), 1);
@@ -60,31 +36,23 @@ TEST(NumericText, CharactersAreMiscounted) {
     EXPECT_EQ(isAlphaNum(nullptr), 0);
 }
 
-TEST(NumericText, DecimalsAreCutOrFilledUpWrongly) {
+TEST(NumericText, DecimalsAreCutFilledUpOrRoundedWrongly) {
     EXPECT_EQ(changed(stripTrailDecimal, "12.3456", 2U), "12.34");
     EXPECT_EQ(changed(stripTrailDecimal, "12.34", 0U), "12.");
     EXPECT_EQ(changed(stripTrailDecimal, "1.5", 4'000'000'000U), "1.5");
-    EXPECT_EQ(changed(stripTrailDecimalZeros, "  12.500", 7U), "12.5");
-    EXPECT_EQ(changed(stripTrailDecimalZeros, " 120", 7U), "120");
-    EXPECT_EQ(changed(stripTrailDecimalZeros, ".000", 7U), "");
-    EXPECT_EQ(changed(stripTrailDecimalZeros, "12.50 ", 7U), "12.50 ");
+    EXPECT_EQ(changed(stripTrailDecimalZeros, " .000", 7U), "");
     EXPECT_EQ(changed(stripLeadZeros, " 0 0.5"), ".5");
     EXPECT_EQ(written(formatStringToFloat, "12", 2U), "12");
     EXPECT_EQ(written(formatStringToFloat, "1.005", 2U), "1.00");
     EXPECT_EQ(written(formatStringToFloat, "1.5/2", 3U), "1.5/2");
-    EXPECT_EQ(written(formatStringToFloat, "1.5", 4'000'000'000U), "1.5" + std::string(1073, '0'));
-}
-
-TEST(NumericText, DroppedHalfIsRoundedOtherwise) {
     EXPECT_EQ(written(formatStringToFloatWithRounding, "12", 2U), "12.00");
     EXPECT_EQ(written(formatStringToFloatWithRounding, "0.5", 0U), "1");
-    EXPECT_EQ(written(formatStringToFloatWithRounding, "1.005", 2U),
-              "1.01");  // just what 1 and 0.005 add up to
-    EXPECT_EQ(written(formatStringToFloatWithRounding, "0.15", 1U),
-              "0.1");  // 0.1 and 0.05 add up to a bit more
+    // 1 and 0.005 add up to just 1.005, but 0.1 and 0.05 to a bit more than 0.15.
+    EXPECT_EQ(written(formatStringToFloatWithRounding, "1.005", 2U), "1.01");
+    EXPECT_EQ(written(formatStringToFloatWithRounding, "0.15", 1U), "0.1");
     EXPECT_EQ(written(formatStringToFloatWithRounding, "-1.125", 2U), "-1.12");
-    EXPECT_EQ(written(formatStringToFloatWithRounding, "1.5", 4'000'000'000U),
-              "1.5" + std::string(1073, '0'));
+    for (const auto format : {formatStringToFloat, formatStringToFloatWithRounding})
+        EXPECT_EQ(written(format, "1.5", 4'000'000'000U), "1.5" + std::string(1073, '0'));
     EXPECT_EQ(written(formatStringToFloatWithRounding, "n/a", 3U), "n/a");
     EXPECT_EQ(written(formatStringToFloatWithRounding, "", 3U), "");
 }

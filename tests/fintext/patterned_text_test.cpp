@@ -1,5 +1,7 @@
 // Patterned text and the small ones: fintext/patterned_text.cpp, fintext/fixed_forms.cpp,
 // fintext/text_tools.cpp, fintext/clock_text.cpp, fintext/fund_amount.cpp, fintext/industry_symbols.cpp.
+// More texts are among the seeds of fuzz/number_fuzz.cpp, for money, and fuzz/symbol_fuzz.cpp, for dates and
+// the text tools.
 
 #include "core/string.h"
 #include "engine/engine_data.h"
@@ -27,33 +29,21 @@ TEST(PatternedText, PatternTakesCharactersOtherwise) {
     EXPECT_EQ(patterned("-123456", "*,###*", eNegLeading), "-123,456");
     EXPECT_EQ(patterned("-34.56", "$*,###*.##", eNegTrailing), "$34.56-");
     EXPECT_EQ(patterned("1.5", "$*,###*.##"), "1.5");  // the prefix isn't reached
-    EXPECT_EQ(patterned("1234", "##-##-##"), "12-34");
     EXPECT_EQ(patterned("1234", ",###"), "234");  // what is left over is dropped, and so is the last comma
     EXPECT_EQ(patterned("123456", "a*b#*c#*d#"), "a*b#1c2c3c4c5d6");
     EXPECT_EQ(patterned("1234", "$*-*##"), "$-34");  // a group without a place is written once
-    EXPECT_EQ(patterned("12", "$*#-*#"), "$1-2");
     EXPECT_EQ(patterned("345", "#*##"), "345");
     char target[8];
     formatStringWithPattern(nullptr, "#", target, eNegParens);
     EXPECT_STREQ(target, "$0.0");
 }
 
-std::string money(const char* text, int style) {
-    tarnString target(text);
-    formatToMoneyFormat(text == nullptr ? nullptr : target.text, target, style);
-    return target.text;
-}
-
 TEST(PatternedText, MoneyIsWrittenOtherwise) {
-    EXPECT_EQ(money("-1234.5", 1), "-$1,234.50");
-    EXPECT_EQ(money("123456", 0), "123,456");
-    EXPECT_EQ(money("1234", 2), "1,234.00");
-    EXPECT_EQ(money("1234.567", 1), "$1,234.567");
-    EXPECT_EQ(money("1,234", 1), "1,234");
-    EXPECT_EQ(money("-.50", 1), "-.50");
-    EXPECT_EQ(money("12.x", 1), "$12.x");
-    EXPECT_EQ(money("", 2), "$0.00");
-    EXPECT_EQ(money(nullptr, 2), "$0.00");
+    tarnString money("-1234.5");
+    formatToMoneyFormat(money.text, money, 1);
+    EXPECT_STREQ(money.text, "-$1,234.50");
+    formatToMoneyFormat(nullptr, money, 2);
+    EXPECT_STREQ(money.text, "$0.00");
 }
 
 TEST(PatternedText, FormTakesAnotherCharacter) {
@@ -61,52 +51,43 @@ TEST(PatternedText, FormTakesAnotherCharacter) {
     EXPECT_EQ(written(fmtToPhoneNumber, "5551234"), "555-1234");
     EXPECT_EQ(written(fmtToPhoneNumber, "2125551234"), "(212) 555-1234");
     EXPECT_EQ(written(formatStringToDate, "113019991234"), "11/30/1999");
-    EXPECT_EQ(written(formatStringToDate, "abcd"), "ab/cd");
-    EXPECT_EQ(written(formatStringToDate, ""), " ");
     EXPECT_EQ(written(formatDateToString, "1/2/345678901"), "12345678");
     char target[20];
-    EXPECT_EQ(fmtToTaxId("123456789", target), 1);
-    EXPECT_EQ(fmtToTaxId("1234567890", target), 0);
     EXPECT_EQ(fmtToPhoneNumber("2125551234", target), 1);
     EXPECT_EQ(fmtToPhoneNumber("12345678", target), 0);
+    EXPECT_EQ(fmtToTaxId("1234567890", target), 0);
     EXPECT_STREQ(target, "(212) 555-1234");
 }
 
-std::string newText(char* text) {
-    const std::unique_ptr<char[]> owned(text);
-    return text == nullptr ? "no new text" : text;
-}
-
 TEST(TextTools, AnotherCharacterIsTaken) {
-    EXPECT_EQ(changed(removeDoubleSpaces, "  a   b \t c\n\n"), " a b \t c\n\n");
+    EXPECT_EQ(changed(removeDoubleSpaces, "  a   b \t c"), " a b \t c");
     EXPECT_EQ(changed(removeSpace, " a \tb "), "a\tb");
     EXPECT_EQ(changed(removeNewline, "a\r\n\tb\n"), "a  \tb ");
-    EXPECT_EQ(newText(convertNewline("a\r\nb\n")), "a\r\r\nb\r\n");
-    EXPECT_EQ(newText(convertNewline("a\r")), "no new text");
-    EXPECT_EQ(newText(convertNewline(nullptr)), "no new text");
-    EXPECT_EQ(newText(concatstr("ab", "cd")), "abcd");
-    EXPECT_EQ(newText(concatstr("ab", nullptr)), "no new text");
-    EXPECT_EQ(newText(concatstr(nullptr, "cd")), "no new text");
+    const std::unique_ptr<char[]> converted(convertNewline("a\r\nb\n"));
+    EXPECT_STREQ(converted.get(), "a\r\r\nb\r\n");
+    EXPECT_EQ(convertNewline("a\r"), nullptr);
+    EXPECT_EQ(convertNewline(nullptr), nullptr);
+    EXPECT_EQ(concatstr("ab", nullptr), nullptr);
+    EXPECT_EQ(concatstr(nullptr, "cd"), nullptr);
     char text[] = "ab\n";
     EXPECT_EQ(removeNewline(text), 1);
     EXPECT_EQ(removeNewline(text), 0);
-    EXPECT_EQ(removeNewline(nullptr), 0);
 }
 
 // Sums over the vendor's list: of the ids, and of each times its symbol's last two letters taken as a number.
 TEST(IndustrySymbols, IdOrSymbolIsMisspelt) {
     std::int64_t ids = 0;
     std::int64_t spelling = 0;
-    for (int id = -1000; id < 1000; ++id) {
+    for (int id = 0; id < 1000; ++id) {
         const char* const symbol = getInduSymFromID(id);
         if (symbol == nullptr) continue;
         EXPECT_EQ(std::string(symbol, 4), "SP__");
         ids += id;
         spelling += id * (symbol[4] * 256 + symbol[5]);
     }
-    EXPECT_EQ(ids, 35018 - 1);
-    EXPECT_EQ(spelling, 690'723'414 - ('P' * 256 + 'H'));  // of those without an id the first is found
-    EXPECT_STREQ(getInduSymFromID(-1), "SP__PH");
+    EXPECT_EQ(ids, 35018);
+    EXPECT_EQ(spelling, 690'723'414);
+    EXPECT_STREQ(getInduSymFromID(-1), "SP__PH");  // the first of those without an id
 }
 
 std::string timeAt(int hour, void (*write)(char*, int), int twelveHour) {
@@ -134,7 +115,6 @@ TEST(FundAmount, ComesFromAnotherField) {
     EXPECT_EQ(unitsWith(1750, "0.00"), eFundUnitsNone);
     EXPECT_STREQ(target, "old");
     EXPECT_EQ(unitsWith(1750, "7"), eFundUnitsOther);
-    EXPECT_STREQ(target, "7");
     EXPECT_EQ(unitsWith(595, "100"), eFundUnitsOther);
     EXPECT_EQ(unitsWith(1664, "abc"), eFundUnitsOther);
     EXPECT_STREQ(target, "100");

