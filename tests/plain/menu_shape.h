@@ -24,13 +24,13 @@ struct MenuNode {
 using MenuNodes = std::vector<MenuNode>;
 
 inline MenuNode popup(std::optional<std::string> label, std::int32_t number, MenuNodes children = {}) {
-    return {menuPopup, std::move(label), {}, number, -1, std::move(children)};
+    return {tarn::menuPopup, std::move(label), {}, number, -1, std::move(children)};
 }
 inline MenuNode item(std::string label, std::int32_t number, std::int32_t id, std::string extra) {
-    return {menuItem, std::move(label), std::move(extra), number, id, {}};
+    return {tarn::menuItem, std::move(label), std::move(extra), number, id, {}};
 }
 inline MenuNode separator() {
-    return {menuSeparator, {}, {}, -1, -1, {}};
+    return {tarn::menuSeparator, {}, {}, -1, -1, {}};
 }
 
 inline MenuNode treeOf(const tarnMenuDef& node) {
@@ -43,8 +43,9 @@ inline MenuNode treeOf(const tarnMenuDef& node) {
 
 inline std::string readable(const MenuNode& node) {
     const auto quoted = [](const auto& text) { return text ? '"' + *text + '"' : "nullptr"; };
-    if (node.kind == menuSeparator && node == separator()) return "separator()";
-    std::string shown = node.kind == menuPopup ? "popup(" : node.kind == menuItem ? "item(" : "other(";
+    if (node.kind == tarn::menuSeparator && node == separator()) return "separator()";
+    const bool isPopup = node.kind == tarn::menuPopup;
+    std::string shown = isPopup ? "popup(" : node.kind == tarn::menuItem ? "item(" : "other(";
     shown += quoted(node.label) + ", " + std::to_string(node.number);
     if (node.id != -1 || node.extra) shown += ", " + std::to_string(node.id) + ", " + quoted(node.extra);
     const char* between = ", {";

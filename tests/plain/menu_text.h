@@ -73,7 +73,7 @@ class MenuReader {
         }
     }
     void fillItem(MenuNode& item) {
-        item.kind = menuItem;
+        item.kind = tarn::menuItem;
         item.id = number();
         item.extra = tokens_[next_++];
     }
