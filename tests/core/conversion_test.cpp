@@ -60,14 +60,16 @@ TEST(ConversionTest, AFormatTakesThePayloadOfItsTag) {
     EXPECT_STREQ(Text(convertToString(&view, "%ls")).get(), "wide");
 }
 
-TEST(ConversionTest, ATextBecomesTheWantedTag) {
+// tests/data reads a text of every type.
+TEST(ConversionTest, ATextBeyondItsTagIsCutAndOtherTagsLeaveItAlone) {
     const struct {
         const char* content;
         Owned value;
     } rows[] = {
-        {"70000", number(tagShort, 4464)}, {"99999999999", number(tagLong, INT32_MAX)},
-        {"1.5", number(tagFloat, 1.5)},    {"-1e2", number(tagDouble, -100)},
-        {nullptr, number(tagChar, 0)},     {"12x", number(tagNumber, 12)},
+        {"70000", number(tagShort, 4464)},
+        {"99999999999", number(tagLong, INT32_MAX)},
+        {"12x", number(tagNumber, 12)},
+        {nullptr, number(tagChar, 0)},
     };
     for (const auto& each : rows) {
         Owned value = text(each.content);

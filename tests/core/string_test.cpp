@@ -50,16 +50,15 @@ TEST(StringTest, OnlyPricesThatAUserMayTypeAreValid) {
 }
 
 TEST(StringTest, OneToFiveDecimalsStayAndOtherCountsAreStripped) {
-    const struct {
-        double number;
-        std::int16_t decimals;
-        const char* text;
-    } rows[] = {{-0.125, 1, "-0.1"}, {0.5, 5, "0.50000"}, {2.5, 6, "2.5"}, {1200, 0, "1200.0"}};
-    for (const auto& each : rows) {
+    const auto shown = [](double number, std::int16_t decimals) {
         tarnString string;
-        string.assign(each.number, each.decimals);
-        EXPECT_STREQ(string.text, each.text);
-    }
+        string.assign(number, decimals);
+        return std::string(string.text);
+    };
+    EXPECT_EQ(shown(-0.125, 1), "-0.1");
+    EXPECT_EQ(shown(0.5, 5), "0.50000");
+    EXPECT_EQ(shown(2.5, 6), "2.5");
+    EXPECT_EQ(shown(1200, 0), "1200.0");
 }
 
 TEST(StringTest, TrimCutsBothEndsInsideTheBuffer) {

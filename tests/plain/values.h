@@ -11,7 +11,6 @@
 #include <utility>
 #include <vector>
 
-#include "base/byte_order.h"
 #include "core/number_text.h"
 #include "core/string.h"
 #include "core/variant.h"
