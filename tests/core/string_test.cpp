@@ -84,26 +84,22 @@ TEST(BufferTest, RandomWorkMatchesAStringAndCapacityGrowsInSteps) {
             const auto count = static_cast<std::int32_t>(bytes.size());
             const std::size_t place = random() % (content.size() + 2);
             const auto offset = static_cast<std::int32_t>(place);
-            switch (random() % 5) {
-                case 0:
-                    buffer.append(bytes.data(), count);
-                    content += bytes;
-                    break;
-                case 1:
-                    buffer.assign(bytes.data(), count);
-                    content = bytes;
-                    break;
-                case 2:
-                    buffer.prepend(bytes.data(), count);
-                    content.insert(0, bytes);
-                    break;
-                case 3:
-                    buffer.replace(bytes.data(), offset, count);
-                    if (place + bytes.size() <= content.size()) content.replace(place, bytes.size(), bytes);
-                    break;
-                default:
-                    buffer.removeRange(offset, count);
-                    if (place < content.size()) content.erase(place, bytes.size());
+            const auto work = random() % 5;
+            if (work == 0) {
+                buffer.append(bytes.data(), count);
+                content += bytes;
+            } else if (work == 1) {
+                buffer.assign(bytes.data(), count);
+                content = bytes;
+            } else if (work == 2) {
+                buffer.prepend(bytes.data(), count);
+                content.insert(0, bytes);
+            } else if (work == 3) {
+                buffer.replace(bytes.data(), offset, count);
+                if (place + bytes.size() <= content.size()) content.replace(place, bytes.size(), bytes);
+            } else {
+                buffer.removeRange(offset, count);
+                if (place < content.size()) content.erase(place, bytes.size());
             }
             while (capacity < content.size()) capacity += 4096;
             ASSERT_EQ(static_cast<std::size_t>(buffer.capacity), capacity);

@@ -69,14 +69,4 @@ TEST(VariantTest, AContainerWithoutItsListIsAnEmptyOne) {
     EXPECT_EQ(nothing(tagList).sizeOfData(), 4);
 }
 
-TEST(VariantTest, AThousandLevelsAreCopiedMeasuredAndReleased) {
-    Owned value = number(tagLong, 1);
-    for (int level = 0; level < 1000; ++level) {
-        Owned outer = listOf({});
-        outer.payload.list->add(value.release());
-        value = std::move(outer);
-    }
-    EXPECT_EQ(Owned(&value).sizeOfData(), 4004);
-}
-
 }  // namespace
