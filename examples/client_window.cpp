@@ -36,7 +36,7 @@ void showEntry(HMENU menu, int position, int depth) {
     const char* const drawn = (info.fType & MFT_OWNERDRAW) != 0 ? "owner-drawn" : "not owner-drawn";
     const int width = 28 - 2 * depth;
     std::printf("%*s", 2 * depth, "");
-    if (node->kind == menuSeparator) {
+    if (node->kind == tarn::menuSeparator) {
         std::printf("%.*s\n", width, rule);
         return;
     }

@@ -29,11 +29,13 @@
 #include "platform/win32.h"
 
 namespace tarn {
+
 class MenuBuilder;
-}
 
 /// What a node of a menu tree is.
-enum tarnMenuKind : std::int32_t { menuPopup = 1, menuItem = 2, menuSeparator = 3 };
+enum MenuKind : std::int32_t { menuPopup = 1, menuItem = 2, menuSeparator = 3 };
+
+}  // namespace tarn
 
 /// A token: the trimmed text inside the parsed one.
 struct _link {
@@ -79,7 +81,7 @@ class TARN_EXPORT tarnParser {
 /// its children.  Only the parser makes nodes.
 class TARN_EXPORT tarnMenuDef {
   public:
-    std::int32_t kind = 0;         ///< a tarnMenuKind
+    std::int32_t kind = 0;         ///< a tarn::MenuKind
     char* label = nullptr;         ///< NUL-terminated; NULL for a separator
     std::int32_t labelLength = 0;  ///< in bytes
     std::int32_t id = -1;          ///< an item's command

@@ -114,7 +114,7 @@ void tarnMenuDef::createMenu() {
         unfilled.pop_back();
         for (std::int32_t i = 0; i < node->childCount; ++i) {
             tarnMenuDef* const child = node->children[i];
-            if (child->kind == menuPopup) {
+            if (child->kind == tarn::menuPopup) {
                 child->renewMenu();
                 unfilled.push_back(child);
             }
@@ -131,11 +131,11 @@ void tarnMenuDef::renewMenu() {
 void tarnMenuDef::appendEntry(tarnMenuDef& child) const {
     const char* const data = reinterpret_cast<const char*>(&child);
     switch (child.kind) {
-        case menuPopup:
+        case tarn::menuPopup:
             AppendMenuA(menu, MF_POPUP | MF_OWNERDRAW, reinterpret_cast<ULONG_PTR>(child.menu), data);
             break;
-        case menuItem: AppendMenuA(menu, MF_OWNERDRAW, static_cast<UINT>(child.id), data); break;
-        case menuSeparator: AppendMenuA(menu, MF_OWNERDRAW, 0, data); break;
+        case tarn::menuItem: AppendMenuA(menu, MF_OWNERDRAW, static_cast<UINT>(child.id), data); break;
+        case tarn::menuSeparator: AppendMenuA(menu, MF_OWNERDRAW, 0, data); break;
         default: break;
     }
 }

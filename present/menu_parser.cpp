@@ -71,7 +71,7 @@ class MenuBuilder {
         node.labelLength = static_cast<std::int32_t>(token->length);
     }
 
-    static tarnMenuDef* addNode(tarnMenuDef& popup, tarnMenuKind kind) {
+    static tarnMenuDef* addNode(tarnMenuDef& popup, MenuKind kind) {
         std::unique_ptr<tarnMenuDef> node(new tarnMenuDef(&popup));
         node->kind = kind;
         popup.addChild(node.get());

@@ -17,7 +17,6 @@
 #include <fstream>
 #include <memory>
 #include <random>
-#include <sstream>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -70,8 +69,8 @@ auto inCLocale(Call call) {
     std::setlocale(LC_NUMERIC, before.c_str());
     return answer;
 }
-inline double numberOf(const char* text, char** end = nullptr) {
-    return inCLocale([&] { return std::strtod(text, end); });
+inline double numberOf(const char* text) {
+    return inCLocale([&] { return std::strtod(text, nullptr); });
 }
 
 // As the format "%.10g" shows it, in every locale.

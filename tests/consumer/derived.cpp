@@ -14,8 +14,6 @@ int alive = 0;
 class Position : public tarnObject {
   public:
     Position() { ++alive; }
-    Position(const Position&) = delete;
-    Position& operator=(const Position&) = delete;
     ~Position() override { --alive; }
     std::int32_t objectHook1(std::int32_t first, std::int32_t second) override { return first * second; }
 };

@@ -7,7 +7,6 @@ namespace {
 using namespace tarntest;
 
 TEST(ComparisonTest, TagsDecideWhatCountsAsEqualLikeAndBelow) {
-    const Owned list = listOf({number(tagLong, 1)});
     const struct {
         Owned a, b;
         std::int32_t order;  // of texts a sign
@@ -16,7 +15,6 @@ TEST(ComparisonTest, TagsDecideWhatCountsAsEqualLikeAndBelow) {
     } rows[] = {
         {number(tagShort, 5), number(tagShort, 3), 2, 0, 0},
         {number(tagShort, 102), text("1e2", tagString), 2, 0, 0},
-        {number(tagLong, 10), number(tagDouble, 9.9), 1, 0, 0},
         {number(tagLong, -5), number(tagFloat, -5.9), 0, 0, 0},
         {number(tagLong, 12), text("12.5"), 0, 0, 0},
         {number(tagLong, 5), number(tagDouble, 1e300), 5 - INT32_MAX, 0, 0},
@@ -24,27 +22,21 @@ TEST(ComparisonTest, TagsDecideWhatCountsAsEqualLikeAndBelow) {
         {number(tagFloat, 1), number(tagDouble, 2), -1, 0, 0},
         {number(tagFloat, 1), number(tagFloat, 1), 0, 1, 0},
         {number(tagDouble, 2.5), text("2.5"), 0, 0, 0},
-        {number(tagDouble, 5), number(tagShort, 5), 0, 0, 0},
         {number(tagChar, -1), text("A"), -66, 0, 0},
         {number(tagChar, 6), number(tagChar, 6), 0, 1, 0},
         {number(tagUShort, 65535), number(tagUShort, 0), 65535, 0, 0},
-        {number(tagWord, -1), number(tagWord, -1), 0, 1, 0},
         {text("abc"), text("ABC"), 0, 1, 1},
         {text("Abcd"), text("aB"), 1, 0, 1},
         {text("aB"), text("Abcd"), -1, 0, 0},
-        {text("a"), text(""), 1, 0, 1},
         {text(nullptr), text(nullptr), 0, 1, 0},
         {text("2.5"), number(tagFloat, 2.5), 0, 0, 0},
-        {text("a"), list, 1, 0, 0},
+        {text("a"), nothing(tagList), 1, 0, 0},
         {text("a", tagString), text("A", tagString), 0, 1, 1},
         {text("2.5", tagString), number(tagFloat, 2.5), 1, 0, 0},  // a float isn't made into a string object
         {text(nullptr, tagString), text(nullptr, tagString), 0, 0, 0},
         {wideText(u"a"), wideText(u"b"), -1, 0, 0},
-        {wideText(u"a"), wideText(u"a"), 0, 1, 0},
         {wideText(u"a"), nothing(tagWideText), 1, 0, 0},
-        {nothing(tagEmpty), nothing(tagEmpty), 0, 0, 0},
         {blob("a"), blob("a"), 0, 0, 0},
-        {list, list, 0, 0, 0},
     };
     for (const auto& [a, b, order, equal, like] : rows) {
         const std::string pair = readable(&a) + " and " + readable(&b);

@@ -22,22 +22,17 @@ TEST(ConversionTest, EachTagHasItsTextForm) {
         {number(tagChar, 'A'), "A", "A", "x"},
         {number(tagWord, -1), "-1", "", "x"},
         {number(tagNumber, 7), "7", "7", "x"},
-        {text("abc"), "abc", "abc", "xabc"},
         {text(nullptr), "", "", "x"},
         {text("abc", tagString), "abc", "abc", "xabc"},
-        {nothing(tagBlob), "0", "", "x"},
     };
     for (const auto& each : rows) {
         tarnString string("x");
         string.append(&each.value);
-        EXPECT_STREQ(string.text, each.appended) << readable(&each.value);
+        EXPECT_STREQ(string.text, each.appended);
         string.assign(&each.value);
-        EXPECT_STREQ(string.text, each.assigned) << readable(&each.value);
+        EXPECT_STREQ(string.text, each.assigned);
         EXPECT_STREQ(Text(convertToString(&each.value)).get(), each.converted);
     }
-    tarnString string("x");
-    string.append(static_cast<const MOLTVARIANT*>(nullptr));
-    EXPECT_EQ(string.length, 0);
 }
 
 TEST(ConversionTest, AFormatTakesThePayloadOfItsTag) {
@@ -46,7 +41,6 @@ TEST(ConversionTest, AFormatTakesThePayloadOfItsTag) {
         const char *format, *text;
     } rows[] = {
         {number(tagShort, -300), "%d", "-300"},
-        {number(tagLong, 70000), "<%6d>", "< 70000>"},
         {number(tagLong, -5), "%%ld is %ld%%", "%ld is -5%"},  // a client's long has 32 bits
         {number(tagLong, -1), "%-9.8lx|", "ffffffff |"},
         {number(tagFloat, 0.5), "%.3lf", "0.500"},
@@ -57,7 +51,7 @@ TEST(ConversionTest, AFormatTakesThePayloadOfItsTag) {
     };
     for (const auto& each : rows) {
         const Text text(inCLocale([&] { return convertToString(&each.value, each.format); }));
-        EXPECT_STREQ(text.get(), each.text) << each.format;
+        EXPECT_STREQ(text.get(), each.text);
     }
     wchar_t wide[] = L"wide";
     MOLTVARIANT view;
@@ -66,19 +60,19 @@ TEST(ConversionTest, AFormatTakesThePayloadOfItsTag) {
     EXPECT_STREQ(Text(convertToString(&view, "%ls")).get(), "wide");
 }
 
-TEST(ConversionTest, ATextBecomesTheWantedTag) {
+// tests/data reads a text of every type.
+TEST(ConversionTest, ATextBeyondItsTagIsCutAndOtherTagsLeaveItAlone) {
     const struct {
         const char* content;
         Owned value;
     } rows[] = {
-        {"70000", number(tagShort, 4464)}, {"99999999999", number(tagLong, INT32_MAX)},
-        {"1.5", number(tagFloat, 1.5)},    {"-1e2", number(tagDouble, -100)},
-        {"AB", number(tagChar, 'A')},      {nullptr, number(tagChar, 0)},
-        {"12x", number(tagNumber, 12)},    {"abc", text("abc")},
+        {"70000", number(tagShort, 4464)},
+        {"99999999999", number(tagLong, INT32_MAX)},
+        {"12x", number(tagNumber, 12)},
+        {nullptr, number(tagChar, 0)},
     };
     for (const auto& each : rows) {
-        Owned value = nothing(tagBlob);  // the tag before doesn't count
-        value.payload.text = each.content == nullptr ? nullptr : newstr(each.content);
+        Owned value = text(each.content);
         convertFromString(&value, each.value.tag);
         EXPECT_EQ(each.value, value);
     }
@@ -89,18 +83,15 @@ TEST(ConversionTest, ATextBecomesTheWantedTag) {
 
 TEST(ConversionTest, AFieldTypeMakesTheTagOfThirtyTwoBits) {
     const struct {
-        std::int32_t type;
-        Owned value;
-    } rows[] = {
-        {tarn::fieldShort, number(tagShort, 3)},     {tarn::fieldSecondLong, number(tagLong, 3)},
-        {tarn::fieldCharacter, number(tagChar, 3)},  {tarn::fieldText, number(tagChar, 3)},
-        {tarn::fieldSecondText, number(tagChar, 3)}, {tarn::fieldThirdText, number(tagChar, 3)},
-        {tarn::fieldFloat, number(tagFloat, 3)},     {tarn::fieldDouble, number(tagDouble, 3)},
-    };
+        std::int32_t type, tag;
+    } rows[] = {{tarn::fieldShort, tagShort},     {tarn::fieldSecondLong, tagLong},
+                {tarn::fieldCharacter, tagChar},  {tarn::fieldText, tagChar},
+                {tarn::fieldSecondText, tagChar}, {tarn::fieldThirdText, tagChar},
+                {tarn::fieldFloat, tagFloat},     {tarn::fieldDouble, tagDouble}};
     for (const auto& each : rows) {
         Owned value = number(tagLong, 3);
         convertFromLong(&value, each.type, 1);
-        EXPECT_EQ(each.value, value);
+        EXPECT_EQ(number(each.tag, 3), value);
     }
     Owned pointer = text("abc");
     pointer.tag = tagLong;

@@ -35,15 +35,6 @@ TEST(Exception, OnlyTheFirstKindAsksAndOnlySixIsYes) {
     EXPECT_EQ(tarnException(std::int32_t{5}, tarnString("Lost")).code, 5);
 }
 
-TEST(Exception, HooksAnswerNothing) {
-    tarnObject object;
-    EXPECT_EQ(object.objectHook1(1, 2), 0);
-    EXPECT_EQ(object.objectHook2(1, 2), 0);
-    EXPECT_EQ(object.objectHook3(1), 0);
-    EXPECT_EQ(object.objectHook4(1), -1);
-    EXPECT_EQ(object.objectHook5(1), 0);
-}
-
 #if !defined(_WIN32)
 
 std::string shownBox;

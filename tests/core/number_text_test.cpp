@@ -34,28 +34,15 @@ TEST(NumberTextTest, ReadingAgreesWithTheCLibrary) {
         const char* const alphabet = i % 2 == 0 ? "0123456789.e-+ " : "019.eExXpP-+ \tinfaINFNA,/";
         expectAgreementInReading(randomText(random, alphabet, 13));
     }
+    for (const char* text :
+         {"4.9e-324", "2e-324", "-99999999999999999999", "infinity", "nan(12)", "0x.9p+-3"})
+        expectAgreementInReading(text);
     const std::string zeros(400, '0');
-    const std::string longTexts[] = {"1e999",
-                                     "-1e999",
-                                     "1e-999",
-                                     "-1e-999",
-                                     "1e308",
-                                     "4.9e-324",
-                                     "2e-324",
-                                     "0x1p-2000",
-                                     "0x1p2000",
-                                     "99999999999999999999",
-                                     "-99999999999999999999",
-                                     "infinity",
-                                     "nan(12)",
-                                     "0x.9p+-3",
-                                     "0." + zeros + "1",
-                                     "1" + zeros + ".5",
-                                     "0." + zeros + "5e25",
-                                     "0." + zeros + "1e800",
-                                     "0x0." + zeros + "1p500",
-                                     "5" + zeros + "e-25"};
-    for (const std::string& text : longTexts) expectAgreementInReading(text);
+    for (int exponent = -2000; exponent <= 2000; exponent += 25) {
+        expectAgreementInReading("-0." + zeros + "5e" + std::to_string(exponent));
+        expectAgreementInReading("5" + zeros + "e" + std::to_string(exponent));
+        expectAgreementInReading("0x0." + zeros + "1p" + std::to_string(exponent));
+    }
 }
 
 // Numbers of every size, among them many that lie on a tie between two texts, just beside one, or at a limit.
@@ -73,16 +60,14 @@ TEST(NumberTextTest, WritingAgreesWithTheCLibrary) {
     for (int i = 0; i < 200'000; ++i) {
         const std::uint64_t bits = random();
         const double number = numberToWrite(bits, i);
-        const auto decimals = static_cast<int>(bits % 11);
-        const auto print = [&](const char* format, int digits) {
-            return tarntest::inCLocale(
-                [&] { return std::snprintf(expected, sizeof expected, format, digits, number); });
-        };
-        const int length = print("%.*f", decimals);
-        ASSERT_EQ(tarn::writeFixed(written, number, static_cast<std::uint32_t>(decimals)), written + length);
-        ASSERT_STREQ(written, expected);
-        print("%.*g", 16);
-        tarn::writeGeneral(written, number, 16);
+        const auto decimals = static_cast<std::uint32_t>(bits % 11);
+        tarntest::inCLocale([&] {
+            const int shown = static_cast<int>(decimals);
+            return std::snprintf(expected, sizeof expected, "%.*f %.16g", shown, number, number);
+        });
+        char* const end = tarn::writeFixed(written, number, decimals);
+        *end = ' ';
+        tarn::writeGeneral(end + 1, number, 16);
         ASSERT_STREQ(written, expected);
     }
 }

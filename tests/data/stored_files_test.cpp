@@ -3,12 +3,12 @@
 // platform/registry/record.cpp, platform/drawing/dib.cpp.
 
 #include "engine/engine_data.h"
-#include "present/menu.h"
 #include "present/screen.h"
 #include "store/file_tools.h"
 #include "store/index_data_file.h"
 #include "store/settings.h"
 #include "store/uu_codec.h"
+#include "tests/plain/menu_shape.h"
 #include "tests/values.h"
 
 namespace {
@@ -20,17 +20,6 @@ std::string stored(const std::string& name) {
     return TARN_STORED_FILES "/" + name;
 }
 
-Owned longs(std::int32_t first, std::int32_t row, std::int32_t second) {
-    return columnOf({{0, number(tagLong, first)}, {row, number(tagLong, second)}});
-}
-
-// A value of 8 bytes that are no number of their own.
-Owned eightBytes(std::int32_t tag, std::uint64_t bytes) {
-    Owned value = nothing(tag);
-    tarn::storeLittleEndian(value.payload.plain, bytes, 8);
-    return value;
-}
-
 struct StoredFiles : testing::Test {
     TemporaryFolder folder;
     std::string name = folder.file("a");
@@ -39,66 +28,59 @@ struct StoredFiles : testing::Test {
 };
 
 TEST_F(StoredFiles, RecordsHoldWhatWasWritten) {
-    tarnEngineData indexed, lines;
+    tarnEngineData indexed;
     indexed.loadData(stored("record.dat").c_str(), loadReplace);
-    EXPECT_EQ(recordOf({{17, number(tagDouble, 12.5)}, {15, text("GE")}, {336, longs(1, 2, -2)}}),
-              *indexed.root);
+    EXPECT_EQ(readable(indexed.root),
+              R"(record [17: double 12.5, 15: text "GE", 336: column [0: long 1, 2: long -2]])");
     indexed.saveData(name.c_str());
     expectSameAs("record.dat");
+    tarnEngineData lines;
     lines.loadData(stored("record.txt").c_str(), loadReplace);
-    const Keyed fields = {{1, number(tagShort, -7)},   {2, number(tagLong, 100'000)},
-                          {3, number(tagFloat, 0.75)}, {4, number(tagDouble, 12.5)},
-                          {5, number(tagChar, 'P')},   {6, text("A|B")},
-                          {7, number(tagNumber, -9)},  {8, Owned()},
-                          {336, longs(1, 1, -2)},      {337, columnOf({{0, text("up")}, {1, text("down")}})}};
-    EXPECT_EQ(recordOf(fields), *lines.root);
+    EXPECT_EQ(readable(lines.root),
+              "record [1: short -7, 2: long 100000, 3: float 0.75, 4: double 12.5, 5: character 80, "
+              "6: text \"A|B\", 7: number -9, 8: empty, 336: column [0: long 1, 1: long -2], "
+              "337: column [0: text \"up\", 1: text \"down\"]]");
 }
 
 TEST_F(StoredFiles, ValuesOfEveryTagHoldWhatWasWritten) {
-    const Owned expected[] = {Owned(),
-                              number(tagByte, 200),
-                              number(tagShort, -300),
-                              number(tagLong, 100'000),
-                              number(tagFloat, 0.75),
-                              number(tagDouble, -0.1),
-                              number(tagChar, -2),
-                              number(tagUShort, 15230),
-                              number(tagWord, 70'000),
-                              eightBytes(9, 0x0807060504030201),
-                              text("12 1/2"),
-                              wideText(u"\u00E9\u20AC"),
-                              eightBytes(12, 0x100F0E0D0C0B0A09),
-                              number(tagNumber, -7),
-                              blob("\0\xFF\x40"s),
-                              text("\xE9t\xE9", tagString),
-                              eightBytes(18, 0x8080808080808080),
-                              eightBytes(19, 0x3837363534333231),
-                              vectorOf({number(tagLong, 1), text("two")})};
+    const char* const expected[] = {
+        "empty",
+        "byte 200",
+        "short -300",
+        "long 100000",
+        "float 0.75",
+        "double -0.1",
+        "character -2",
+        "unsigned short 15230",
+        "word 70000",
+        R"(tag 9 "\1;\2;\3;\4;\5;\6;\7;\8;")",
+        R"(text "12 1/2")",
+        R"(wide text "<233><8364>")",
+        R"(tag 12 "\9;\10;\11;\12;\13;\14;\15;\16;")",
+        "number -7",
+        R"(blob "\0;\255;@")",
+        R"(string "\233;t\233;")",
+        R"(tag 18 "\128;\128;\128;\128;\128;\128;\128;\128;")",
+        R"(tag 19 "12345678")",
+        R"(vector [long 1, text "two"])",
+    };
     tarnIndexDataFile file;
     file.readIndexDataFile(stored("values.dat").c_str());
     for (std::int32_t i = 0; i < 19; ++i) {
         MOLTVARIANT* value = nullptr;
         file.getDataRecord(7, i < 18 ? 0 : 2, i % 18, &value);
-        EXPECT_EQ(readable(value), readable(&expected[i]));
+        EXPECT_EQ(readable(value), expected[i]);
     }
     file.writeIndexDataFile(name.c_str());
     expectSameAs("values.dat");
 }
 
 TEST_F(StoredFiles, MenusAndScrambledFilesHoldWhatWasWritten) {
-    for (const bool scrambled : {false, true}) {
-        tarnMenuParser parser;
-        const std::string file = stored(scrambled ? "menu.mnu" : "menu.txt");
-        const tarnMenuDef& menu = *parser.getMenuDef(file.c_str(), scrambled ? 1 : 0);
-        const tarnMenuDef& item = *menu.getChild(0);
-        EXPECT_STREQ(menu.label, "File");
-        EXPECT_EQ(menu.number, 7);
-        EXPECT_STREQ(item.label, "Open");
-        EXPECT_STREQ(item.extra, "Open a file");
-        EXPECT_EQ(item.number, 2);
-        EXPECT_EQ(item.id, 100);
-        EXPECT_EQ(menu.getChild(1)->kind, 3);
-    }
+    using namespace tarnplain;
+    const MenuNode expected = popup("File", 7, {item("Open", 2, 100, "Open a file"), separator()});
+    tarnMenuParser parser;
+    EXPECT_EQ(treeOf(*parser.getMenuDef(stored("menu.txt").c_str(), 0)), expected);
+    EXPECT_EQ(treeOf(*parser.getMenuDef(stored("menu.mnu").c_str(), 1)), expected);
     translateFile(0, stored("menu.txt").c_str(), name.c_str());
     expectSameAs("menu.mnu");
     translateFile(1, stored("scrambled.dat").c_str(), name.c_str());

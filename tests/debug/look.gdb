@@ -1,7 +1,6 @@
 # Prints what the program tests/debug/printed_values.cpp has made.
 set debuginfod enabled off
 set width 0
-set print pretty on
 set print elements 200
 
 define see
@@ -12,28 +11,12 @@ end
 
 echo ---\n
 see values
-see block
-see list
-see multi
-see *record.root
-see record
-see *record.fields
-see *multi.payload.multi
-see *multi.payload.multi->nodes
-see string
-see buffer
-see date
-see noDate
-
-see unknown
-see lost
-see circle
-see lessThanNone
-see tooMany
-see badString
-see badBuffer
-see noColumn
-see longText
+python
+for name in ("block", "list", "multi", "*record.root", "record", "*record.fields", "*multi.payload.multi",
+             "*multi.payload.multi->nodes", "string", "buffer", "date", "noDate", "unknown", "lost", "circle",
+             "lessThanNone", "tooMany", "badString", "badBuffer", "noColumn", "longText"):
+    gdb.execute("see " + name)
+end
 set print elements 3
 see many
 set print elements unlimited

@@ -11,7 +11,6 @@
 #include <utility>
 #include <vector>
 
-#include "base/byte_order.h"
 #include "core/number_text.h"
 #include "core/string.h"
 #include "core/variant.h"
@@ -49,10 +48,7 @@ inline Owned number(std::int32_t tag, double value) {
         case tagUShort: made.payload.ushortValue = static_cast<std::uint16_t>(whole); break;
         case tagByte:
         case tagChar: made.payload.byteValue = static_cast<std::uint8_t>(whole); break;
-        case tagLong:
-        case tagWord:
-        case tagNumber: made.payload.longValue = whole; break;
-        default: tarn::storeWord(made.payload.plain, static_cast<std::uint32_t>(whole)); break;
+        default: made.payload.longValue = whole; break;
     }
     return made;
 }
@@ -97,6 +93,13 @@ inline Owned block(std::string_view bytes) {
 inline Owned nothing(std::int32_t tag) {
     Owned made;
     made.tag = tag;
+    return made;
+}
+
+// A value of eight bytes that are no number.
+inline Owned eightBytes(std::int32_t tag, std::string_view bytes) {
+    Owned made = nothing(tag);
+    std::copy(bytes.begin(), bytes.end(), made.payload.plain);
     return made;
 }
 
@@ -184,60 +187,56 @@ inline std::string readableElements(const MOLTVARIANT& value) {
     return "[" + elements + "]";
 }
 
-inline const char* pointerForm(std::int32_t tag) {
-    switch (tag) {
-        case tagText: return "text ";
-        case tagWideText: return "wide text ";
-        case tagVector: return "vector ";
-        case tagBlock: return "block ";
-        case tagString: return "string ";
-        case tagList: return "list ";
-        case tagMulti: return "column ";
-        case tagRecord: return "record ";
-        default: return "";
+inline std::string readableUnits(const char16_t* unit) {
+    std::string units;
+    for (; *unit != 0; ++unit) {
+        units += *unit < 128 ? std::string(1, static_cast<char>(*unit)) : "<" + std::to_string(*unit) + ">";
+    }
+    return escaped(units);
+}
+
+inline std::string readableContent(const MOLTVARIANT& value) {
+    const auto& payload = value.payload;
+    const auto bytes = [](const unsigned char* data, std::size_t count) {
+        return escaped({reinterpret_cast<const char*>(data), count});
+    };
+    switch (value.tag) {
+        case tagByte: return std::to_string(payload.byteValue);
+        case tagShort: return std::to_string(payload.shortValue);
+        case tagLong:
+        case tagWord:
+        case tagNumber: return std::to_string(payload.longValue);
+        case tagFloat: return shortest(static_cast<double>(payload.floatValue));
+        case tagDouble: return shortest(payload.doubleValue);
+        case tagChar: return std::to_string(payload.charValue);
+        case tagUShort: return std::to_string(payload.ushortValue);
+        case tagText: return escaped(payload.text);
+        case tagWideText: return readableUnits(payload.wideText);
+        case tagBlob: return bytes(payload.blob.data, static_cast<std::size_t>(payload.blob.length));
+        case tagBlock: return bytes(payload.block, 16);
+        case tagString: return escaped(payload.string->text);
+        case tagVector:
+        case tagList:
+        case tagMulti:
+        case tagRecord: return readableElements(value);
+        default: return bytes(payload.plain, sizeof payload.plain);
     }
 }
 
 // Everything that a value holds, for people: `double 12.5`, `text "abc"`, `column [0: long 7, 4: empty]`.
 // Two values have the same text just if they hold the same.
 inline std::string readable(const MOLTVARIANT* value) {
+    constexpr const char* names[] = {
+        "empty", "byte",   "short", "long",      "float", "double", "character", "unsigned short",
+        "word",  "",       "text",  "wide text", "",      "vector", "number",    "blob",
+        "block", "string", "",      "",          "list",  "column", "record"};
     if (value == nullptr) return "none";
-    const auto& payload = value->payload;
-    const std::string form = pointerForm(value->tag);
-    if (!form.empty() && payload.text == nullptr) return form + "NULL";
-    switch (value->tag) {
-        case tagEmpty: return "empty";
-        case tagByte: return "byte " + std::to_string(payload.byteValue);
-        case tagShort: return "short " + std::to_string(payload.shortValue);
-        case tagLong: return "long " + std::to_string(payload.longValue);
-        case tagFloat: return "float " + shortest(static_cast<double>(payload.floatValue));
-        case tagDouble: return "double " + shortest(payload.doubleValue);
-        case tagChar: return "character " + std::to_string(payload.charValue);
-        case tagUShort: return "unsigned short " + std::to_string(payload.ushortValue);
-        case tagWord: return "word " + std::to_string(payload.longValue);
-        case tagNumber: return "number " + std::to_string(payload.longValue);
-        case tagText: return form + escaped(payload.text);
-        case tagString: return form + escaped(payload.string->text);
-        case tagWideText: {
-            std::string units;
-            for (const char16_t* unit = payload.wideText; *unit != 0; ++unit) {
-                units += *unit < 128 ? std::string(1, static_cast<char>(*unit))
-                                     : "<" + std::to_string(*unit) + ">";
-            }
-            return form + escaped(units);
-        }
-        case tagBlob:
-            return "blob " + escaped({reinterpret_cast<const char*>(payload.blob.data),
-                                      static_cast<std::size_t>(payload.blob.length)});
-        case tagBlock: return form + escaped({reinterpret_cast<const char*>(payload.block), 16});
-        case tagVector: return form + readableElements(*value);
-        case tagList: return form + readableElements(*value);
-        case tagMulti: return form + readableElements(*value);
-        case tagRecord: return form + readableElements(*value);
-        default:
-            return "tag " + std::to_string(value->tag) + ", payload " +
-                   std::to_string(tarn::loadLittleEndian(payload.plain, 8));
-    }
+    if (value->tag == tagEmpty) return "empty";
+    const bool isNamed = value->tag > 0 && value->tag <= tagRecord && *names[value->tag] != '\0';
+    const std::string name = isNamed ? names[value->tag] : "tag " + std::to_string(value->tag);
+    const bool isNumber = value->tag < tagText || value->tag == tagNumber;
+    const bool isPointer = isNamed && !isNumber && value->tag != tagBlob;
+    return name + ' ' + (isPointer && value->payload.text == nullptr ? "NULL" : readableContent(*value));
 }
 
 inline bool operator==(const Owned& a, const MOLTVARIANT& b) {

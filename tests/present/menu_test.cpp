@@ -94,7 +94,7 @@ void expectEntries(const tarnMenuDef& node) {
         EXPECT_EQ(GetSubMenu(node.menu, i), child.menu);
         const std::int32_t ids[] = {-1, -1, child.id, 0};  // by the kind
         EXPECT_EQ(GetMenuItemID(node.menu, i), static_cast<UINT>(ids[child.kind]));
-        if (child.kind == menuPopup) expectEntries(child);
+        if (child.kind == tarn::menuPopup) expectEntries(child);
     }
 }
 

@@ -266,8 +266,7 @@ TEST_F(IndexDataFileTest, AFileHoldsLessThanItPromises) {
 TEST_F(IndexDataFileTest, AValueThatIsNotWholeReadsAsEmpty) {
     const Owned empty, four = number(tagLong, 4), five = number(tagLong, 5);
     const std::string fourHeld = longValue(4), fiveHeld = longValue(5), x(40, 'x');
-    Owned eight = nothing(9), unknown = number(77, 1);
-    tarn::storeLittleEndian(eight.payload.plain, 0x200000001, 8);
+    const Owned eight = eightBytes(9, "\1\0\0\0\2\0\0\0"s), unknown = eightBytes(77, "\1");
     const struct {
         std::string data;
         Owned first, second;

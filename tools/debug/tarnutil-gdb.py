@@ -3,9 +3,9 @@
 Installed where gdb loads it with the shared library; otherwise `source tools/debug/tarnutil-gdb.py`.
 
 A program stops where it is broken as often as where it is whole.  So a printer only reads memory: it calls nothing in the
-program and sorts nothing, columns show their cells in the order of the moment.  And whatever stands there is bounded: texts end
-after 200 characters, children after `print elements`, and a nested value that would show too much, or leads back to itself,
-shows its address.  What can't be read or makes no sense gets a text in <>.
+program and sorts nothing, and columns show their cells in their present order.  What it shows is bounded: texts end after 200
+characters, children after `print elements`, and a nested value that would show too much, or leads back to itself, shows its
+address.  What can't be read or makes no sense gets a text in <>.
 """
 
 import itertools
@@ -254,7 +254,7 @@ class Printer:
             self.text()
             items = self.items()
         except (Damaged, gdb.error):
-            return iter(())  # the text tells it
+            return iter(())  # the text says so
         return children_of(items)
 
 
