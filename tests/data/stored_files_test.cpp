@@ -8,7 +8,7 @@
 #include "store/index_data_file.h"
 #include "store/settings.h"
 #include "store/uu_codec.h"
-#include "tests/plain/menu_shape.h"
+#include "tests/plain/menu_text.h"
 #include "tests/values.h"
 
 namespace {
@@ -76,11 +76,10 @@ TEST_F(StoredFiles, ValuesOfEveryTagHoldWhatWasWritten) {
 }
 
 TEST_F(StoredFiles, MenusAndScrambledFilesHoldWhatWasWritten) {
-    using namespace tarnplain;
-    const MenuNode expected = popup("File", 7, {item("Open", 2, 100, "Open a file"), separator()});
+    const std::string tree = "POPUP,File,7,MENUITEM,Open,2,100,Open a file,MENUITEM,SEPARATOR,END";
     tarnMenuParser parser;
-    EXPECT_EQ(treeOf(*parser.getMenuDef(stored("menu.txt").c_str(), 0)), expected);
-    EXPECT_EQ(treeOf(*parser.getMenuDef(stored("menu.mnu").c_str(), 1)), expected);
+    EXPECT_EQ(tarnplain::menuTextOf(*parser.getMenuDef(stored("menu.txt").c_str(), 0)), tree);
+    EXPECT_EQ(tarnplain::menuTextOf(*parser.getMenuDef(stored("menu.mnu").c_str(), 1)), tree);
     translateFile(0, stored("menu.txt").c_str(), name.c_str());
     expectSameAs("menu.mnu");
     translateFile(1, stored("scrambled.dat").c_str(), name.c_str());
