@@ -1,7 +1,5 @@
 // What the registry asks of the system: platform/registry/store.cpp and folders.cpp there.
 
-#include <fcntl.h>
-
 #include "store/settings.h"
 #include "tests/support.h"
 
@@ -9,16 +7,12 @@ namespace fs = std::filesystem;
 
 namespace {
 
-struct Calls {
-    std::vector<fs::path> synchronised;
-    long countdown = 0;  // the call that fails, from 1; 0 is none
-} calls;
+std::vector<fs::path> synchronised;
+long countdown = 0;  // to the call that fails; 0 is none
 
-template <class Call>
-auto through(Call call) -> decltype(call()) {
-    if (calls.countdown == 0 || --calls.countdown != 0) return call();
+bool mustFail() {
     errno = EIO;
-    return -1;
+    return countdown != 0 && --countdown == 0;
 }
 
 }  // namespace
@@ -27,12 +21,12 @@ auto through(Call call) -> decltype(call()) {
 extern "C" {
 int __real_fsync(int file);
 int __wrap_fsync(int file) {
-    calls.synchronised.push_back(fs::read_symlink("/proc/self/fd/" + std::to_string(file)));
-    return through([&] { return __real_fsync(file); });
+    synchronised.push_back(fs::read_symlink("/proc/self/fd/" + std::to_string(file)));
+    return mustFail() ? -1 : __real_fsync(file);
 }
 int __real_renameat(int from, const char* name, int to, const char* newName);
 int __wrap_renameat(int from, const char* name, int to, const char* newName) {
-    return through([&] { return __real_renameat(from, name, to, newName); });
+    return mustFail() ? -1 : __real_renameat(from, name, to, newName);
 }
 }
 
@@ -45,27 +39,25 @@ struct RegistryCalls : testing::Test {
 
     RegistryCalls() {
         tarntest::setEnvironment("XDG_DATA_HOME", data.file("new").c_str());
+        synchronised.clear();
         EXPECT_EQ(registry.openKey("Top\\Leaf", 1), 1);
     }
     ~RegistryCalls() override {
-        calls = {};
-        registry.closeKey();
+        countdown = 0;
         tarntest::setEnvironment("XDG_DATA_HOME", nullptr);
     }
 };
 
 TEST_F(RegistryCalls, AFlushReachesEveryFolderUpToTheOneThatWasThere) {
-    const auto has = [](const fs::path& folder) {
-        return std::count(calls.synchronised.begin(), calls.synchronised.end(), folder);
-    };
-    EXPECT_EQ(has(data.path()), 1) << "the folder in which the data folder was made";
-    calls.synchronised.clear();
+    EXPECT_EQ(std::count(synchronised.begin(), synchronised.end(), data.path()), 1)
+        << "the folder in which the data folder was made";
+    synchronised.clear();
     EXPECT_EQ(registry.flushKey(), 1);
-    fs::path folder = root / "k-top/k-leaf";
-    for (int i = 0; i < 6; ++i, folder = folder.parent_path()) EXPECT_EQ(has(folder), 1) << folder;
-    EXPECT_EQ(calls.synchronised.size(), 6U);
+    std::vector<fs::path> expected = {root / "k-top/k-leaf"};
+    while (expected.back() != data.file("new")) expected.push_back(expected.back().parent_path());
+    EXPECT_EQ(synchronised, expected);
     for (const long failing : {1, 6}) {
-        calls.countdown = failing;
+        countdown = failing;
         EXPECT_EQ(registry.flushKey(), 0) << failing;
     }
 }
@@ -77,10 +69,10 @@ TEST_F(RegistryCalls, WhatWasInAFolderThatIsNoKeyIsLostOnlyToTheNewKey) {
     for (long n = 1; hasFailed; ++n) {
         fs::create_directories(folder / "k-below");
         tarntest::fill(folder / "v-v", "old");
-        calls.countdown = n;
+        countdown = n;
         const int answer = made.openKey("Top\\Old", 1);
-        hasFailed = calls.countdown == 0;
-        calls.countdown = 0;
+        hasFailed = countdown == 0;
+        countdown = 0;
         EXPECT_EQ(fs::exists(folder / "v-v"), answer == 0) << n;
         EXPECT_EQ(answer, made.closeKey()) << n;
         RegDeleteKeyA(HKEY_CURRENT_USER, "Top\\Old");
