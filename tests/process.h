@@ -55,10 +55,10 @@ void twoWritersAndAReader(Write write, Read read) {
     for (const pid_t writer : writers) EXPECT_EQ(waitFor(writer), 0);
 }
 
-// Does a piece of work in a child process, and something else at its n-th stop: one before and one after each
-// system call.  Answers false if the work was done before that.
-template <typename Work, typename Then>
-bool atStop(int n, Work work, Then then) {
+// Starts a child process that does a piece of work, and holds it at its n-th stop: one before and one after
+// each system call.  Answers 0 if the work was done before that.
+template <typename Work>
+pid_t stoppedChild(int n, Work work) {
     const pid_t child = startChild([&] {
         ::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
         ::raise(SIGSTOP);
@@ -69,21 +69,19 @@ bool atStop(int n, Work work, Then then) {
         ::ptrace(PTRACE_SYSCALL, child, nullptr, nullptr);
         status = waitFor(child);
     }
-    if (WIFSTOPPED(status)) {
-        then(child);
-        return true;
-    }
+    if (WIFSTOPPED(status)) return child;
     EXPECT_EQ(status, 0);
-    return false;
+    return 0;
 }
 
-// Kills the child process there.
+// Kills the child process there.  Answers false if the work was done before that.
 template <typename Work>
 bool killedAtStop(int n, Work work) {
-    return atStop(n, work, [](pid_t child) {
-        ::kill(child, SIGKILL);
-        EXPECT_EQ(waitFor(child), SIGKILL);
-    });
+    const pid_t child = stoppedChild(n, work);
+    if (child == 0) return false;
+    ::kill(child, SIGKILL);
+    EXPECT_EQ(waitFor(child), SIGKILL);
+    return true;
 }
 
 // Leaves this process few descriptors until the end of the test.
