@@ -77,7 +77,8 @@ TEST_F(Registry, PathsAnswerTheirCodesAndKeysKeepTheirFirstSpelling) {
     EXPECT_EQ(first, DWORD{REG_CREATED_NEW_KEY});
     EXPECT_EQ(second, DWORD{REG_OPENED_EXISTING_KEY});
     EXPECT_EQ(keysOf(key), Names{"A"});
-    EXPECT_EQ(contentOf(folder / "k-a/key").find("Class"), std::string::npos) << "not the last of its path";
+    EXPECT_EQ(contentOf((folder / "k-a/key").string()).find("Class"), std::string::npos)
+        << "not the last of its path";
     const struct {
         std::string path;
         LSTATUS opened, deleted;
