@@ -189,10 +189,6 @@ TEST_F(Registry, AHandleOfADeletedKeyStaysDeletedAndAClosedOneIsNone) {
 
 #if !defined(_WIN32)
 
-// What a name of 201 times `L` has on disk; by sha256sum.
-const std::string longForm =
-    std::string(100, 'l') + "~d8437cec2f4aac3b1c1405ba758a1896a5035f3420c386c3c6ae53c72a115979";
-
 TEST_F(Registry, NoNameLeavesTheFolderOrMeetsAnother) {
     std::set<std::string> names = {"..", "a/../../b", "%41", "k-a", ".new", "key", " a ", "A~", "a%"};
     for (int i = 1; i < 256; ++i)
@@ -212,8 +208,6 @@ TEST_F(Registry, NoNameLeavesTheFolderOrMeetsAnother) {
     EXPECT_EQ(create(key, longest), 87);
     EXPECT_EQ(set(std::string(200, 'l'), ""), 0);
     EXPECT_TRUE(fs::exists(folder / ("v-" + std::string(200, 'l'))));
-    EXPECT_EQ(set(std::string(201, 'L'), ""), 0);
-    EXPECT_TRUE(fs::exists(folder / ("v-" + longForm)));
     EXPECT_TRUE(fs::exists(folder / "k-a%2f..%2f..%2fb/key"));
 }
 
@@ -252,6 +246,10 @@ TEST_F(Registry, ADamagedValueIsRefusedAndCanBeReplaced) {
         EXPECT_EQ(get("v"), "value") << each.what;
     }
 }
+
+// What a name of 201 times `L` has on disk; by sha256sum.
+const std::string longForm =
+    std::string(100, 'l') + "~d8437cec2f4aac3b1c1405ba758a1896a5035f3420c386c3c6ae53c72a115979";
 
 // What may be in the place of a key; a damaged key is listed by the name that its folder's name spells.
 TEST_F(Registry, ADamagedOrForeignEntryHidesNoKeyAndCanBeDeleted) {
