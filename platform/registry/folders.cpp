@@ -1,7 +1,7 @@
 // A tree of folders is removed without recursion and with few descriptors, however deep it is: a folder in a
 // folder is lifted to the top under a name of its own, where it waits for its turn.
 //
-// Tests: tests/platform/registry_test.cpp, tests/faults/registry_test.cpp.
+// Tests: tests/platform/registry_test.cpp, tests/faults/system_calls_test.cpp.
 
 #define _FILE_OFFSET_BITS 64  // file numbers beyond 32 bits also in 32-bit code
 

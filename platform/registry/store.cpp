@@ -2,7 +2,7 @@
 // of a key and no symbolic link is followed below a root.  A key is changed under the lock of its folder,
 // which is the temporary file of platform/files/replacement.h; who needs two locks takes the upper one first.
 //
-// Tests: tests/platform/registry_test.cpp, tests/faults/registry_test.cpp.
+// Tests: tests/platform/registry_test.cpp, tests/faults/system_calls_test.cpp.
 
 #define _FILE_OFFSET_BITS 64  // file numbers beyond 32 bits also in 32-bit code
 

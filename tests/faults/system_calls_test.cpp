@@ -1,6 +1,6 @@
 // System calls that fail, are interrupted or do a part of their work, under everything that reads or writes a
 // file: platform/files/operations.cpp, platform/files/sharing.cpp, platform/files/replacement.cpp,
-// platform/profile/operations.cpp and platform/registry/store.cpp.
+// platform/profile/operations.cpp, platform/registry/store.cpp and platform/registry/folders.cpp.
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -23,7 +23,8 @@ struct Calls {
     bool limited = false;
     std::size_t room = 0;          // bytes that the disk has left, if it is limited
     std::vector<std::string> log;  // the calls that succeeded, by name
-    bool fakesTime = false;        // each pause is over at once, and the clock shows its end
+    std::vector<std::filesystem::path> synchronised;
+    bool fakesTime = false;  // each pause is over at once, and the clock shows its end
     std::timespec now{};
 
     void failAt(long nth, int failure = EIO) {
@@ -97,6 +98,7 @@ ssize_t __wrap_write(int file, const void* bytes, std::size_t count) {
 }
 int __real_fsync(int file);
 int __wrap_fsync(int file) {
+    calls.synchronised.push_back(std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(file)));
     struct stat64 status {};
     __real_fstat64(file, &status);
     const char* const name = S_ISDIR(status.st_mode) ? "fsync of the folder" : "fsync";
@@ -305,6 +307,41 @@ TEST_F(SystemCalls, TheNewNameReachesTheDiskBeforeItsContent) {
         return call != "write" && call != "renameat" && !call.starts_with("fsync");
     });
     EXPECT_EQ(calls.log, (std::vector<std::string>{"write", "fsync", "renameat", "fsync of the folder"}));
+}
+
+TEST_F(SystemCalls, AFlushReachesEveryFolderUpToTheOneThatWasThere) {
+    const std::filesystem::path data = folder.path() / "new";
+    tarntest::setEnvironment("XDG_DATA_HOME", data.c_str());
+    tarnRegistry leaf(HKEY_CURRENT_USER);
+    calls.synchronised.clear();
+    EXPECT_EQ(leaf.openKey("Top\\Leaf", 1), 1);
+    EXPECT_EQ(std::count(calls.synchronised.begin(), calls.synchronised.end(), folder.path()), 1)
+        << "the folder in which the data folder was made";
+    calls.synchronised.clear();
+    EXPECT_EQ(leaf.flushKey(), 1);
+    std::vector<std::filesystem::path> expected = {data / "tarnutil/registry/HKEY_CURRENT_USER/k-top/k-leaf"};
+    while (expected.back() != data) expected.push_back(expected.back().parent_path());
+    EXPECT_EQ(calls.synchronised, expected);
+    failEach(EIO, [&](auto failing) {
+        calls.lastFailed.clear();
+        const int answer = failing([&] { return leaf.flushKey(); });
+        EXPECT_EQ(answer, calls.lastFailed.empty() || calls.lastFailed == "close" ? 1 : 0)
+            << calls.lastFailed;
+    });
+}
+
+TEST_F(SystemCalls, WhatIsInAFolderThatIsNoKeyIsLostOnlyToANewKey) {
+    const std::string old = folder.file("tarnutil/registry/HKEY_CURRENT_USER/k-client/k-old");
+    tarnRegistry made(HKEY_CURRENT_USER);
+    failEach(EIO, [&](auto failing) {
+        std::filesystem::create_directories(old + "/k-below");
+        tarntest::fill(old + "/v-v", "old");
+        const int answer = failing([&] { return made.openKey("client\\old", 1); });
+        EXPECT_EQ(std::filesystem::exists(old + "/v-v"), answer == 0) << calls.lastFailed;
+        EXPECT_EQ(made.closeKey(), answer) << calls.lastFailed;
+        RegDeleteKeyA(HKEY_CURRENT_USER, "client\\old");
+    });
+    EXPECT_FALSE(std::filesystem::exists(old));
 }
 
 TEST_F(SystemCalls, ALockOfAnotherIsWaitedForLongerThanFiveSecondsOrNotAtAll) {
