@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/byte_order.h"
 #include "tests/plain/values.h"
 
 namespace tarnplain {
