@@ -31,7 +31,8 @@ struct RecordFilesTest : testing::Test {
 
 TEST_F(RecordFilesTest, ATextFileIsReadAsFarAsItIsInOrder) {
     const std::string example = "#2^101|15|ABC^102|3|25^#0|2^7|5|1^8|15|X^7|5|2^8|15|Y^";
-    const Element abc = text("ABC"), x = rowsOf({text("X")}), y = columnOf({{1, text("Y")}});
+    const Element abc = text("ABC"), letter = number(tagChar, 'A'), x = rowsOf({text("X")}),
+                  y = columnOf({{1, text("Y")}});
     const Owned oneRow = rowsOf({real(1)}), twoRows = rowsOf({real(1), real(2)});
     const Keyed all = {{101, abc}, {102, whole(25)}, {7, twoRows}, {8, rowsOf({text("X"), text("Y")})}};
     const struct {
@@ -41,10 +42,14 @@ TEST_F(RecordFilesTest, ATextFileIsReadAsFarAsItIsInOrder) {
         std::int32_t rows;
     } cases[] = {
         {example, 1, all, 2},
-        // More rows than stated, a column that recurs in a row, an id that recurs, a code without a text form.
+        // More rows than stated; fewer, a column that recurs in a row and a field that is open at the end; an
+        // id that recurs and a code without a text form.
         {"#0^#0|1^7|5|1^7|5|2^", 1, {{7, oneRow}}, 1},
-        {"#0^#0|2^7|5|1^8|15|b^8|15|X^7|5|2^70|15|Y^", 1, {{7, twoRows}, {8, x}, {70, y}}, 2},
-        {"#3^6|21|5^7|99|x^6|21|4^#0|0^", 1, {{6, number(tagNumber, 4)}, {7, Owned()}}, 0},
+        {"#0^#0|3^7|5|1^8|15|b^8|15|X^7|5|2^70|15|Y^7|5|3", 1, {{7, twoRows}, {8, x}, {70, y}}, 2},
+        {"#4^5|12|A^6|21|5^7|99|x^6|21|4^#0|0^",
+         1,
+         {{5, letter}, {6, number(tagNumber, 4)}, {7, Owned()}},
+         0},
         // No header, no second one, one without a divider, a cell without a value.
         {"", 0, {}, 0},
         {"x" + example, 0, {}, 0},

@@ -186,7 +186,7 @@ TEST_F(IndexDataFileTest, AFileHoldsLessThanItPromises) {
     } cases[] = {
         {"", {}},
         {"x" + word(12) + word(1) + word(1) + record(7, 0, 1) + fourHeld, {}},
-        {header(8, 1) + record(7, 0, 1) + fourHeld, {}},  // a header without its count
+        {header(8, 1) + record(0, 0, 1) + fourHeld, {}},  // a header without its count
         // A pair of keys that is there twice counts once.
         {header(12, 3) + record(1, 0, 1) + record(2, 0, 1) + record(1, 0, 5) + oneHeld + fourHeld,
          {{1, 0, 1, {one}}, {2, 0, 1, {four}}}},
