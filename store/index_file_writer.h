@@ -35,15 +35,15 @@ class IndexFileMeasure {
 // Call order: beginRecord before the values of each record of `index`, writeValue for each of its values,
 // finish.  After a failure everything else does nothing, and finish answers false.
 //
-// A file that would become longer than a reader takes is such a failure, and leaves what has its name untouched.
-// So the first 64 MiB are held in memory, and what becomes longer is measured before the file is created: adding
-// up all lengths costs a third of a save.
+// A file that would become longer than a reader takes is such a failure, and leaves what has its name
+// untouched.  So the first 64 MiB are held in memory, and what becomes longer is measured before the file is
+// created: adding up all lengths costs a third of a save.
 class IndexFileWriter {
   public:
     using Measure = std::function<std::uint64_t()>;
 
-    // `index` gives all records in order and takes the offsets, `measure` answers the length of the whole file.
-    // The name and the index have to outlive the writer.
+    // `index` gives all records in order and takes the offsets, `measure` answers the length of the whole
+    // file.  The name and the index have to outlive the writer.
     IndexFileWriter(const char* fileName, std::vector<_IndexRecord>& index, Measure measure);
     IndexFileWriter(const IndexFileWriter&) = delete;
     IndexFileWriter& operator=(const IndexFileWriter&) = delete;
@@ -97,8 +97,8 @@ class IndexFileWriter {
     std::unique_ptr<unsigned char[]> buffer_;
 };
 
-// Writes a whole file, but none longer than a reader takes.  `putValues` gives the measure or the writer that it
-// is handed the values of all records of `index`, which takes the offsets.
+// Writes a whole file, but none longer than a reader takes.  `putValues` gives the values of all records of
+// `index` to the measure or the writer that it is handed; `index` takes the offsets.
 template <class PutValues>
 bool writeIndexFile(const char* fileName, std::vector<_IndexRecord>& index, const PutValues& putValues) {
     IndexFileWriter writer(fileName, index, [&] {

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "base/byte_order.h"
+#include "store/index_format.h"
 #include "tests/plain/values.h"
 
 namespace tarnplain {
@@ -99,6 +99,7 @@ class IndexReader {
             default:
                 Owned plain = tarntest::nothing(tag);
                 bytes.copy(reinterpret_cast<char*>(plain.payload.plain), 8);
+                tarn::indexfile::exchangePayload(plain.payload.plain, tag);
                 return plain;
         }
     }
