@@ -77,11 +77,13 @@ TEST(Bitmap, PackedResourcesGiveTheirPixelsAndTheirPalette) {
         tarnBitmap system = loaded(packed, 0), own = loaded(packed, 1);
         EXPECT_EQ(sizeOf(own), (Size{37, packed.height}));
         EXPECT_EQ(sizeOf(system), (Size{37, 6}));
-        PALETTEENTRY entries[300];
-        const UINT colors = GetPaletteEntries(own.palette, 0, 300, entries);
-        EXPECT_EQ(colors, depth <= 8 ? 1U << depth : 0U);
-        for (std::size_t i = 0; i < colors; ++i)
-            EXPECT_EQ(RGB(entries[i].peRed, entries[i].peGreen, entries[i].peBlue), packed.tableColor(i));
+        const UINT colors = depth <= 8 ? 1U << depth : 0;
+        EXPECT_EQ(GetPaletteEntries(own.palette, 0, 0, nullptr), colors);
+        for (UINT i = 0; i < colors; ++i) {
+            PALETTEENTRY entry;
+            EXPECT_EQ(GetPaletteEntries(own.palette, i, 1, &entry), 1U);
+            EXPECT_EQ(RGB(entry.peRed, entry.peGreen, entry.peBlue), packed.tableColor(i));
+        }
         packed.setWords(0, {108});
         packed.bytes.insert(packed.bytes.begin() + 40, 68, 0xEE);
         expectPixels(packed, pixels, "long header");
@@ -158,7 +160,8 @@ TEST(Bitmap, RunsPaintWhatTheyCoverFromTheBottomUp) {
 
 TEST(Bitmap, CutResourcesGiveNoneAndBentOnesAreNotReadOutside) {
     for (const int depth : {1, 4, 8, 16, 24, 32}) {
-        // Every bit of the header turned over, which also makes runs of random pixels; the address checks judge.
+        // Every bit of the header turned over, which also makes runs of random pixels; the address checks
+        // judge.
         for (std::size_t i = 0; i < sizeof(BITMAPINFOHEADER) * 8; ++i) {
             PackedBitmap bent(depth, 37, 6);
             bent.bytes[i / 8] ^= static_cast<unsigned char>(1 << i % 8);

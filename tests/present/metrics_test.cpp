@@ -1,4 +1,4 @@
-// The screen snapshot: present/metrics.cpp.
+// The screen snapshot and what it is read from: present/metrics.cpp, platform/drawing/screen.cpp.
 
 #include "present/screen.h"
 #include "tests/support.h"
@@ -19,6 +19,11 @@ TEST(Metrics, FieldsAreInOrderAndHoldTheSystemsValues) {
     value += sizeof(LOGFONTA) / sizeof *value;
     for (const int index : colorOrder) EXPECT_EQ(*++value, GetSysColor(index)) << index;
     EXPECT_NE(metrics.iconTitleFont.lfHeight, 0);
+    for (const int outside : {-1, 1000}) EXPECT_EQ(GetSystemMetrics(outside), 0);
+    for (const int outside : {-1, 1000}) EXPECT_EQ(GetSysColor(outside), 0U);
+    OSVERSIONINFOA version{};
+    version.dwOSVersionInfoSize = sizeof version - 1;
+    EXPECT_FALSE(GetVersionExA(&version));
 }
 
 #if !defined(_WIN32)

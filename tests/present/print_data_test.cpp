@@ -61,14 +61,13 @@ TEST(PrintData, OnlyTheFirstItemOfAnIdHoldsRows) {
 }
 
 TEST(PrintData, RowsOfManyContainersAreStoredAndFoundWithoutAWalk) {
-    constexpr std::int32_t containers = 60'000;  // a walk over all for each row would take minutes
     const Owned marker = number(tagPlain9, 0);
     tarnPrintData data;
-    for (std::int32_t i = 0; i < 3 * containers; ++i) {
-        const _MultiPrintStruct row{i % containers, 0, {}, {i}};
-        if (i < containers) data.storeData(i, &marker, printMultiData, 0);
+    for (std::int32_t i = 0; i < 180'000; ++i) {  // a walk over all containers for each would take minutes
+        const _MultiPrintStruct row{i % 60'000, 0, {}, {i}};
+        if (i < 60'000) data.storeData(i, &marker, printMultiData, 0);
         data.storeMultiData(&row, &marker);
-        ASSERT_EQ(data.getMultiPrintData(row.id, i / containers)->words[0], i);
+        ASSERT_EQ(data.getMultiPrintData(row.id, i / 60'000)->words[0], i);
     }
 }
 
