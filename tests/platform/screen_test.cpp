@@ -81,8 +81,7 @@ TEST(Screen, RectanglesFillFromLeftAndTopInToRightAndBottomOut) {
     const auto brush = reinterpret_cast<HBRUSH>(ULONG_PTR{COLOR_HIGHLIGHT + 1});
     for (const auto& [rectangle, filled] : rows) {
         const Canvas canvas(6, 5);
-        for (const HDC context : {canvas.context, canvas.screen})
-            EXPECT_EQ(FillRect(context, &rectangle, brush), 1);
+        EXPECT_EQ(FillRect(canvas.context, &rectangle, brush), 1);
         for (int place = 0; place < 56; ++place) {
             const int x = place % 8 - 1, y = place / 8 - 1;
             const bool outside = x < 0 || y < 0 || x >= 6 || y >= 5;
@@ -91,6 +90,7 @@ TEST(Screen, RectanglesFillFromLeftAndTopInToRightAndBottomOut) {
             EXPECT_EQ(GetPixel(canvas.context, x, y), outside ? CLR_INVALID : shown);
         }
     }
+    EXPECT_EQ(FillRect(Canvas(1, 1).screen, &rows[0].rectangle, brush), 1);
 }
 
 HBITMAP decode(HDC context, const PackedBitmap& packed) {
@@ -104,9 +104,9 @@ TEST(Screen, BitmapsOfEveryDepthDecodeInBothDirections) {
     for (const int depth : {1, 4, 8, 16, 24, 32}) {
         for (const int height : {5, -5}) {
             const PackedBitmap packed(depth, 7, height);
-            const Canvas decoded(decode(target.screen, packed));
-            SelectObject(decoded.context, decoded.first);
-            EXPECT_EQ(pixelsOf(decoded.bitmap), packed.colors()) << depth << ' ' << height;
+            const HBITMAP decoded = decode(target.screen, packed);
+            EXPECT_EQ(pixelsOf(decoded), packed.colors()) << depth << ' ' << height;
+            EXPECT_TRUE(DeleteObject(decoded));
         }
     }
     PackedBitmap bent(4, 3, 3);

@@ -66,8 +66,8 @@ TEST(MenuText, TokensOfASecondTextFollowThoseOfTheFirst) {
 
 TEST(MenuTree, NodesAreFoundInTheOrderOfTheText) {
     const Menu menu("P,root,0,M,Fi,1,5,a,P,Deep,2,M,File,3,9,b,M,x,4,5,c,E,M,File,6,9,d,M,S,M,Fill,7,8,e");
-    const struct { std::int32_t id, number; } ids[] = {{5, 1}, {9, 3}, {8, 7}, {-1, 0}};
-    for (const auto& each : ids) EXPECT_EQ(menu.root->find(each.id)->number, each.number) << each.id;
+    for (const auto& [id, number] : {std::pair{5, 1}, {9, 3}, {8, 7}, {-1, 0}})
+        EXPECT_EQ(menu.root->find(id)->number, number) << id;
     EXPECT_EQ(menu.root->find(77), nullptr);
     EXPECT_EQ(menu.root->find("FILE MENU"), 0);
     EXPECT_EQ(menu.root->find("deep end"), 1);

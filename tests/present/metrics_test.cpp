@@ -34,17 +34,19 @@ TEST(Metrics, EachSystemHasItsKindAndASnapshotIsReadAgain) {
     } rows[] = {{0, 3, 4}, {1, 4, 3}, {2, 4, 1}, {2, 5, 0}, {3, 4, 0}, {2, 3, 2}};
     tarnMetrics earlier;
     EXPECT_EQ(earlier.paletteDisplay, 0);
-    tarn::ScreenDescription screen{};
+    tarn::ScreenDescription screen = tarn::classicScreen();
     screen.metrics[SM_CYCAPTION] = 30;
+    screen.colors[COLOR_MENU] = 7;
+    screen.numColors = 0;
     for (const auto& each : rows) {
         screen.platformId = each.platform;
         screen.majorVersion = each.version;
         tarn::setScreen(&screen);
         EXPECT_EQ(tarnMetrics().osKind, each.kind) << each.platform << ' ' << each.version;
-        EXPECT_EQ(tarnMetrics().cySmallCaption, each.kind == 2 ? 30 : 0) << each.kind;
+        EXPECT_EQ(tarnMetrics().cySmallCaption, each.kind == 2 ? 30 : 16) << each.kind;
     }
     earlier.sysColorChange();
-    EXPECT_EQ(earlier.clrMenu, 0U);
+    EXPECT_EQ(earlier.clrMenu, 7U);
     EXPECT_EQ(earlier.cyCaption, 19);
     earlier.init();
     EXPECT_EQ(earlier.cyCaption, 30);
