@@ -8,12 +8,15 @@
 
 namespace {
 
-constexpr DWORD allocated = FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM;
+using namespace std::string_literals;
 
-TEST(Messages, AllocatedTextsEndTheirLineAndUnknownCodesHaveNone) {
+constexpr DWORD fromSystem = FORMAT_MESSAGE_FROM_SYSTEM;
+constexpr DWORD allocated = FORMAT_MESSAGE_ALLOCATE_BUFFER | fromSystem;
+
+TEST(Messages, TextsEndTheirLineAndUnknownCodesHaveNone) {
     const struct { DWORD code, error; } rows[] = {{2, 0}, {126, 0}, {~0U, 317}, {193, 87}};  // 193 holds %1
     for (const auto& each : rows) {
-        char rubbish = 'x';
+        char rubbish = 'x', buffer[200];
         char* text = &rubbish;
         SetLastError(0);
         const DWORD length =
@@ -21,22 +24,16 @@ TEST(Messages, AllocatedTextsEndTheirLineAndUnknownCodesHaveNone) {
         EXPECT_EQ(GetLastError(), each.error) << each.code;
         EXPECT_EQ(length, static_cast<DWORD>(lstrlenA(text)));
         EXPECT_EQ(text == nullptr, each.error != 0) << each.code;
-        EXPECT_TRUE(std::string(length == 0 ? "\r\n" : text).ends_with("\r\n")) << each.code;
+        if (text == nullptr) continue;
+        EXPECT_TRUE(std::string(text).ends_with("\r\n")) << each.code;
+        const DWORD enough =
+            FormatMessageA(fromSystem, nullptr, each.code, 1024, buffer, length + 1, nullptr);
+        EXPECT_EQ(enough, length);
+        EXPECT_STREQ(buffer, text);
+        EXPECT_EQ(FormatMessageA(fromSystem, nullptr, each.code, 1024, buffer, length, nullptr), 0U);
+        EXPECT_EQ(GetLastError(), ERROR_INSUFFICIENT_BUFFER);
         EXPECT_EQ(LocalFree(text), nullptr);
     }
-}
-
-TEST(Messages, TheCallersBufferHoldsTheWholeTextOrNothing) {
-    const auto format = [](char* buffer, DWORD size) {
-        return FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM, nullptr, 126, 1024, buffer, size, nullptr);
-    };
-    char whole[200], exact[200];
-    const DWORD length = format(whole, sizeof whole);
-    EXPECT_EQ(length, std::strlen(whole));
-    EXPECT_EQ(format(exact, length), 0U);
-    EXPECT_EQ(GetLastError(), ERROR_INSUFFICIENT_BUFFER);
-    EXPECT_EQ(format(exact, length + 1), length);
-    EXPECT_STREQ(exact, whole);
 }
 
 void expectNoModule(const std::string& file, DWORD error) {
@@ -45,16 +42,12 @@ void expectNoModule(const std::string& file, DWORD error) {
 }
 
 TEST(Modules, WhatCanNotBeLoadedSaysWhy) {
+    SetErrorMode(SEM_NOOPENFILEERRORBOX);
     const tarntest::TemporaryFolder folder;
     for (const char* name : {"text.dll", "text.so"}) tarntest::fill(folder.file(name), "text");
     for (const char* name : {"text", "text.dll"}) expectNoModule(folder.file(name), ERROR_BAD_EXE_FORMAT);
-    for (const char* name : {"tarn-none", ""}) expectNoModule(name, ERROR_MOD_NOT_FOUND);
-    expectNoModule(folder.file("missing.dll"), ERROR_MOD_NOT_FOUND);
-}
-
-TEST(Modules, TheErrorModeIsKept) {
-    SetErrorMode(SEM_NOOPENFILEERRORBOX);
-    EXPECT_EQ(GetErrorMode(), SEM_NOOPENFILEERRORBOX);
+    for (const std::string& name : {"tarn-none"s, ""s, folder.file("missing.dll")})
+        expectNoModule(name, ERROR_MOD_NOT_FOUND);
     EXPECT_EQ(SetErrorMode(0), SEM_NOOPENFILEERRORBOX);
 }
 
@@ -85,22 +78,21 @@ TEST(Modules, AModuleIsUnloadedByItsLastRelease) {
 
 #if !defined(_WIN32)
 
+std::ptrdiff_t openFiles() {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+}
+
 TEST(Modules, AModuleThatLacksAnotherIsNotOneOfAnotherSystem) {
     const tarntest::TemporaryFolder folder;
-    const auto descriptors = [] {
-        return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
-    };
-    const auto before = descriptors();
+    const std::ptrdiff_t before = openFiles();
     // The beginning of a module, which the loader refuses for what follows; its fifth byte is 2 for 64 bits.
-    const char thisClass = sizeof(void*) == 8 ? 2 : 1, otherClass = sizeof(void*) == 8 ? 1 : 2;
-    for (const char elfClass : {thisClass, otherClass}) {
-        tarntest::fill(folder.file("a.so"), std::string("\x7F"
-                                                        "ELF") +
-                                                elfClass + std::string(100, '\0'));
+    constexpr char thisClass = sizeof(void*) == 8 ? 2 : 1;
+    for (const char elfClass : {'\1', '\2'}) {
+        tarntest::fill(folder.file("a.so"), "\177ELF"s + elfClass + std::string(100, '\0'));
         expectNoModule(folder.file("a"), elfClass == thisClass ? ERROR_MOD_NOT_FOUND : ERROR_BAD_EXE_FORMAT);
     }
     expectNoModule(folder.path().string(), ERROR_MOD_NOT_FOUND);
-    EXPECT_EQ(descriptors(), before);
+    EXPECT_EQ(openFiles(), before);
 }
 
 TEST(Messages, AProgramsOwnBoxGetsWhatTheCallerGave) {

@@ -11,12 +11,12 @@ TEST(TextServices, NumbersShowTheirDigitsAndNoNeedlessOnes) {
     EXPECT_STREQ(_ltoa(-255, text, 8), "37777777401");
     EXPECT_STREQ(_itoa(-2147483647 - 1, text, 10), "-2147483648");
     EXPECT_STREQ(_itoa(-1, text, 2), "11111111111111111111111111111111");
-    for (const char* shown : {"0.1", "0.3333333333333333", "123456.789", "98.59999999999999"})
+    for (const char* shown : {"0.1", "0.3333333333333333", "123456.789"})
         EXPECT_STREQ(_gcvt(tarntest::numberOf(shown), 16, text), shown);
     EXPECT_STREQ(_gcvt(98.6, 16, text), "98.59999999999999");
 }
 
-TEST(TextServices, ComparisonFoldsAsciiLettersOnly) {
+TEST(TextServices, ComparisonFoldsAsciiLettersOnlyAndHasNullFirst) {
     const char* const ascending[] = {"", "_", "`", "aB", "AbC", "Z", "\xC9", "\xE9"};
     for (int i = 0; i < 8; ++i) {
         for (int j = 0; j < 8; ++j) {
@@ -27,9 +27,6 @@ TEST(TextServices, ComparisonFoldsAsciiLettersOnly) {
     EXPECT_EQ(_stricmp("TaRn", "tArN"), 0);
     EXPECT_EQ(_strnicmp("ABx", "aby", 2), 0);
     EXPECT_EQ(_strnicmp("a", "b", 0), 0);
-}
-
-TEST(TextServices, NullIsBeforeEveryText) {
     EXPECT_EQ(lstrcmpiA("Abc", "aBC"), 0);
     EXPECT_EQ(lstrcmpiA(nullptr, nullptr), 0);
     EXPECT_LT(lstrcmpiA(nullptr, ""), 0);

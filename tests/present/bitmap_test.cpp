@@ -14,12 +14,20 @@ struct Manager : ItarnResourceMgr {
 
     ~Manager() override {
         for (const HBRUSH brush : brushes) EXPECT_TRUE(DeleteObject(brush));
-        EXPECT_TRUE(DeleteDC(context));
-        EXPECT_EQ(ReleaseDC(nullptr, screen), 1);
+        DeleteDC(context);
+        ReleaseDC(nullptr, screen);
     }
     HBRUSH getBrush(COLORREF color) override { return brushes.emplace_back(CreateSolidBrush(color)); }
     HDC getMemoryDC() override { return context; }
 };
+
+using Size = std::array<std::int32_t, 2>;
+
+Size sizeOf(tarnBitmap& bitmap) {
+    Size size{-7, -7};
+    bitmap.getSize(size[0], size[1]);
+    return size;
+}
 
 // The gradient by its closed form: band k of 100, from the bottom, ends (k + 1) q + floor(k r / 100) rows up.
 COLORREF bandColor(int height, int rowsBelow) {
@@ -29,7 +37,10 @@ COLORREF bandColor(int height, int rowsBelow) {
 }
 
 TEST(Bitmap, GradientsOfEveryHeightHaveTheirBands) {
-    tarnBitmap bitmap;
+    tarnBitmap none, bitmap(Manager().screen, 5, 4, 77);
+    EXPECT_EQ(sizeOf(none), (Size{-7, -7}));
+    EXPECT_EQ(sizeOf(bitmap), (Size{5, 4}));
+    EXPECT_EQ(bitmap.resourceId, 77);
     for (int height = 1; height <= 420; ++height) {
         Manager manager;
         bitmap.bitmapMOLT(0, 1, height, 0, manager.screen, &manager);
@@ -38,64 +49,69 @@ TEST(Bitmap, GradientsOfEveryHeightHaveTheirBands) {
         ASSERT_EQ(pixelsOf(bitmap.bitmap), colors) << height;
     }
     bitmap.bitmapMOLT(0, 1, 1, 0, nullptr, nullptr);
-    EXPECT_EQ(bitmap.height, 420) << "nothing happens without a manager";
+    EXPECT_EQ(sizeOf(bitmap), (Size{1, 420})) << "nothing happens without a manager";
 }
 
 #if !defined(_WIN32)
 
 const auto module = reinterpret_cast<HINSTANCE>(ULONG_PTR{0x5000});
 
-// The bitmap resource 300 of the module; the last one made takes the place of the others.
-struct Resource {
-    explicit Resource(const std::vector<unsigned char>& bytes, std::size_t size) {
-        tarn::addResource(module, 2, 300, bytes.data(), static_cast<std::uint32_t>(size));
-    }
-    explicit Resource(const std::vector<unsigned char>& bytes) : Resource(bytes, bytes.size()) {}
-    ~Resource() { tarn::removeResources(module); }
-};
-
-TEST(Bitmap, PackedResourcesGiveTheirPixelsAndTheirPalette) {
-    const std::int32_t before = tarn::openHandles();
-    for (const int depth : {1, 4, 8, 16, 24, 32}) {
-        const PackedBitmap packed(depth, 37, depth == 4 ? -6 : 6);
-        const Resource resource(packed.bytes);
-        const tarnBitmap system(module, 300, 0), own(module, 300 + 0x10000, 1);
-        EXPECT_EQ(pixelsOf(system.bitmap), packed.colors()) << depth;
-        EXPECT_EQ(pixelsOf(own.bitmap), packed.colors()) << depth;
-        EXPECT_EQ(system.width, 0);
-        EXPECT_EQ(own.width, 37);
-        EXPECT_EQ(own.height, packed.height);
-        PALETTEENTRY entries[300];
-        const UINT colors = GetPaletteEntries(own.palette, 0, 300, entries);
-        EXPECT_EQ(colors, depth <= 8 ? 1U << depth : 0U);
-        for (std::size_t i = 0; i < colors; ++i)
-            EXPECT_EQ(RGB(entries[i].peRed, entries[i].peGreen, entries[i].peBlue), packed.tableColor(i));
-    }
-    EXPECT_EQ(tarn::openHandles(), before);
+// What a loader makes of the resource 300.
+tarnBitmap loaded(const PackedBitmap& packed, int usePalette) {
+    tarn::addResource(module, 2, 300, packed.bytes.data(), static_cast<std::uint32_t>(packed.bytes.size()));
+    return tarnBitmap(module, 300 + 0x10000, usePalette);
 }
 
 // Both loaders show these pixels; none where neither makes a bitmap.
 void expectPixels(const PackedBitmap& packed, const std::vector<COLORREF>& pixels, const char* what) {
-    const Resource resource(packed.bytes);
     for (const int usePalette : {0, 1})
-        EXPECT_EQ(pixelsOf(tarnBitmap(module, 300, usePalette).bitmap), pixels) << what << ' ' << usePalette;
+        EXPECT_EQ(pixelsOf(loaded(packed, usePalette).bitmap), pixels) << what << ' ' << usePalette;
 }
 
-TEST(Bitmap, MasksAreReadWhereverTheyAre) {
+TEST(Bitmap, PackedResourcesGiveTheirPixelsAndTheirPalette) {
+    const std::int32_t before = tarn::openHandles();
+    for (const int depth : {1, 4, 8, 16, 24, 32}) {
+        PackedBitmap packed(depth, 37, depth == 4 ? -6 : 6);
+        const std::vector<COLORREF> pixels = packed.colors();
+        expectPixels(packed, pixels, "short header");
+        tarnBitmap system = loaded(packed, 0), own = loaded(packed, 1);
+        EXPECT_EQ(sizeOf(own), (Size{37, packed.height}));
+        EXPECT_EQ(sizeOf(system), (Size{37, 6}));
+        const UINT colors = depth <= 8 ? 1U << depth : 0;
+        EXPECT_EQ(GetPaletteEntries(own.palette, 0, 0, nullptr), colors);
+        for (UINT i = 0; i < colors; ++i) {
+            PALETTEENTRY entry;
+            EXPECT_EQ(GetPaletteEntries(own.palette, i, 1, &entry), 1U);
+            EXPECT_EQ(RGB(entry.peRed, entry.peGreen, entry.peBlue), packed.tableColor(i));
+        }
+        packed.setWords(0, {108});
+        packed.bytes.insert(packed.bytes.begin() + 40, 68, 0xEE);
+        expectPixels(packed, pixels, "long header");
+    }
+    EXPECT_EQ(tarn::openHandles(), before);
+}
+
+TEST(Bitmap, AShortTableAndMasksAreReadWhereverTheyAre) {
+    PackedBitmap brief(1, 3, 1);  // with one entry of its table
+    brief.setWords(8, {1});
+    brief.bytes.resize(48);
+    brief.bytes[44] = 0x40;
+    const COLORREF known = brief.tableColor(0), missing = 0;
+    EXPECT_EQ(pixelsOf(loaded(brief, 0).bitmap), (std::vector{known, missing, known}));
+    EXPECT_EQ(loaded(brief, 1).bitmap, nullptr) << "a palette needs a whole table";
     // 5-6-5 bits: full green, full red, then a blue of 16 of 31, which shows as 132.
-    const std::vector pixels{RGB(0, 255, 0), RGB(255, 0, 0), RGB(0, 0, 132)};
     const std::vector<unsigned char> pixelBytes{0xE0, 0x07, 0x00, 0xF8, 0x10, 0x00, 0, 0};
-    for (const DWORD headerSize : {40U, 44U, 52U, 124U}) {
+    for (const DWORD headerSize : {40U, 44U, 124U}) {
         PackedBitmap packed(16, 3, 1);
         packed.bytes.resize(std::max(headerSize, 52U));
         packed.setWords(0, {headerSize});
         packed.setWords(4, {BI_BITFIELDS, 0, 0, 0, 0, 0, 0xF800, 0x07E0, 0x001F});
         packed.bytes.insert(packed.bytes.end(), pixelBytes.begin(), pixelBytes.end());
-        expectPixels(packed, pixels, "masks");
-        packed.bytes.pop_back();
-        expectPixels(packed, {}, "pixels cut");
-        packed.bytes.resize(48);
-        expectPixels(packed, {}, "masks cut");
+        expectPixels(packed, {RGB(0, 255, 0), RGB(255, 0, 0), RGB(0, 0, 132)}, "masks");
+        for (const std::size_t size : {packed.bytes.size() - 1, std::size_t{48}}) {
+            packed.bytes.resize(size);
+            expectPixels(packed, {}, "cut");
+        }
     }
     PackedBitmap deep(32, 1, 1);  // ten bits of red, ten of green and none of blue
     deep.bytes.resize(56);
@@ -103,32 +119,12 @@ TEST(Bitmap, MasksAreReadWhereverTheyAre) {
     expectPixels(deep, {RGB(128, 255, 0)}, "wide masks");
 }
 
-TEST(Bitmap, TheColorTableIsBehindALongerHeader) {
-    PackedBitmap packed(4, 37, 6);
-    const std::vector<COLORREF> pixels = packed.colors();
-    packed.setWords(0, {108});
-    packed.bytes.insert(packed.bytes.begin() + 40, 68, 0xEE);
-    expectPixels(packed, pixels, "long header");
-}
-
-TEST(Bitmap, EntriesThatAShortTableLeavesOutAreBlack) {
-    PackedBitmap packed(4, 3, 1);
-    packed.setWords(8, {2});
-    packed.bytes.resize(52);
-    packed.bytes[48] = 0x01;
-    packed.bytes[49] = 0x20;
-    const Resource resource(packed.bytes);
-    const tarnBitmap bitmap(module, 300, 0);
-    EXPECT_EQ(pixelsOf(bitmap.bitmap),
-              (std::vector{packed.tableColor(0), packed.tableColor(1), RGB(0, 0, 0)}));
-}
-
-// A packed bitmap of 4 x 3 pixels whose pixels are these runs.
-PackedBitmap packedRuns(int depth, const std::vector<unsigned char>& runs, std::size_t runBytes) {
+// A packed bitmap of 4 x 3 pixels whose pixels are these runs, up to its end.
+PackedBitmap packedRuns(int depth, const std::vector<unsigned char>& runs) {
     PackedBitmap packed(depth, 4, 3);
     packed.bytes.resize(packed.pixelOffset);
     packed.bytes.insert(packed.bytes.end(), runs.begin(), runs.end());
-    packed.setWords(4, {depth == 8 ? BI_RLE8 : BI_RLE4, static_cast<DWORD>(runBytes)});
+    packed.setWords(4, {depth == 8 ? BI_RLE8 : BI_RLE4});
     return packed;
 }
 
@@ -146,62 +142,37 @@ TEST(Bitmap, RunsPaintWhatTheyCoverFromTheBottomUp) {
         {8, {1, 2, 0, 2, 1}, "........2..."},                                 // cut within a move
     };
     for (const auto& each : rows) {
-        for (const std::size_t runBytes : {std::size_t{0}, each.runs.size()}) {
-            const PackedBitmap packed = packedRuns(each.depth, each.runs, runBytes);
-            std::vector<COLORREF> pixels;
-            for (const char entry : each.picture)
-                pixels.push_back(entry == '.' ? 0 : packed.tableColor(static_cast<std::size_t>(entry - '0')));
-            expectPixels(packed, pixels, each.picture.data());
-        }
-        expectPixels(packedRuns(each.depth, each.runs, each.runs.size() + 1), {}, "longer than the resource");
+        PackedBitmap packed = packedRuns(each.depth, each.runs);
+        std::vector<COLORREF> pixels;
+        for (const char entry : each.picture)
+            pixels.push_back(entry == '.' ? 0 : packed.tableColor(static_cast<std::size_t>(entry - '0')));
+        expectPixels(packed, pixels, each.picture.data());
+        packed.setWords(5, {static_cast<DWORD>(each.runs.size())});
+        expectPixels(packed, pixels, each.picture.data());
     }
-}
-
-TEST(Bitmap, RunsOfAnotherDepthUpsideDownOrOutOfProportionGiveNone) {
-    const struct {
-        std::size_t word;
-        DWORD value;
-    } rows[] = {{2, ~DWORD{0}}, {4, BI_RLE4}, {1, 6'000'000}};
-    for (const auto& each : rows) {
-        PackedBitmap packed = packedRuns(8, {4, 1, 0, 1}, 0);
-        packed.setWords(each.word, {each.value});
+    // Upside down, of another depth, longer than the resource, out of proportion.
+    for (const auto& [word, value] : {std::pair{2U, ~0U}, {4U, BI_RLE4}, {5U, 5U}, {1U, 6'000'000U}}) {
+        PackedBitmap packed = packedRuns(8, {4, 1, 0, 1});
+        packed.setWords(word, {value});
         expectPixels(packed, {}, "bent");
     }
 }
 
 TEST(Bitmap, CutResourcesGiveNoneAndBentOnesAreNotReadOutside) {
     for (const int depth : {1, 4, 8, 16, 24, 32}) {
-        const PackedBitmap packed(depth, 37, 6);
-        for (std::uint32_t cut = 0; cut < packed.bytes.size(); ++cut) {
-            const Resource resource(packed.bytes, cut);
-            EXPECT_EQ(tarnBitmap(module, 300, cut % 2).bitmap, nullptr) << cut;
-        }
-        // Every bit of the header turned over, which also makes runs of random pixels; the address checks judge.
+        // Every bit of the header turned over, which also makes runs of random pixels; the address checks
+        // judge.
         for (std::size_t i = 0; i < sizeof(BITMAPINFOHEADER) * 8; ++i) {
-            auto bent = packed.bytes;
-            bent[i / 8] ^= static_cast<unsigned char>(1 << i % 8);
-            const Resource resource(bent);
-            const tarnBitmap own(module, 300, 1), system(module, 300, 0);
+            PackedBitmap bent(depth, 37, 6);
+            bent.bytes[i / 8] ^= static_cast<unsigned char>(1 << i % 8);
+            for (const int usePalette : {0, 1}) loaded(bent, usePalette);
+        }
+        PackedBitmap packed(depth, 37, 6);
+        while (!packed.bytes.empty()) {
+            packed.bytes.pop_back();
+            expectPixels(packed, {}, "cut");
         }
     }
-}
-
-using Size = std::array<std::int32_t, 2>;
-
-Size sizeOf(tarnBitmap& bitmap) {
-    Size size{-7, -7};
-    bitmap.getSize(size[0], size[1]);
-    return size;
-}
-
-TEST(Bitmap, ASizeThatIsUnknownIsReadFromTheBitmap) {
-    const Manager manager;
-    const Resource resource(PackedBitmap(8, 37, 6).bytes);
-    tarnBitmap none, empty(manager.screen, 5, 4, 77), system(module, 300, 0), own(module, 300, 1);
-    EXPECT_EQ(sizeOf(none), (Size{-7, -7}));
-    EXPECT_EQ(sizeOf(empty), (Size{5, 4}));
-    EXPECT_EQ(empty.resourceId, 77);
-    for (tarnBitmap* const loaded : {&system, &own}) EXPECT_EQ(sizeOf(*loaded), (Size{37, 6}));
 }
 
 #endif

@@ -1,4 +1,4 @@
-// The screen snapshot: present/metrics.cpp.
+// The screen snapshot and what it is read from: present/metrics.cpp, platform/drawing/screen.cpp.
 
 #include "present/screen.h"
 #include "tests/support.h"
@@ -19,41 +19,39 @@ TEST(Metrics, FieldsAreInOrderAndHoldTheSystemsValues) {
     value += sizeof(LOGFONTA) / sizeof *value;
     for (const int index : colorOrder) EXPECT_EQ(*++value, GetSysColor(index)) << index;
     EXPECT_NE(metrics.iconTitleFont.lfHeight, 0);
+    for (const int outside : {-1, 1000}) EXPECT_EQ(GetSystemMetrics(outside), 0);
+    for (const int outside : {-1, 1000}) EXPECT_EQ(GetSysColor(outside), 0U);
+    OSVERSIONINFOA version{};
+    version.dwOSVersionInfoSize = sizeof version - 1;
+    EXPECT_FALSE(GetVersionExA(&version));
 }
 
 #if !defined(_WIN32)
 
-TEST(Metrics, ASnapshotChangesWhenItIsReadAgain) {
-    tarnMetrics metrics;
-    EXPECT_EQ(metrics.paletteDisplay, 0);
-    tarn::ScreenDescription screen{};  // numColors is 0
-    screen.metrics[SM_CXSCREEN] = 640;
-    screen.colors[COLOR_WINDOW] = 7;
-    tarn::setScreen(&screen);
-    metrics.sysColorChange();
-    EXPECT_EQ(metrics.clrWindow, 7U);
-    EXPECT_EQ(metrics.cxScreen, 1920);
-    metrics.init();
-    EXPECT_EQ(metrics.cxScreen, 640);
-    EXPECT_EQ(metrics.paletteDisplay, 1);
-    EXPECT_EQ(metrics.osKind, 1);
-    tarn::setScreen(nullptr);
-}
-
-TEST(Metrics, EachSystemHasItsKind) {
+TEST(Metrics, EachSystemHasItsKindAndASnapshotIsReadAgain) {
     const struct {
         std::int32_t platform, version, kind;
-    } rows[] = {{0, 3, 4}, {1, 4, 3}, {1, 9, 3}, {2, 4, 1}, {2, 5, 0}, {2, 0, 0}, {3, 4, 0}, {2, 3, 2}};
-    tarn::ScreenDescription screen{};
+    } rows[] = {{0, 3, 4}, {1, 4, 3}, {2, 4, 1}, {2, 5, 0}, {3, 4, 0}, {2, 3, 2}};
+    tarnMetrics earlier;
+    EXPECT_EQ(earlier.paletteDisplay, 0);
+    tarn::ScreenDescription screen = tarn::classicScreen();
     screen.metrics[SM_CYCAPTION] = 30;
-    screen.metrics[SM_CYSMCAPTION] = 20;
+    screen.colors[COLOR_MENU] = 7;
+    screen.numColors = 0;
     for (const auto& each : rows) {
         screen.platformId = each.platform;
         screen.majorVersion = each.version;
         tarn::setScreen(&screen);
         EXPECT_EQ(tarnMetrics().osKind, each.kind) << each.platform << ' ' << each.version;
-        EXPECT_EQ(tarnMetrics().cySmallCaption, each.kind == 2 ? 30 : 20) << each.kind;
+        EXPECT_EQ(tarnMetrics().cySmallCaption, each.kind == 2 ? 30 : 16) << each.kind;
     }
+    earlier.sysColorChange();
+    EXPECT_EQ(earlier.clrMenu, 7U);
+    EXPECT_EQ(earlier.cyCaption, 19);
+    earlier.init();
+    EXPECT_EQ(earlier.cyCaption, 30);
+    EXPECT_EQ(earlier.paletteDisplay, 1) << "a colour table of no colours";
+    EXPECT_EQ(earlier.osKind, 1) << "is read once";
     tarn::setScreen(nullptr);
 }
 
