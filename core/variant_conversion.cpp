@@ -26,8 +26,8 @@ std::int32_t firstWord(const MOLTVARIANT& value) {
     return word;
 }
 
-// The format with %ld, %lu, %lx and so on as %d, %u, %x: a client's long has 32 bits, and so does the number that is
-// passed to the C library.
+// The format with %ld, %lu, %lx and so on as %d, %u, %x: a client's long has 32 bits, and so does the number
+// that is passed to the C library.
 std::string withoutLong(const char* format) {
     std::string kept;
     while (*format != '\0') {

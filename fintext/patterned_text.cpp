@@ -13,7 +13,8 @@
 
 namespace {
 
-// The styles of money with a meaning of their own; any other supplies missing decimals, without a dollar sign.
+// The styles of money with a meaning of their own; any other supplies missing decimals, without a dollar
+// sign.
 enum MoneyStyle : int { plainStyle = 0, dollarStyle = 1 };
 
 bool isPlace(char c) {

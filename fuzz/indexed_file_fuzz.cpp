@@ -1,5 +1,6 @@
-// The indexed data file: the set reads what the plain reader reads, within its memory, and so does the record,
-// in all three modes.  The first byte of an input is the mode, the rest is the file behind its marker.
+// The indexed data file: the set reads what the plain reader reads, within its memory, and so does the
+// record, in all three modes.  The first byte of an input is the mode, the rest is the file behind its
+// marker.
 
 #include "fuzz/property.h"
 #include "fuzz/record_file.h"

@@ -1,6 +1,6 @@
 // Menu texts: a menu of the input's choice has its tree, and the tree of any text, written as a text again,
-// reads back as the same one, plain and scrambled.  Its menus are made, its items are found, and everything is
-// released again.
+// reads back as the same one, plain and scrambled.  Its menus are made, its items are found, and everything
+// is released again.
 
 #include "fuzz/property.h"
 #include "platform/host.h"

@@ -149,7 +149,8 @@ class MemoryWatch {
         static_cast<void>(isInstalled);
         most_ = now_;
     }
-    // The headers allow 64 MiB beside so many times the file; inputs are far too short for that to say anything.
+    // The headers allow 64 MiB beside so many times the file; inputs are far too short for that to say
+    // anything.
     //   more  what the content of the file promises, beside its size
     void requireWithin(std::size_t timesTheFile, std::size_t fileSize, std::size_t more = 0) const {
         constexpr std::size_t spare = 16 << 10;

@@ -57,9 +57,9 @@ class tarnEngineData;
 ///   between `volatility` and 1.00; for a volatility beyond, it ends near that bound.
 /// - Bad input: a strike, stock price or volatility that is 0 or less, a rate below 0, and any of the four
 ///   that is infinite or not a number make every output 0.  A marketPrice that is not a number is none; a
-///   dividend that is not finite and a splitFactor that is not a number count for nothing.  Prices so large or
-///   volatilities so small that the arithmetic overflows give infinities or NaN.  The day counts may be any
-///   number.
+///   dividend that is not finite and a splitFactor that is not a number count for nothing.  Prices so large
+///   or volatilities so small that the arithmetic overflows give infinities or NaN.  The day counts may be
+///   any number.
 /// - Source: F. Black and M. Scholes, The Pricing of Options and Corporate Liabilities, Journal of Political
 ///   Economy 81 (1973); F. Black, Fact and Fantasy in the Use of Options, Financial Analysts Journal 31
 ///   (1975).  The cumulative normal is good to 7.5e-8, so the value is to 7.5e-8 of stock price and strike

@@ -1,6 +1,6 @@
-// Menus in memory: each is a list of entries, and an entry may name another menu, which is destroyed with this
-// one.  Menus nest to any depth and may even form a ring, so nothing here recurses: a search keeps its way
-// back in the menus that it walks through, and a tear-down chains the menus that it has still to release.
+// Menus in memory: each is a list of entries, and an entry may name another menu, which is destroyed with
+// this one.  Menus nest to any depth and may even form a ring, so nothing here recurses: a search keeps its
+// way back in the menus that it walks through, and a tear-down chains the menus that it has still to release.
 // Neither allocates, for both run inside destructors.
 // Tests: tests/platform/menus_test.cpp.
 

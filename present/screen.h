@@ -92,8 +92,8 @@ class TARN_EXPORT tarnBitmap {
     ///
     /// The palette's colours are read at offset 40, where the usual header ends.  The pixels of a bitmap with
     /// a longer header have the colours of the table behind it all the same; its palette hasn't.
-    /// - Bad input: a resource that is missing, cut short or no packed bitmap leaves `bitmap` NULL; so do runs
-    ///   that claim a picture of more than 64 MiB and 512 times their own size (not on Windows).
+    /// - Bad input: a resource that is missing, cut short or no packed bitmap leaves `bitmap` NULL; so do
+    ///   runs that claim a picture of more than 64 MiB and 512 times their own size (not on Windows).
     tarnBitmap(HINSTANCE module, std::int32_t id, int withPalette);
 
     /// Makes an empty bitmap that fits the device.

@@ -1,5 +1,5 @@
-// The locale and the zone that all tests of a program run in, where the caller names some: TARN_TEST_LOCALE, and
-// TZ as a place.  Tests that would run in others than named fail.
+// The locale and the zone that all tests of a program run in, where the caller names some: TARN_TEST_LOCALE,
+// and TZ as a place.  Tests that would run in others than named fail.
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // Device-independent bitmaps: rows of pixels of 1, 4, 8, 16, 24 or 32 bits, each row on a multiple of 4
-// bytes, from the bottom up where the height is above 0; of 4 and 8 bits also as runs (run_length.h).  Up to 8
-// bits a pixel is an entry of the colour table behind the header; above, masks say which bits are its
+// bytes, from the bottom up where the height is above 0; of 4 and 8 bits also as runs (run_length.h).  Up to
+// 8 bits a pixel is an entry of the colour table behind the header; above, masks say which bits are its
 // primaries, fixed ones or (BI_BITFIELDS) three words behind the first 40 bytes of the header.
 // Tests: tests/platform/screen_test.cpp, tests/present/bitmap_test.cpp.
 

@@ -1,8 +1,8 @@
 #pragma once
 
-// Internal: the numbers of a packed device-independent bitmap, the form of resources and files: header, colour
-// table or masks, pixels.  There they are little-endian at any address, while CreateDIBitmap takes a header of
-// the machine's own.  For the layer and for present/bitmap.cpp.
+// Internal: the numbers of a packed device-independent bitmap, the form of resources and files: header,
+// colour table or masks, pixels.  There they are little-endian at any address, while CreateDIBitmap takes a
+// header of the machine's own.  For the layer and for present/bitmap.cpp.
 
 #include <algorithm>
 #include <cstddef>

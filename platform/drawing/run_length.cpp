@@ -1,7 +1,7 @@
-// Run-length encoded pixels.  Two bytes are a run: a count, and the pixels that are repeated, one of 8 bits or
-// two of 4 that alternate.  A count of 0 makes the second byte an instruction: the end of the row, the end of
-// the picture, a move by the two bytes behind it, or so many pixels one by one, in an even number of bytes.
-// Rows run from the bottom up.
+// Run-length encoded pixels.  Two bytes are a run: a count, and the pixels that are repeated, one of 8 bits
+// or two of 4 that alternate.  A count of 0 makes the second byte an instruction: the end of the row, the end
+// of the picture, a move by the two bytes behind it, or so many pixels one by one, in an even number of
+// bytes. Rows run from the bottom up.
 // Tests: tests/present/bitmap_test.cpp.
 
 #include "platform/drawing/run_length.h"

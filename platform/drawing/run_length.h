@@ -10,8 +10,8 @@ namespace tarn {
 
 using ColorTable = COLORREF[256];
 
-// Paints what the runs cover of a bitmap that is black so far.  What they have outside of it isn't painted; they
-// may end at any byte.
+// Paints what the runs cover of a bitmap that is black so far.  What they have outside of it isn't painted;
+// they may end at any byte.
 void decodeRuns(std::span<const unsigned char> runs, unsigned depth, const ColorTable& table,
                 const Bitmap& bitmap);
 

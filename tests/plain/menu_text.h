@@ -10,7 +10,8 @@ namespace tarnplain {
 
 // Keywords are written in full and every popup has its END.
 inline std::string menuTextOf(const tarnMenuDef& node) {
-    if (node.kind == tarn::menuSeparator && node.id == -1 && node.label == nullptr) return "MENUITEM,SEPARATOR";
+    if (node.kind == tarn::menuSeparator && node.id == -1 && node.label == nullptr)
+        return "MENUITEM,SEPARATOR";
     std::string label = "NULL";
     if (node.label != nullptr) label.assign(node.label, static_cast<std::size_t>(node.labelLength));
     if (label.empty()) label = ' ';
