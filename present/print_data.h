@@ -12,8 +12,7 @@
 ///
 /// A consumer counts up from 0 until getPrintData answers NULL.
 ///
-/// Threads: no shared state, and one object
-/// belongs to one thread at a time.
+/// Threads: no shared state, and one object belongs to one thread at a time.
 
 #include <cstdint>
 
