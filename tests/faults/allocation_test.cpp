@@ -237,14 +237,8 @@ TEST_F(Allocation, AFailedChangeLeavesTheObject) {
     });
 }
 
-std::string boxed;
-
 TEST_F(Allocation, BoxesAndModulesLeaveNothingOpen) {
-    boxed.reserve(200);
-    tarn::setMessageBox([](const char* text, const char* caption, std::uint32_t) {
-        boxed.assign(caption).append(text == nullptr ? "" : text);
-        return 1;
-    });
+    tarn::setMessageBox([](const char*, const char*, std::uint32_t) { return 1; });
     walk("message and module", [](auto failing) {
         int found = 0;
         const bool thrown = failing([&] {

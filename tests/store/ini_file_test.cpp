@@ -31,17 +31,13 @@ TEST_F(IniFile, MovesWithTheCurrentFolderOrStaysWhereItIsToMove) {
     EXPECT_EQ(contentOf("client.ini"), "[s]\r\nk=-5\r\n");
     ini->setIniFileDirectory(folder.file("none").c_str());
     EXPECT_EQ(ini->writeIniString("s", "k", "v"), 0);
+    if (!onWindows) {  // which has no current folder of a longer name than 260
+        const std::filesystem::path deep = std::string(100, 'd') + '/' + std::string(200, 'd');
+        std::filesystem::create_directories(deep);
+        std::filesystem::current_path(deep);
+    }
     EXPECT_EQ(tarnIniFile("x.ini").writeIniString("s", "k", "v"), 1);
     EXPECT_TRUE(std::filesystem::exists("x.ini.ini"));
-}
-
-TEST_F(IniFile, ACurrentFolderOfTooLongANameIsCut) {
-    if (onWindows) GTEST_SKIP() << "the system has no current directory of that length";
-    const std::filesystem::path deep = std::string(100, 'd') + '/' + std::string(200, 'd');
-    std::filesystem::create_directories(deep);
-    std::filesystem::current_path(deep);
-    EXPECT_EQ(tarnIniFile("client").writeIniString("s", "k", "v"), 1);
-    EXPECT_TRUE(std::filesystem::exists("client.ini"));
 }
 
 TEST_F(IniFile, ATextIsCutWronglyOrItsDefaultIsNotGiven) {
