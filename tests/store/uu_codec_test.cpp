@@ -17,12 +17,13 @@ std::string encoded(const std::string& bytes, char pad = '=', int standard = 1) 
 }
 
 std::string decoded(const std::string& text, int standard = 1) {
-    return tarnplain::written((text.size() + 3) / 4 * 3, [&](unsigned char* target) {
-        return UUdecode(text.c_str(), target, -1, standard);
-    });
+    std::vector<unsigned char> bytes((text.size() + 3) / 4 * 3);
+    const int length = UUdecode(text.c_str(), bytes.data(), -1, standard);
+    return {bytes.data(), bytes.data() + length};
 }
 
 TEST(UuCodec, KnownTextsHaveTheirBytes) {
+    const std::string alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
     const struct {
         std::string text, bytes;
         bool isEncoded = true;
@@ -32,7 +33,9 @@ TEST(UuCodec, KnownTextsHaveTheirBytes) {
         {"Zg==", "f"},
         {"Zm8=", "fo"},
         {"Zm9vYmFy", "foobar"},
-        {"+/+/", "\xFB\xFF\xBF"},
+        {alphabet,
+         "\0\x10\x83\x10\x51\x87\x20\x92\x8B\x30\xD3\x8F\x41\x14\x93\x51\x55\x97\x61\x96\x9B\x71\xD7\x9F"
+         "\x82\x18\xA3\x92\x59\xA7\xA2\x9A\xAB\xB2\xDB\xAF\xC3\x1C\xB3\xD3\x5D\xB7\xE3\x9E\xBB\xF3\xDF\xBF"s},
         {"?_?_", "\xFB\xFF\xBF", true, 0},
         {std::string(80'000, 'A'), std::string(60'000, '\0')},  // looked through in more than one stretch
         {"Z", "d", false},           // Z << 2 | 64 >> 4, though no character is behind it
@@ -48,38 +51,30 @@ TEST(UuCodec, KnownTextsHaveTheirBytes) {
     }
 }
 
-TEST(UuCodec, EveryPathDecodesAsThePlainFormAndEncodesWhatItDecodes) {
+TEST(UuCodec, EveryPathDecodesAlikeAndEncodesWhatItDecodes) {
     std::mt19937 random(2);
     for (int round = 0; round < 10'000; ++round) {
         std::string text(random() % 330, 'A');
         const unsigned oneIn = 1U << random() % 9;  // how rare the characters outside the alphabet are
         const bool standard = random() % 2 != 0;
         for (char& character : text) {
-            const auto any = static_cast<char>(1 + random() % 255);
-            character = random() % oneIn == 0 ? any : tarnplain::alphabetOf(standard)[random() % 64];
+            character = tarnplain::alphabetOf(standard)[random() % 64];
+            if (random() % oneIn == 0) character = static_cast<char>(1 + random() % 255);
         }
-        std::fill_n(text.begin(), std::min<std::size_t>(random() % 4, text.size()), ' ');
-        const std::string bytes = tarnplain::decoded(text, standard);
-        for (const auto level : {tarn::VectorLevel::none, tarn::vectorLevel()}) {
-            ASSERT_EQ(tarnplain::decodedBy(level, text, standard), bytes) << text;
-            const std::string back = tarnplain::encodedBy(level, bytes, '*', standard);
-            ASSERT_EQ(tarnplain::decoded(back, standard), bytes) << back;
-        }
+        const std::string bytes = tarnplain::decodedBy(tarn::VectorLevel::none, text, standard);
+        ASSERT_EQ(tarnplain::decodedBy(tarn::vectorLevel(), text, standard), bytes) << text;
+        const std::string back = tarnplain::encodedBy(tarn::VectorLevel::none, bytes, '*', standard);
+        ASSERT_EQ(tarnplain::encodedBy(tarn::vectorLevel(), bytes, '*', standard), back) << text;
+        ASSERT_EQ(decoded(back, standard ? 1 : 0), bytes) << back;
     }
 }
 
 TEST(UuCodec, UnusableArgumentsGiveNothing) {
-    unsigned char bytes[] = {1, 2, 3, 4};
-    EXPECT_EQ(UUencode(bytes, 3, nullptr, '=', 1), 0);
+    const unsigned char bytes[] = {1, 2, 3, 4};
     char text[] = "old";
-    EXPECT_EQ(UUencode(nullptr, 3, text, '=', 1), 0);
-    EXPECT_STREQ(text, "");
-    text[0] = 'o';
     EXPECT_EQ(UUencode(bytes, 1610612734, text, '=', 1), 0);
     EXPECT_STREQ(text, "");
-    EXPECT_EQ(UUdecode(nullptr, bytes, 4, 1), 0);
     EXPECT_EQ(UUdecode("Zm9v", nullptr, 4, 1), 0);
-    EXPECT_EQ(bytes[0], 1);
 }
 
 }  // namespace
