@@ -17,6 +17,26 @@ Owned valueOf(unsigned byte) {
     return tarntest::number(byte % 4 == 3 ? tagDouble : tagLong, byte);
 }
 
+// Every row is below the number of rows.
+bool isOrderly(const tarnplain::RecordModel& model) {
+    return std::all_of(model.columns.begin(), model.columns.end(), [&](const auto& each) {
+        return each.second.empty() || each.second.rbegin()->first < model.rows;
+    });
+}
+
+// Of an orderly one.
+void append(tarnplain::RecordModel& model, tarnplain::RecordModel other) {
+    const std::int32_t base = model.rows;
+    for (const auto& [id, column] : other.columns) {
+        for (const auto& [row, value] : column) {
+            if (value == "empty" || value == tarnplain::RecordModel::noValue) continue;
+            model.columns[id][tarn::wrappingSum(base, row)] = value;
+            model.raiseRows(tarn::wrappingSum(base, row));
+        }
+    }
+    model.values[-26] = other.values.contains(-26) ? other.values[-26] : "empty";
+}
+
 // A record and its model, which doesn't count in wild work.
 struct Work {
     bool isWild;
@@ -30,10 +50,10 @@ struct Work {
         tarnplain::work(record, operation, id, row, to, &value);
         tarnplain::work(model, operation, id, row, to, &value);
     }
-    void append(Work& other) {
-        if (model.rows > 100 || (!isWild && !model.isOrderly())) return;
+    void takeAll(Work& other) {
+        if (model.rows > 100 || (!isWild && !isOrderly(model))) return;
         record.appendMultiData(&other.record);
-        model.append(other.model);
+        append(model, other.model);
     }
     // The record's own cell becomes a field, and its content once more its content.
     void storeOwnParts(std::int32_t id, std::int32_t row) {
@@ -48,12 +68,12 @@ struct Work {
             case 8:
                 if (row % 4 == 0) take(operation, id, row, to, value);
                 return;
-            case 9: return append(*this);
+            case 9: return takeAll(*this);
             case 10: {
                 Work other{isWild};
                 other.take(6, -26, 0, 0, value);
                 other.take(1, id, to, 0, value);
-                return append(other);
+                return takeAll(other);
             }
             case 11: return storeOwnParts(id, row);
             default: return take(operation, id, row, to, value);

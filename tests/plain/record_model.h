@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <map>
-#include <optional>
 #include <string>
 #include <utility>
 
@@ -16,7 +15,10 @@
 namespace tarnplain {
 
 struct RecordModel {
-    using Column = std::map<std::int32_t, std::optional<std::string>>;  // a row may have no value
+    using Column = std::map<std::int32_t, std::string>;
+
+    static constexpr const char* noValue =
+        "no value, empty";  // of a row that isn't there, also once it moves
 
     std::map<std::int32_t, std::string> values;
     std::map<std::int32_t, Column> columns;
@@ -25,12 +27,9 @@ struct RecordModel {
     bool hasRow(std::int32_t id, std::int32_t row) {
         return columns.contains(id) && columns[id].contains(row);
     }
-    [[nodiscard]] bool isOrderly() const {  // every row is below the number of rows
-        return std::all_of(columns.begin(), columns.end(), [&](const auto& each) {
-            return each.second.empty() || each.second.rbegin()->first < rows;
-        });
+    void raiseRows(std::int32_t row) {
+        if (row >= rows) rows = tarn::wrappingSum(row, 1);
     }
-
     void storeData(std::int32_t id, const MOLTVARIANT* value) { values[id] = tarntest::readable(value); }
     void removeData(std::int32_t id) { values.erase(id); }
     // Not for a row that is there if it is to be added.
@@ -56,55 +55,39 @@ struct RecordModel {
     void moveMultiData(std::int32_t from, std::int32_t to) {
         for (auto& [id, column] : columns) put(column, to, taken(column, from));
     }
-    // Of an orderly one.
-    void append(RecordModel other) {
-        const std::int32_t base = rows;
-        for (const auto& [id, column] : other.columns) {
-            for (const auto& [row, value] : column) {
-                if (value.value_or("empty") == "empty") continue;
-                columns[id][tarn::wrappingSum(base, row)] = value;
-                raiseRows(tarn::wrappingSum(base, row));
-            }
-        }
-        values[-26] = other.values.contains(-26) ? other.values[-26] : "empty";
-    }
 
     // What a record answers, and what one of this content does.
     std::pair<std::string, std::string> answersOf(tarnEngineData& record) {
         auto found = std::to_string(record.getNumMulti()) + ", " + std::to_string(record.fields->count);
         auto expected = std::to_string(rows) + ", " + std::to_string(values.size() + columns.size());
         MOLTVARIANT out;
-        const auto add = [&](std::int32_t index, const std::optional<std::string>& value) {
+        const auto add = [&](std::int32_t index, const std::string& value) {
             found += (index < 0 ? "; no value, " : "; ") + tarntest::readable(&out);
-            expected += "; " + value.value_or("no value, empty");
+            expected += "; " + value;
         };
         for (const auto& [id, value] : values) add(record.getData(id, &out), value);
-        for (auto& [id, column] : columns) {
+        for (auto& [id, column] : columns)
             for (std::int32_t row = 0; row < std::max(rows, 15) + 2; ++row)
-                add(record.getMultiData(id, row, &out), hasRow(id, row) ? column[row] : std::nullopt);
-        }
+                add(record.getMultiData(id, row, &out), hasRow(id, row) ? column[row] : noValue);
         return {found, expected};
     }
 
   private:
-    void raiseRows(std::int32_t row) {
-        if (row >= rows) rows = tarn::wrappingSum(row, 1);
-    }
     static void shift(Column& column, std::int32_t from, std::int32_t by) {
         Column shifted;
         for (const auto& [row, value] : column)
             shifted[row >= from ? tarn::wrappingSum(row, by) : row] = value;
         column = shifted;
     }
-    static void put(Column& column, std::int32_t row, const std::optional<std::string>& value) {
+    static void put(Column& column, std::int32_t row, const std::string& value) {
         shift(column, row, 1);
         column[row] = value;
     }
     // What a row had; the rows behind it close up.
-    static std::optional<std::string> taken(Column& column, std::int32_t row) {
+    static std::string taken(Column& column, std::int32_t row) {
         const auto cell = column.extract(row);
         shift(column, row, -1);
-        return cell.empty() ? std::nullopt : cell.mapped();
+        return cell.empty() ? noValue : cell.mapped();
     }
 };
 
