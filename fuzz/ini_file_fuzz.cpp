@@ -22,15 +22,15 @@ struct Wanted {
 };
 
 void checkLists(const std::string& text, const Wanted& wanted) {
-    std::vector<tarnplain::ProfileSection> all = tarnplain::sectionsOf(text);
+    tarnplain::ProfileSections all = tarnplain::sectionsOf(text);
     std::string sections, keys;
-    for (const auto& section : all) sections += section.name.empty() ? "" : section.name + '\0';
+    for (const auto& [name, entries] : all) sections += name.empty() ? "" : name + '\0';
     requireSame(listSections(text), sections, "sections are listed as by the plain reader");
-    const auto place = tarnplain::findSection(all, wanted.section);
+    const auto place = tarnplain::findNamed(all, wanted.section);
     const auto without = withoutSection(text, wanted.section);
     require(without.has_value() == (place != all.end()), "a section that is there is removed");
     if (!without) return;
-    for (const auto& [key, value] : place->keys) keys += key.empty() ? "" : key + '\0';
+    for (const auto& [key, value] : place->second) keys += key.empty() ? "" : key + '\0';
     requireSame(listKeys(text, wanted.section), keys, "keys are listed as by the plain reader");
     all.erase(place);
     require(tarnplain::sectionsOf(*without) == all, "no other section is removed");

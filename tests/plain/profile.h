@@ -22,46 +22,40 @@ inline std::string foldedName(std::string name) {
     return trimmed(name);
 }
 
-struct ProfileSection {
-    std::string name;
-    std::vector<std::pair<std::string, std::string>> keys;  // with their values
-
-    friend bool operator==(const ProfileSection&, const ProfileSection&) = default;
-};
+using ProfileKeys = std::vector<std::pair<std::string, std::string>>;  // with their values
+using ProfileSections = std::vector<std::pair<std::string, ProfileKeys>>;
 
 // All sections in the file's order.  What comes before the first one is dropped.
-inline std::vector<ProfileSection> sectionsOf(const std::string& text) {
-    std::vector<ProfileSection> sections;
+inline ProfileSections sectionsOf(const std::string& text) {
+    ProfileSections sections;
     for (std::size_t begin = 0, end = 0; begin < text.size(); begin = end + 1) {
         end = std::min(text.find_first_of("\r\n", begin), text.size());
         const std::string line = trimmed(text.substr(begin, end - begin));
         const std::size_t sign = line.find('=');
         if (line[0] == '[') {
-            sections.push_back({trimmed(line.substr(1, std::min(line.rfind(']'), line.size()) - 1)), {}});
+            sections.emplace_back(trimmed(line.substr(1, line.rfind(']') - 1)), ProfileKeys());
         } else if (!sections.empty() && line[0] != ';' && sign < line.size()) {
-            sections.back().keys.emplace_back(trimmed(line.substr(0, sign)), trimmed(line.substr(sign + 1)));
+            sections.back().second.emplace_back(trimmed(line.substr(0, sign)),
+                                                trimmed(line.substr(sign + 1)));
         }
     }
     return sections;
 }
 
-// The section that counts: the first of that name.
-inline auto findSection(std::vector<ProfileSection>& sections, const std::string& name) {
-    return std::find_if(sections.begin(), sections.end(), [&](const ProfileSection& section) {
-        return foldedName(section.name) == foldedName(name);
-    });
+// The section or the key that counts: the first of that name.
+inline auto findNamed(const auto& all, const std::string& name) {
+    const auto isMeant = [&](const auto& each) { return foldedName(each.first) == foldedName(name); };
+    return std::find_if(all.begin(), all.end(), isMeant);
 }
 
 // What findValue has to answer.
 inline std::optional<std::string> profileValue(const std::string& text, const std::string& section,
                                                const std::string& key) {
-    std::vector<ProfileSection> sections = sectionsOf(text);
-    const auto place = findSection(sections, section);
-    if (place == sections.end()) return std::nullopt;
-    for (const auto& [name, value] : place->keys) {
-        if (foldedName(name) == foldedName(key)) return value;
-    }
-    return std::nullopt;
+    ProfileSections sections = sectionsOf(text);
+    sections.emplace_back(section, ProfileKeys());  // that is found where no other is
+    const ProfileKeys& keys = findNamed(sections, section)->second;
+    const auto place = findNamed(keys, key);
+    return place == keys.end() ? std::nullopt : std::optional(place->second);
 }
 
 }  // namespace tarnplain
