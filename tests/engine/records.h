@@ -10,9 +10,6 @@ namespace tarntest {
 inline Owned whole(std::int32_t value) {
     return number(tagLong, value);
 }
-inline Owned real(double value) {
-    return number(tagDouble, value);
-}
 
 // A column with these cells in rows 0, 1, 2 and so on.
 inline Owned rowsOf(const std::vector<Owned>& cells) {
