@@ -24,7 +24,6 @@ TEST(EngineDataTest, FieldsKeepTheirOrderAndTheirKind) {
     expectRecord(record, {{6, rowsOf({value})}, {6, Owned()}, {7, value}, {8, value}}, 1);
     EXPECT_EQ(record.getId(3), 8);
     EXPECT_EQ(record.getId(4), -1);
-    EXPECT_EQ(record.isMulti(4), 0);
 }
 
 TEST(EngineDataTest, AFieldTakesAViewOfItsPart) {

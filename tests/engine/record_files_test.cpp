@@ -82,7 +82,7 @@ TEST_F(RecordFilesTest, AFileThatNobodyCouldReadIsNotWritten) {
     for (const std::int32_t rows : {-1, 2000}) {
         record.setNumMulti(rows);
         EXPECT_EQ(record.saveData(name.c_str()), 1);
-        EXPECT_EQ(std::filesystem::file_size(name), 13 + 3000 * (16 + (rows < 0 ? 0 : 12 + 1999 * 16)));
+        EXPECT_EQ(std::filesystem::file_size(name), 13U + 3000U * (16 + (rows < 0 ? 0 : 12 + 1999 * 16)));
     }
 }
 
@@ -106,12 +106,11 @@ TEST_F(RecordFilesTest, ASavedRecordLoadsEqualWithItsGaps) {
 }
 
 TEST_F(RecordFilesTest, WhatCantBeReadOrWrittenAnswersZero) {
-    const std::string here = folder.path().string(), missing = folder.file("missing");
     fillRecord(1);
     const Owned before(&contentOf(record));
-    for (const char* file : {missing.c_str(), static_cast<const char*>(nullptr)})
-        EXPECT_EQ(record.loadData(file, loadReplace), 0);
-    EXPECT_EQ(record.saveData(here.c_str()), 0);
+    EXPECT_EQ(record.loadData(folder.file("missing").c_str(), loadReplace), 0);
+    EXPECT_EQ(record.loadData(nullptr, loadReplace), 0);
+    EXPECT_EQ(record.saveData(folder.path().string().c_str()), 0);
     expectLoaded("@", loadAppend, 1, before, 1);  // a file of the indexed form that holds nothing
     expectLoaded("@", loadReplace, 1, recordOf({}), 0);
 }

@@ -51,7 +51,10 @@ class IndexReader {
         rest_.erase(0, front.size());
         return front;
     }
-    std::uint32_t word() { return tarn::loadWord(reinterpret_cast<const unsigned char*>(take(4).data())); }
+    std::uint64_t integer(std::size_t width) {
+        return tarn::loadLittleEndian(reinterpret_cast<const unsigned char*>(take(width).data()), width);
+    }
+    std::uint32_t word() { return static_cast<std::uint32_t>(integer(4)); }
     std::int32_t number() { return static_cast<std::int32_t>(word()); }
 
     void readIndex(std::vector<IndexRecord>& records) {
@@ -80,20 +83,16 @@ class IndexReader {
         if (tag == tagBlock || (tag >= tagList && tag <= tagRecord)) return {};
         if (tag == tagBlob) return tarntest::blob(bytes);
         if (tag == tagString) return tarntest::text(bytes.c_str(), tagString);
-        if (tag == tagText && !bytes.empty()) return tarntest::text(bytes.c_str());
-        if (tag == tagWideText && bytes.size() > 1) return wideTextOf(bytes);
-        if (tag == tagText || tag == tagWideText) return tarntest::nothing(tag);
+        if (tag == tagText) return tarntest::text(bytes.empty() ? nullptr : bytes.c_str());
+        if (tag == tagWideText) return wideTextOf(IndexReader(bytes));
         Owned plain = tarntest::eightBytes(tag, bytes.substr(0, 8));
         tarn::indexfile::exchangePayload(plain.payload.plain, tag);
         return plain;
     }
-    static Owned wideTextOf(const std::string& bytes) {
+    static Owned wideTextOf(IndexReader bytes) {
         std::u16string units;
-        for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
-            const auto high = static_cast<unsigned char>(bytes[i + 1]);
-            units += static_cast<char16_t>(high << 8 | static_cast<unsigned char>(bytes[i]));
-        }
-        return tarntest::wideText(units);
+        while (bytes.rest_.size() > 1) units += static_cast<char16_t>(bytes.integer(2));
+        return units.empty() ? tarntest::nothing(tagWideText) : tarntest::wideText(units);
     }
     // A vector that lies too deep is passed over, whatever it promises.
     Owned vectorOf(std::uint32_t count, int depth) {

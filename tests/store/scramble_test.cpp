@@ -29,11 +29,10 @@ TEST(Scramble, EveryPathScramblesAlikeAndTakesTheWayBack) {
 }
 
 TEST(Scramble, UnusableBuffersAreLeftAlone) {
-    std::string text(40, 'x');
-    scramble(text.data(), -1);
-    unscramble(text.data(), INT32_MIN);
+    char text[40] = "text";
+    scramble(text, INT32_MIN);
     unscramble(nullptr, 32);
-    EXPECT_EQ(text, std::string(40, 'x'));
+    EXPECT_STREQ(text, "text");
 }
 
 }  // namespace

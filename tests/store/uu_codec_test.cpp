@@ -71,7 +71,7 @@ TEST(UuCodec, EveryPathDecodesAlikeAndEncodesWhatItDecodes) {
 
 TEST(UuCodec, UnusableArgumentsGiveNothing) {
     const unsigned char bytes[] = {1, 2, 3, 4};
-    char text[] = "old";
+    char text[] = "old";  // becomes empty
     EXPECT_EQ(UUencode(bytes, 1610612734, text, '=', 1), 0);
     EXPECT_STREQ(text, "");
     EXPECT_EQ(UUdecode("Zm9v", nullptr, 4, 1), 0);
