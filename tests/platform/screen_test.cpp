@@ -20,7 +20,6 @@ struct Canvas {
     ~Canvas() {
         SelectObject(context, first);
         EXPECT_TRUE(DeleteObject(bitmap));
-        EXPECT_FALSE(DeleteObject(bitmap));
         EXPECT_TRUE(DeleteDC(context));
         EXPECT_FALSE(DeleteDC(context));
         EXPECT_EQ(ReleaseDC(GetDesktopWindow(), screen), 1);
