@@ -1,6 +1,6 @@
 // convertToDouble.  A decimal of up to 15 digits, by far the most common price, is read where it is, as one
 // whole number divided by a power of ten.  Any other text is first sorted into a buffer.
-// Tests: tests/core/number_text_test.cpp.
+// Tests: fuzz/price_fuzz.cpp.
 
 #include <cstring>
 #include <memory>

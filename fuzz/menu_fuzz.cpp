@@ -51,14 +51,12 @@ std::string checkTree(const std::string& bytes, int scrambled) {
     {
         const tarnfuzz::MemoryWatch watch;
         tarnMenuParser parser;
-        tarnMenuDef* root = parser.getMenuDef(file.path(), scrambled);
+        tarnMenuDef* const root = parser.getMenuDef(file.path(), scrambled);
         watch.requireWithin(80, bytes.size());
         text = tarnplain::menuTextOf(*root);
         root->createMenu();
         require(GetMenuItemCount(root->menu) == root->childCount, "every child has an entry");
         checkFinds(*root);
-        root = parser.getMenuDef(file.path(), scrambled);
-        requireSame(tarnplain::menuTextOf(*root), text, "a second reading gives the same tree");
     }
     require(tarn::openHandles() == before, "no menu is left over");
     return text;

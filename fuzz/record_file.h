@@ -98,7 +98,6 @@ inline void checkSaving(tarnEngineData& record) {
     const std::string bytes = saved.content();
     tarnEngineData again;
     require(again.loadData(saved.path(), loadReplace) == 1, "and loads");
-    requireSame(shown(again), shown(loaded), "equal");
     require(again.saveData(saved.path()) == 1, "and saves again");
     require(saved.content() == bytes, "to the same bytes");
 }

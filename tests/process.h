@@ -55,10 +55,10 @@ void twoWritersAndAReader(Write write, Read read) {
     for (const pid_t writer : writers) EXPECT_EQ(waitFor(writer), 0);
 }
 
-// Starts a child process that does a piece of work, and holds it at its n-th stop: one before and one after
-// each system call.  Answers 0 if the work was done before that.
+// Runs a piece of work in a child process that is killed at its n-th stop: one before and one after each system
+// call.  Answers false if the work was done before that.
 template <typename Work>
-pid_t stoppedChild(int n, Work work) {
+bool killedAtStop(int n, Work work) {
     const pid_t child = startChild([&] {
         ::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
         ::raise(SIGSTOP);
@@ -69,19 +69,12 @@ pid_t stoppedChild(int n, Work work) {
         ::ptrace(PTRACE_SYSCALL, child, nullptr, nullptr);
         status = waitFor(child);
     }
-    if (WIFSTOPPED(status)) return child;
+    if (WIFSTOPPED(status)) {
+        ::kill(child, SIGKILL);
+        return waitFor(child) == SIGKILL;
+    }
     EXPECT_EQ(status, 0);
-    return 0;
-}
-
-// Kills the child process there.  Answers false if the work was done before that.
-template <typename Work>
-bool killedAtStop(int n, Work work) {
-    const pid_t child = stoppedChild(n, work);
-    if (child == 0) return false;
-    ::kill(child, SIGKILL);
-    EXPECT_EQ(waitFor(child), SIGKILL);
-    return true;
+    return false;
 }
 
 // Leaves this process few descriptors until the end of the test.

@@ -34,16 +34,6 @@ TEST(TradingDays, DayOfTwoCenturiesIsMisjudged) {
     }
 }
 
-TEST(TradingDays, DayHasAnotherNumber) {
-    std::int64_t number = tarn::dayNumber({-1200, 1, 1});
-    for (sys_days day = year(-1200) / 1 / 1; day < year(2400) / 1 / 1; day += days(1), ++number) {
-        const year_month_day expected = day;
-        const tarn::CalendarDate date = tarn::dateOfDay(number);
-        ASSERT_EQ(year(static_cast<int>(date.year)) / date.month / date.day, expected);
-        ASSERT_EQ(tarn::dayNumber(date), number);
-    }
-}
-
 std::string tradingDay(int year, int month, int day, const char* today) {
     const tarntest::HeldClock clock(year, month, day);
     const int fourDigitYear = std::strlen(today) == 10 ? 1 : 0;
@@ -69,18 +59,6 @@ std::string settlement(const std::string& date, std::int32_t count, int fourDigi
     const std::unique_ptr<char[]> result(getSettlementDate(date.c_str(), count, fourDigitYear));
     EXPECT_EQ(testing::internal::GetCapturedStdout(), std::string(result.get()) + " \n");
     return result.get();
-}
-
-TEST(Settlement, CountDiffersFromAWalkDayByDay) {
-    std::mt19937 random(3);
-    for (int round = 0; round < 1500 && !HasFailure(); ++round) {
-        const sys_days start = sys_days(year(1996) / 6 / 1) + days(random() % 1950);
-        const int longest = round % 4 == 0 ? 1500 : 12;
-        const int count = static_cast<int>(random()) % longest;
-        const std::string expected = textOf("%02u/%02u/%04d", tarnplain::settlementDay(start, count));
-        const std::string date = textOf("%02u/%02u/%04d", start);
-        EXPECT_EQ(settlement(date, count), expected) << date << ", " << count;
-    }
 }
 
 TEST(Settlement, UnusualTextOrEndOfTheCalendarIsReadOtherwise) {

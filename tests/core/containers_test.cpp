@@ -53,23 +53,6 @@ TEST(ArrayTest, IndexesOutsideAreEmptyAndAWriteReachesThemAlone) {
     EXPECT_EQ(array.getAt(64), 0);
 }
 
-TEST(ListTest, ItemsBehindTheCountAreNotThere) {
-    tarnTList<std::int32_t> list;
-    list.add(7);
-    list.count = 0;
-    EXPECT_EQ(list.getAt(0), 0);
-    delete list.array;
-    tarnFieldList fields;
-    fields.add(7, nullptr);
-    fields.count = 0;
-    std::int32_t id = 5;
-    MOLTVARIANT* value = nullptr;
-    fields.getAt(0, id, value);
-    EXPECT_EQ(id, -1);
-    delete fields.values;
-    delete fields.ids;
-}
-
 TEST(NodeListTest, OneSlotIsLeftFree) {
     nodeList list;
     for (std::int32_t i = 1; i <= 64; ++i) {

@@ -61,18 +61,6 @@ TEST(StringTest, OneToFiveDecimalsStayAndOtherCountsAreStripped) {
     EXPECT_EQ(shown(1200, 0), "1200.0");
 }
 
-TEST(StringTest, TrimCutsBothEndsInsideTheBuffer) {
-    using Pair = std::pair<const char*, const char*>;
-    for (const auto& [text, trimmed] : {Pair{"  a b  ", "a b"}, {"ab", "ab"}, {"    ", ""}, {"x ", "x"}}) {
-        std::string buffer = text;
-        std::uint32_t length = 77;
-        const char* const start = trim(buffer.data(), length, ' ');
-        EXPECT_EQ(start, buffer.data() + std::strspn(text, " ")) << text;
-        EXPECT_STREQ(start, trimmed);
-        EXPECT_EQ(length, std::strlen(trimmed)) << text;
-    }
-}
-
 TEST(BufferTest, RandomWorkMatchesAStringAndCapacityGrowsInSteps) {
     std::mt19937 random(3);
     for (int round = 0; round < 40; ++round) {

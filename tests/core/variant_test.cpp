@@ -61,12 +61,4 @@ TEST(VariantTest, RawMemoryBecomesAnEmptyValueAndAValueCopiesItself) {
     EXPECT_EQ(value, old);
 }
 
-TEST(VariantTest, AContainerWithoutItsListIsAnEmptyOne) {
-    Owned bare = nothing(tagMulti);
-    bare.payload.multi = new multiColumn{nullptr};
-    EXPECT_EQ(bare.sizeOfData(), 4);
-    EXPECT_NE(Owned(&bare).payload.multi->nodes, nullptr);
-    EXPECT_EQ(nothing(tagList).sizeOfData(), 4);
-}
-
 }  // namespace

@@ -1,9 +1,8 @@
-// Columns of rows: engine/multi_data.cpp, engine/column.cpp.
+// Columns of rows: engine/multi_data.cpp, engine/column.cpp.  fuzz/record_work_fuzz.cpp has them beside a model.
 
 #include <set>
 
 #include "tests/engine/records.h"
-#include "tests/plain/record_model.h"
 
 namespace {
 
@@ -16,22 +15,6 @@ struct MultiDataTest : testing::Test {
     void add(int id, int row, const Owned& cell) { record.storeMultiData(id, row, &cell, 1); }
     void insert(int id, int row, const Owned& cell) { record.insertMultiData(id, row, &cell); }
 };
-
-TEST_F(MultiDataTest, RandomWorkMatchesAModel) {
-    std::mt19937 random(8);
-    const auto below = [&](unsigned limit) { return static_cast<std::int32_t>(random() % limit); };
-    tarnplain::RecordModel model;
-    for (std::int32_t step = 0; step < 3'000; ++step) {
-        const std::int32_t id = below(4), row = below(12), to = below(12);
-        const unsigned any = step % 200 == 0 ? 8 : random() % 8;
-        const unsigned operation = any == 0 && model.hasRow(id, row) ? 1 : any;
-        const Owned value = whole(step);
-        tarnplain::work(record, operation, id, row, to, &value);
-        tarnplain::work(model, operation, id, row, to, &value);
-        const auto [found, expected] = model.answersOf(record);
-        ASSERT_EQ(found, expected) << "step " << step;
-    }
-}
 
 TEST_F(MultiDataTest, AValueIsFoundByItsPositionInItsOwnColumn) {
     const Owned ten = whole(10), sameNumber = number(tagNumber, 10), empty;

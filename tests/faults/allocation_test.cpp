@@ -3,7 +3,6 @@
 // rightly.
 
 #include <dirent.h>
-#include <dlfcn.h>
 #include <unistd.h>
 
 #include <new>
@@ -13,11 +12,10 @@
 namespace {
 
 struct Memory {
-    long live = 0;       // blocks, and modules that are loaded
+    long live = 0;       // blocks
     long countdown = 0;  // the allocation that fails, from 1; 0 lets all pass
     bool forever = false;
     long failed = 0;
-    bool elsewhere = false;  // another thread's call succeeds whenever a block is released
 
     void failAt(long nth, bool andAllBehind = false) {
         countdown = nth;
@@ -45,7 +43,6 @@ void* allocateOrThrow(std::size_t bytes) {
 void release(void* block) {
     memory.live -= block == nullptr ? 0 : 1;
     std::free(block);
-    if (memory.elsewhere) SetLastError(ERROR_SUCCESS);
 }
 
 }  // namespace
@@ -81,17 +78,6 @@ DIR* __real_fdopendir(int descriptor);
 DIR* __wrap_fdopendir(int descriptor) {
     errno = ENOMEM;
     return memory.mayAllocate() ? __real_fdopendir(descriptor) : nullptr;
-}
-void* __real_dlopen(const char* file, int flags);
-void* __wrap_dlopen(const char* file, int flags) {
-    void* const module = memory.mayAllocate() ? __real_dlopen(file, flags) : nullptr;
-    memory.live += module == nullptr ? 0 : 1;
-    return module;
-}
-int __real_dlclose(void* module);
-int __wrap_dlclose(void* module) {
-    --memory.live;
-    return __real_dlclose(module);
 }
 }
 
@@ -164,23 +150,6 @@ struct Allocation : tarntest::Families {
     ~Allocation() override { std::fprintf(stderr, "%ld allocations have failed\n", memory.failed); }
 };
 
-// A table of handles grows with the 2nd, 4th, 8th... handle: as the fourth or fifth allocation of such a
-// context.
-TEST_F(Allocation, ATableThatCantGrowLeavesNoBitmap) {
-    DeleteDC(CreateCompatibleDC(nullptr));  // makes the tables
-    for (int i = 0; i < 1000; ++i) {
-        const long live = memory.live;
-        memory.failAt(4 + i % 2);
-        try {
-            DeleteDC(CreateCompatibleDC(nullptr));
-        } catch (const std::bad_alloc&) {
-            EXPECT_EQ(memory.live, live);
-        }
-        memory.failAt(0);
-    }
-    EXPECT_GT(memory.failed, 0);
-}
-
 TEST_F(Allocation, EachFailsOnceAndFromThereOn) {
     for (const auto& family : tarntest::families) {
         const std::string expected = family.answer(1);
@@ -215,52 +184,6 @@ TEST_F(Allocation, AFailedChangeLeavesTheObject) {
     const auto string = [] { return std::make_unique<tarnString>(longText); };
     const auto append = [](auto& made) { made.append(longText); };
     expectKept("string", string, append, [](const auto& made) { return std::string(made.text); });
-
-    const auto array = [] { return std::make_unique<tarnTArray<std::int32_t>>(2); };
-    const auto grow = [](auto& made) {
-        made.grow(9);
-        if (made.capacity == 2) throw std::bad_alloc();  // which the array alone doesn't throw
-    };
-    expectKept("array", array, grow, [](const auto& made) { return std::to_string(made.capacity); });
-
-    tarntest::fill(folder.file("place.ini"), "[s]\nk=1");
-    const auto iniFile = [&] {
-        auto made = std::make_unique<tarnIniFile>("place");
-        made->setIniFileDirectory(folder.path().c_str());
-        return made;
-    };
-    const auto moveTo = [](auto& made) { made.setIniFileDirectory(longText); };
-    expectKept("ini directory", iniFile, moveTo, [](auto& made) {
-        std::int32_t found = 0;
-        made.readIniInt("s", "k", 0, found);
-        return std::to_string(found);
-    });
-}
-
-TEST_F(Allocation, BoxesAndModulesLeaveNothingOpen) {
-    tarn::setMessageBox([](const char*, const char*, std::uint32_t) { return 1; });
-    walk("message and module", [](auto failing) {
-        int found = 0;
-        const bool thrown = failing([&] {
-            HINSTANCE module = nullptr;
-            int(__stdcall * function)() = nullptr;
-            showGetLastError(longText);
-            found = loadDllFunc(module, &function, "libm.so.6", "cos", 1);
-            if (module != nullptr) FreeLibrary(module);
-        });
-        EXPECT_TRUE(thrown || found == 1 || memory.failed > 0);
-        EXPECT_EQ(GetErrorMode(), 0U);
-    });
-    tarn::setMessageBox(nullptr);
-}
-
-TEST(LastError, OfAnotherThreadDoesntMisleadAWrite) {
-    const tarntest::TemporaryFolder folder;
-    const std::string ini = folder.file("new.ini");
-    memory.elsewhere = true;
-    EXPECT_TRUE(WritePrivateProfileStringA("s", "k", "v", ini.c_str()));
-    memory.elsewhere = false;
-    EXPECT_EQ(tarntest::contentOf(ini), "[s]\r\nk=v\r\n");
 }
 
 }  // namespace

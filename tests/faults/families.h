@@ -31,14 +31,6 @@ std::string allShown(Numbers... numbers) {
     return ((shown(static_cast<double>(numbers)) + ' ') + ...);
 }
 
-// The text that a call leaves in the buffer that it is given.
-template <class Call>
-std::string written(Call call) {
-    char buffer[500] = "";
-    call(buffer);
-    return buffer;
-}
-
 inline std::string containers(int n) {
     tarnTArray<std::int32_t> array(2);
     array.setAt(40, n);
@@ -132,40 +124,19 @@ inline std::string settings(int n) {
     return fromRegistry == value && static_cast<std::uint32_t>(fromIni) == value ? "kept" : "lost";
 }
 
-inline std::string options(int n) {
-    tarnEngineData history;
-    const Owned date = text("01/02/118");
-    const Owned price = text(std::to_string(20 + n).c_str());
-    for (std::int32_t row = 0; row < 9; ++row)
-        history.storeMultiData(336, row, row % 2 == 0 ? &date : &price, 0);
-    history.storeMultiData(737, 0, &date, 0);
-    tarnOptionSymbol symbol(longText);
-    symbol.setOptionSymbol(("XYZ JAN 1000000000" + std::to_string(n) + " 1000000/2 PUT").c_str());
-    return symbol.strikeText + allShown(symbol.sideType, doCalculateHistoricalVolatility(&history));
-}
-
-inline std::string calendar(int n) {
+inline std::string texts(int n) {
     const std::string day = "11/" + std::to_string(10 + n) + "/1999";
     const Text settled(getSettlementDate(day.c_str(), n, 1));
-    std::tm moment{};
-    gettmstruct((day + " 16:05:00").data(), moment);
-    return settled.get() + allShown(getUpdateTime(&moment), isFutureDate("11301999")) +
-           written([](char* out) { getCurrentDate(out, 1); }) +
-           written([](char* out) { getCurrentTradingDate(out, 0); });
-}
-
-inline std::string financialText(int n) {
-    const std::string price = "12345" + std::to_string(n) + ".60 ";
+    tarnOptionSymbol symbol(longText);
+    symbol.setOptionSymbol(("XYZ JAN 1000000000" + std::to_string(n) + " 1000000/2 PUT").c_str());
     tarnString money(longText);
     formatToMoneyFormat("123456789012345678901234567890", money, 1);
-    const Text joined(concatstr(price.c_str(), longText));
+    const Text joined(concatstr(symbol.strikeText, longText));
     const Text converted(convertNewline("a  b\nc"));
-    const Text part(newstr(&money));
     char digits[] = "-12345.6";
-    const auto patterned = [&](char* out) { formatStringWithPattern(digits, "$*,###*.##", out, eNegParens); };
-    return std::string(joined.get()) + converted.get() + part.get() + written(patterned) +
-           written([&](char* out) { formatStringToFloat(price.c_str(), out, 1); }) +
-           written([&](char* out) { getLocalTimeStr(out, n % 2); });
+    char patterned[100] = "";
+    formatStringWithPattern(digits, "$*,###*.##", patterned, eNegParens);
+    return std::string(settled.get()) + money.text + joined.get() + converted.get() + patterned;
 }
 
 inline std::string presentation(int n) {
@@ -222,9 +193,7 @@ constexpr struct {
                 {"record", record},
                 {"files", files},
                 {"ini file and registry", settings},
-                {"options", options},
-                {"calendar", calendar},
-                {"financial text", financialText},
+                {"texts", texts},
                 {"presentation", presentation},
                 {"pictures", pictures}};
 

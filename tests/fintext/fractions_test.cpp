@@ -66,10 +66,4 @@ TEST(PriceChanges, PercentIsOfAnotherPriceOrForm) {
     EXPECT_EQ(asPercentChange(nullptr, "%.2f", "5", "1"), nullptr);
 }
 
-TEST(PriceChanges, SignIsAnother) {
-    EXPECT_EQ(changed(flipSign, "-1.25"), "1.25");
-    EXPECT_EQ(changed(signPriceChange, "+2345678901234567890"), "++2345678901234");
-    EXPECT_EQ(signPriceChange(nullptr), ePriceChangeNone);
-}
-
 }  // namespace

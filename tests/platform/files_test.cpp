@@ -75,24 +75,6 @@ TEST_F(Files, EveryPairOfOpensIsShared) {
     EXPECT_TRUE(isOpen(openAs(3))) << "a refused or ended open left a mark";
 }
 
-TEST_F(Files, NeverTwoHoldersAtOnce) {
-    std::atomic<int> inside{0};
-    std::atomic<int> held{0};
-    const auto work = [&] {
-        for (int i = 0; i < 500; ++i) {
-            const Opened file = openAs(3);
-            if (!isOpen(file)) continue;
-            EXPECT_EQ(inside.fetch_add(1), 0);
-            ++held;
-            inside.fetch_sub(1);
-        }
-    };
-    std::thread other(work);
-    work();
-    other.join();
-    EXPECT_GT(held, 0);
-}
-
 TEST_F(Files, OpeningAnswersByNameAndRule) {
     const struct {
         const char* name;
@@ -207,24 +189,7 @@ TEST_F(Files, HandlesAllowMoreThanTheyWereOpenedForOrLongerThanTheyAreOpen) {
     EXPECT_EQ(contentOf(present), "content");
 }
 
-TEST(CurrentFolder, IsWrittenBehindItsRoom) {
-    char text[4096] = "untouched";
-    const DWORD room = GetCurrentDirectoryA(0, nullptr);
-    EXPECT_EQ(GetCurrentDirectoryA(room - 1, text), room);
-    EXPECT_STREQ(text, "untouched");
-    EXPECT_EQ(GetCurrentDirectoryA(room, text), room - 1);
-    EXPECT_EQ(std::filesystem::path(text), std::filesystem::current_path());
-}
-
 #if !defined(_WIN32)
-
-TEST_F(Files, AForeignLockIsWaitedForWithoutEnd) {
-    const int foreign = ::open(present.c_str(), O_RDONLY);
-    ASSERT_EQ(::flock(foreign, LOCK_EX), 0);
-    EXPECT_FALSE(isOpen(open(present)));
-    EXPECT_EQ(GetLastError(), ERROR_SHARING_VIOLATION);
-    ::close(foreign);
-}
 
 TEST_F(Files, DevicesAndFifosNeitherHangNorShare) {
     const std::string fifo = folder.file("fifo");

@@ -78,23 +78,6 @@ TEST(Modules, AModuleIsUnloadedByItsLastRelease) {
 
 #if !defined(_WIN32)
 
-std::ptrdiff_t openFiles() {
-    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
-}
-
-TEST(Modules, AModuleThatLacksAnotherIsNotOneOfAnotherSystem) {
-    const tarntest::TemporaryFolder folder;
-    const std::ptrdiff_t before = openFiles();
-    // The beginning of a module, which the loader refuses for what follows; its fifth byte is 2 for 64 bits.
-    constexpr char thisClass = sizeof(void*) == 8 ? 2 : 1;
-    for (const char elfClass : {'\1', '\2'}) {
-        tarntest::fill(folder.file("a.so"), "\177ELF"s + elfClass + std::string(100, '\0'));
-        expectNoModule(folder.file("a"), elfClass == thisClass ? ERROR_MOD_NOT_FOUND : ERROR_BAD_EXE_FORMAT);
-    }
-    expectNoModule(folder.path().string(), ERROR_MOD_NOT_FOUND);
-    EXPECT_EQ(openFiles(), before);
-}
-
 TEST(Messages, AProgramsOwnBoxGetsWhatTheCallerGave) {
     tarn::setMessageBox([](const char* text, const char* caption, std::uint32_t style) {
         EXPECT_EQ(text, nullptr);

@@ -44,19 +44,6 @@ TEST_F(ProfileFiles, CutListsEndInTwoNulsWithinTheBuffer) {
     }
 }
 
-TEST_F(ProfileFiles, NothingToChangeLeavesTheFileAlone) {
-    EXPECT_TRUE(write("s", "k", nullptr));
-    EXPECT_TRUE(write("s", nullptr, nullptr));
-    EXPECT_FALSE(write(nullptr, "k", "v"));
-    EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
-    fill(file, "[s]\r\nk=v\r\n");
-    std::filesystem::last_write_time(file, {});
-    const auto before = std::filesystem::last_write_time(file);
-    EXPECT_TRUE(write("s", "K", "v"));
-    EXPECT_TRUE(write("s", "other", nullptr));
-    EXPECT_EQ(std::filesystem::last_write_time(file), before);
-}
-
 TEST_F(ProfileFiles, StructuresOfAnotherSizeOrDamagedAreRefused) {
     std::string bytes = "\0\x01\x7F\x80\xFE\xFF"s;
     std::string back(8, '#');
@@ -176,17 +163,6 @@ TEST_F(ProfileFiles, WhatIsUnderTheTemporaryNameBlocksEveryWrite) {
     EXPECT_FALSE(write("s", "k", "v"));
     EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
     EXPECT_TRUE(std::filesystem::exists(name + "/something"));
-}
-
-TEST_F(ProfileFiles, AFileAtTheLimitIsRefusedOrOneAboveItRead) {
-    for (const std::size_t size : {5U, 16384U, 20000U}) {  // below, at and above what is read at once
-        std::string content = "untouched";
-        fill(file, std::string(size, 'x'));
-        EXPECT_EQ(tarn::readWhole(AT_FDCWD, file, 0, size - 1, content), ERROR_FILE_CORRUPT) << size;
-        EXPECT_EQ(content, "untouched");
-        EXPECT_EQ(tarn::readWhole(AT_FDCWD, file, 0, size, content), ERROR_SUCCESS) << size;
-        EXPECT_EQ(content, std::string(size, 'x'));
-    }
 }
 
 TEST_F(ProfileFiles, WhatIsNoFileNeitherHangsNorIsReplaced) {

@@ -1,12 +1,7 @@
 // What the text of an ini file means: platform/profile/text.cpp and platform/profile/encoding.cpp, through
-// platform/profile/operations.cpp, and the system's own on Windows.
+// platform/profile/operations.cpp, and the system's own on Windows.  fuzz/ini_file_fuzz.cpp has a plain reader.
 
 #include "tests/platform/profile.h"
-
-#if !defined(_WIN32)
-#include "platform/profile/text.h"
-#include "tests/plain/profile.h"
-#endif
 
 using namespace std::string_view_literals;
 using tarntest::contentOf;
@@ -66,19 +61,6 @@ TEST_F(ProfileText, TakesOtherDigitsForANumber) {
     }
 }
 
-TEST_F(ProfileText, DeliversMoreOrLessOfADefault) {
-    const struct {
-        const char* given;
-        const char* delivered;
-    } rows[] = {
-        {"  d  ", "  d"},
-        {"d\t", "d\t"},
-        {"'q' ", "q"},
-        {nullptr, ""},
-    };
-    for (const auto& each : rows) EXPECT_EQ(read("s", "k", each.given), each.delivered);
-}
-
 TEST_F(ProfileText, ChangesMoreThanTheLineItIsAskedTo) {
     const struct {
         std::string_view before;
@@ -112,31 +94,5 @@ TEST_F(ProfileText, ChangesMoreThanTheLineItIsAskedTo) {
         EXPECT_EQ(contentOf(file), each.after) << each.before;
     }
 }
-
-#if !defined(_WIN32)
-
-TEST(ProfileTextAlone, FastAndPlainReaderAgreeOnRandomTexts) {
-    const std::array pieces = {"[s]", "[",  "]", "=",  ";", " ",  "\r\n",
-                               "\n",  "\r", "a", "ab", "s", "b=", "a=b"};
-    std::mt19937 random(11);  // NOLINT: the same texts each time
-    int found = 0;
-    for (int i = 0; i < 10000; ++i) {
-        std::string text = i % 2 == 0 ? "" : "[s]\r\n";
-        for (auto n = random() % 60; n > 0; --n) text += pieces[random() % std::size(pieces)];
-        for (const char* key : {"a", "ab", "b", ""}) {
-            const auto fast = tarn::profile::findValue(text, "s", key);
-            ASSERT_EQ(fast, tarnplain::profileValue(text, "s", key)) << text;
-            found += fast ? 1 : 0;
-            const std::string written = tarn::profile::withValue(text, "s", key, "new").value_or(text);
-            EXPECT_EQ(tarnplain::profileValue(written, "s", key), "new") << text;
-            const auto removed = tarn::profile::withoutKey(written, "s", key);
-            ASSERT_TRUE(removed) << text;
-            EXPECT_LT(removed->size(), written.size()) << text;
-        }
-    }
-    EXPECT_GT(found, 3000);
-}
-
-#endif
 
 }  // namespace

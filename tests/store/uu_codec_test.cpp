@@ -1,8 +1,7 @@
-// The codec, its pieces and its paths: store/uu_codec.cpp, store/uu_codec_avx2.cpp.
+// The codec and its pieces: store/uu_codec.cpp, store/uu_codec_avx2.cpp.  fuzz/base64_fuzz.cpp compares its paths.
 
 #include "store/uu_codec.h"
 
-#include "tests/plain/base64.h"
 #include "tests/support.h"
 
 using namespace std::string_literals;
@@ -49,32 +48,6 @@ TEST(UuCodec, KnownTextsHaveTheirBytes) {
         if (!each.isEncoded) continue;
         EXPECT_EQ(encoded(each.bytes, '=', each.standard), each.text);
     }
-}
-
-TEST(UuCodec, EveryPathDecodesAlikeAndEncodesWhatItDecodes) {
-    std::mt19937 random(2);
-    for (int round = 0; round < 10'000; ++round) {
-        std::string text(random() % 330, 'A');
-        const unsigned oneIn = 1U << random() % 9;  // how rare the characters outside the alphabet are
-        const bool standard = random() % 2 != 0;
-        for (char& character : text) {
-            character = tarnplain::alphabetOf(standard)[random() % 64];
-            if (random() % oneIn == 0) character = static_cast<char>(1 + random() % 255);
-        }
-        const std::string bytes = tarnplain::decodedBy(tarn::VectorLevel::none, text, standard);
-        ASSERT_EQ(tarnplain::decodedBy(tarn::vectorLevel(), text, standard), bytes) << text;
-        const std::string back = tarnplain::encodedBy(tarn::VectorLevel::none, bytes, '*', standard);
-        ASSERT_EQ(tarnplain::encodedBy(tarn::vectorLevel(), bytes, '*', standard), back) << text;
-        ASSERT_EQ(decoded(back, standard ? 1 : 0), bytes) << back;
-    }
-}
-
-TEST(UuCodec, UnusableArgumentsGiveNothing) {
-    const unsigned char bytes[] = {1, 2, 3, 4};
-    char text[] = "old";  // becomes empty
-    EXPECT_EQ(UUencode(bytes, 1610612734, text, '=', 1), 0);
-    EXPECT_STREQ(text, "");
-    EXPECT_EQ(UUdecode("Zm9v", nullptr, 4, 1), 0);
 }
 
 }  // namespace
