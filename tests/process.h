@@ -33,28 +33,6 @@ inline int waitFor(pid_t child) {
     return status;
 }
 
-// Two child processes write a thousand rounds, each under a name of its own, while this one reads both
-// names: it finds the rounds in their order, to the last.
-template <typename Write, typename Read>
-void twoWritersAndAReader(Write write, Read read) {
-    constexpr int rounds = 1000;
-    const std::string names[] = {"one", "two"};
-    pid_t writers[2] = {};
-    for (int i = 0; i < 2; ++i) {
-        writers[i] = startChild([&] {
-            for (int round = 1; round <= rounds; ++round) write(names[i], std::to_string(round));
-        });
-    }
-    int seen[2] = {};
-    for (int reads = 0; reads < 1'000'000 && seen[0] + seen[1] < 2 * rounds; ++reads) {
-        const int round = std::stoi(read(names[reads % 2]));
-        EXPECT_GE(round, seen[reads % 2]) << "an update was lost";
-        seen[reads % 2] = round;
-    }
-    EXPECT_EQ(seen[0] + seen[1], 2 * rounds);
-    for (const pid_t writer : writers) EXPECT_EQ(waitFor(writer), 0);
-}
-
 // Runs a piece of work in a child process that is killed at its n-th stop: one before and one after each system
 // call.  Answers false if the work was done before that.
 template <typename Work>

@@ -2,7 +2,7 @@
 // bytes, from the bottom up where the height is above 0; of 4 and 8 bits also as runs (run_length.h).  Up to
 // 8 bits a pixel is an entry of the colour table behind the header; above, masks say which bits are its
 // primaries, fixed ones or (BI_BITFIELDS) three words behind the first 40 bytes of the header.
-// Tests: tests/platform/screen_test.cpp, tests/present/bitmap_test.cpp.
+// Tests: tests/present/bitmap_test.cpp.
 
 #include <algorithm>
 #include <bit>

@@ -12,16 +12,6 @@ using tarnplain::fieldsOf;
 using tarnplain::mktimeOf32Bits;
 using tarnplain::scan;
 
-TEST(DateText, NoTextIsReadOrYearIsWidenedToAnotherCentury) {
-    for (const auto ask : {isValidDate, isValidTradeDate, isFutureDate}) EXPECT_EQ(ask(nullptr), 0);
-    char out[20] = "untouched";
-    EXPECT_EQ(convert2DigitYrTo4(nullptr, out, 0, 0), 0);
-    EXPECT_EQ(convert2DigitYrTo4("113090", nullptr, 0, 0), 0);
-    EXPECT_STREQ(out, "untouched");
-    EXPECT_EQ(convert2DigitYrTo4("11/30/90 16:05:00", out, 0, 0), 1);
-    EXPECT_STREQ(out, "11/30/1990 16:05:00");
-}
-
 // Spoiled texts around the ends of 32-bit time and the hours that daylight saving skips and repeats.
 TEST(DateText, ScanOrComparisonDiffersFromSscanfAndMktime) {
     const std::string bases[] = {

@@ -38,11 +38,4 @@ TEST(NumberTextTest, WritingAgreesWithTheCLibrary) {
 }
 #endif
 
-TEST(NumberTextTest, CutsStayWithinThirtyTwoBits) {
-    EXPECT_EQ(tarn::cutToLong(-1.9), -1);
-    EXPECT_EQ(tarn::cutToLong(1e300), INT32_MAX);
-    EXPECT_EQ(tarn::cutToLong(-1e300), INT32_MIN);
-    EXPECT_EQ(tarn::cutToLong(std::nan("")), 0);
-}
-
 }  // namespace

@@ -31,15 +31,6 @@ TEST_F(MultiDataTest, AValueIsFoundByItsPositionInItsOwnColumn) {
     EXPECT_EQ(record.findMultiData(7, &empty), -1);
 }
 
-TEST_F(MultiDataTest, InsertedAtTheEndARowMovesNoOther) {
-    std::set<const void*> blocks;
-    for (std::int32_t row = 0; row < 10'000; ++row) {
-        insert(7, row, whole(row));
-        blocks.insert(record.fields->values->getAt(0)->payload.multi->nodes->cells);
-    }
-    EXPECT_LT(blocks.size(), 100U);  // it grows by a factor
-}
-
 TEST_F(MultiDataTest, ACellTakesNullAndAViewOfItself) {
     const Owned abc = text("abc");
     MOLTVARIANT view;

@@ -1,4 +1,5 @@
 // Files of the record: engine/text_file.cpp, engine/indexed_file.cpp, engine/record_loader.cpp.
+// fuzz/text_file_fuzz.cpp and fuzz/indexed_file_fuzz.cpp read both forms in a plain way too.
 
 #include "tests/engine/records.h"
 
@@ -28,47 +29,6 @@ struct RecordFilesTest : testing::Test {
         EXPECT_EQ(record.numMulti, rows) << content;
     }
 };
-
-TEST_F(RecordFilesTest, ATextFileIsReadAsFarAsItIsInOrder) {
-    const std::string example = "#2^101|15|ABC^102|3|25^#0|2^7|5|1^8|15|X^7|5|2^8|15|Y^";
-    const Element abc = text("ABC"), x = rowsOf({text("X")}), y = columnOf({{1, text("Y")}});
-    const Owned oneRow = rowsOf({number(tagDouble, 1)}),
-                twoRows = rowsOf({number(tagDouble, 1), number(tagDouble, 2)});
-    const Keyed twice = {{5, number(tagChar, 'A')}, {6, number(tagNumber, 4)}, {7, Owned()}};
-    const Keyed all = {{101, abc}, {102, whole(25)}, {7, twoRows}, {8, rowsOf({text("X"), text("Y")})}};
-    const struct {
-        std::string content;
-        int answer;
-        Keyed left;
-        std::int32_t rows;
-    } cases[] = {
-        {example, 1, all, 2},
-        // More rows than stated; fewer, a column that recurs in a row and a field that is open at the end; an
-        // id that recurs and a code without a text form.
-        {"#0^#0|1^7|5|1^7|5|2^", 1, {{7, oneRow}}, 1},
-        {"#0^#0|3^7|5|1^8|15|b^8|15|X^7|5|2^70|15|Y^7|5|3", 1, {{7, twoRows}, {8, x}, {70, y}}, 2},
-        {"#4^5|12|A^6|21|5^7|99|x^6|21|4^#0|0^", 1, twice, 0},
-        // No header, no second one, a cell without a value.
-        {"", 0, {}, 0},
-        {"#1^101|15|ABC^0|1^", 0, {{101, abc}}, 0},
-        {"#0^#0|2^7|5|1^7|5^", 0, {{7, oneRow}}, 1},
-    };
-    for (const auto& each : cases) {
-        fillRecord(1);
-        expectLoaded(each.content, loadReplace, each.answer, recordOf(each.left), each.rows);
-    }
-}
-
-TEST_F(RecordFilesTest, ATextFileMeetsWhatTheRecordHolds) {
-    const std::string content = "#2^x^1|3^#0|2^7|3|5^8|3|6^7|3|7^";  // whose fields aren't looked at then
-    const Element old = text("old"), six = whole(6);
-    const Owned appended = rowsOf({whole(0), whole(1), whole(5), whole(7)});
-    const Owned inserted = rowsOf({whole(5), whole(7), whole(0), whole(1), whole(5), whole(7)});
-    fillRecord(2);
-    expectLoaded(content, loadAppend, 1, recordOf({{1, old}, {7, appended}, {8, columnOf({{2, six}})}}), 4);
-    expectLoaded(content, loadInsert, 1,
-                 recordOf({{1, old}, {7, inserted}, {8, columnOf({{0, six}, {3, six}})}}), 6);
-}
 
 // Single cells in 3,000 columns of 100,001 rows are 4.8 GB of empty values, more than a reader takes; with 2,000
 // rows they are more than is held in memory.

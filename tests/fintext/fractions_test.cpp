@@ -25,23 +25,6 @@ TEST(Fractions, PriceIsNotTheNearest256th) {
     EXPECT_EQ(asFraction(nullptr, 1), nullptr);
 }
 
-TEST(Fractions, AnotherPartOfTheTextIsRewritten) {
-    char text[] = "-5 24/64";
-    EXPECT_STREQ(asReducedFraction(text, text), "-5 3/8");
-    EXPECT_EQ(asReducedFraction(nullptr, text), nullptr);
-    const auto rebased = [](const char* source, int denominator) {
-        return written([&](const char* from, char* to) { asUniformFraction(to, from, denominator); }, source);
-    };
-    EXPECT_EQ(rebased("12.9999", 8), "12 8/8");
-    EXPECT_EQ(rebased("2 1/2 x", 8), "2 4/8");
-    EXPECT_EQ(rebased("1/16", 8), "1/8");  // a half goes up
-    EXPECT_EQ(rebased("1/17", 8), "0/8");
-    EXPECT_EQ(rebased("1/0", 8), "1/0");
-    EXPECT_EQ(rebased("0/4", 8), "0/4");
-    EXPECT_EQ(rebased("-.5/8", 2), "- 1/2");
-    EXPECT_EQ(rebased("2000000000/1", 512), "2147483647/512");
-}
-
 TEST(PriceChanges, PercentIsOfAnotherPriceOrForm) {
     const struct {
         const char *price, *change;

@@ -14,15 +14,6 @@ using tarntest::changed;
 using tarntest::number;
 using tarntest::written;
 
-TEST(NumericText, ReaderTakesTextInAnotherDialect) {
-    EXPECT_EQ(strToDouble("-12 3/8"), -12.375);
-    EXPECT_EQ(fmtToLong("1,234,567"), 1'234'567);
-    EXPECT_EQ(fmtToDouble(",1.25mk"), 1250);
-    EXPECT_EQ(strToDouble(nullptr), 0);
-    EXPECT_EQ(fmtToLong(nullptr), 0);
-    EXPECT_EQ(fmtToDouble(nullptr), 0);
-}
-
 TEST(NumericText, CharactersAreMiscounted) {
     EXPECT_EQ(validateFloatFormat("00123.4500", 3, 2), 1);
     EXPECT_EQ(validateFloatFormat("123.456", 3, 2), 0);

@@ -38,14 +38,6 @@ TEST(PatternedText, PatternTakesCharactersOtherwise) {
     EXPECT_STREQ(target, "$0.0");
 }
 
-TEST(PatternedText, MoneyIsWrittenOtherwise) {
-    tarnString money("-1234.5");
-    formatToMoneyFormat(money.text, money, 1);
-    EXPECT_STREQ(money.text, "-$1,234.50");
-    formatToMoneyFormat(nullptr, money, 2);
-    EXPECT_STREQ(money.text, "$0.00");
-}
-
 TEST(PatternedText, FormTakesAnotherCharacter) {
     EXPECT_EQ(written(fmtToTaxId, "123456789"), "123-45-6789");
     EXPECT_EQ(written(fmtToPhoneNumber, "5551234"), "555-1234");

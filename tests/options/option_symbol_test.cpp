@@ -31,12 +31,4 @@ TEST(OptionSymbol, TextOfTheObjectIsReadAfterItsRelease) {
     EXPECT_EQ(option.rootSymbol, nullptr);
 }
 
-// Columns are cut without a look at the words.
-TEST(OptionSymbol, AnotherColumnIsCut) {
-    EXPECT_STREQ(OptSymToExpnMth("XY  JANUARY"), "JAN");
-    EXPECT_STREQ(OptSymToStrikePrc("XYZ JAN 100.00 CALL"), "100.00 C");
-    for (const auto cut : {OptSymToJustSym, OptSymToExpnMth, OptSymToStrikePrc})
-        EXPECT_STREQ(cut(nullptr), "");
-}
-
 }  // namespace

@@ -4,7 +4,6 @@
 // its colours, read bit by bit; and the pixels of a bitmap that was made of one.
 
 #include <cstdlib>
-#include <cstring>
 #include <random>
 #include <vector>
 
@@ -18,20 +17,16 @@ struct PackedBitmap {
     int height;  // below 0: rows from the top
     std::size_t rowBytes = (width * depth + 31) / 32 * 4;
     std::size_t pixelOffset = sizeof(BITMAPINFOHEADER) + (depth <= 8 ? std::size_t{4} << depth : 0);
-    std::vector<unsigned char> bytes;      // as in a resource, little-endian
-    std::vector<unsigned char> described;  // with a header of the machine's own
+    std::vector<unsigned char> bytes;  // as in a resource, little-endian
 
     PackedBitmap(int bits, int columns, int rows)
         : depth(static_cast<std::size_t>(bits)), width(static_cast<std::size_t>(columns)), height(rows) {
         bytes.resize(pixelOffset + rowBytes * static_cast<std::size_t>(std::abs(rows)));
         std::mt19937 random(static_cast<unsigned>(bits));
         for (unsigned char& byte : bytes) byte = static_cast<unsigned char>(random());
-        described = bytes;
-        const BITMAPINFOHEADER header{
-            sizeof header, columns, rows, 1, static_cast<WORD>(bits), 0, 0, 0, 0, 0, 0};
-        std::memcpy(described.data(), &header, sizeof header);
         const auto word = [](int value) { return static_cast<DWORD>(value); };
-        setWords(0, {sizeof header, word(columns), word(rows), word(1 + (bits << 16)), 0, 0, 0, 0, 0, 0});
+        setWords(0, {sizeof(BITMAPINFOHEADER), word(columns), word(rows), word(1 + (bits << 16)), 0, 0, 0, 0,
+                     0, 0});
     }
 
     // Changes words of the header: 0 its size, 1 the width, 2 the height, 4 the compression, 5 the bytes of
@@ -40,9 +35,6 @@ struct PackedBitmap {
         for (const DWORD value : values) tarn::storeWord(bytes.data() + 4 * first++, value);
     }
 
-    [[nodiscard]] const BITMAPINFO* info() const {
-        return reinterpret_cast<const BITMAPINFO*>(described.data());
-    }
     [[nodiscard]] COLORREF tableColor(std::size_t entry) const {
         const unsigned char* color = bytes.data() + sizeof(BITMAPINFOHEADER) + 4 * entry;
         return RGB(color[2], color[1], color[0]);

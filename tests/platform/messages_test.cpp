@@ -1,14 +1,8 @@
-// Messages and modules: platform/messages.cpp, platform/modules.cpp, and the system's own on Windows.
+// Messages: platform/messages.cpp, and the system's own on Windows.
 
 #include "tests/support.h"
 
-#if !defined(_WIN32)
-#include <dlfcn.h>
-#endif
-
 namespace {
-
-using namespace std::string_literals;
 
 constexpr DWORD fromSystem = FORMAT_MESSAGE_FROM_SYSTEM;
 constexpr DWORD allocated = FORMAT_MESSAGE_ALLOCATE_BUFFER | fromSystem;
@@ -34,46 +28,6 @@ TEST(Messages, TextsEndTheirLineAndUnknownCodesHaveNone) {
         EXPECT_EQ(GetLastError(), ERROR_INSUFFICIENT_BUFFER);
         EXPECT_EQ(LocalFree(text), nullptr);
     }
-}
-
-void expectNoModule(const std::string& file, DWORD error) {
-    EXPECT_EQ(LoadLibraryA(file.c_str()), nullptr) << file;
-    EXPECT_EQ(GetLastError(), error) << file;
-}
-
-TEST(Modules, WhatCanNotBeLoadedSaysWhy) {
-    SetErrorMode(SEM_NOOPENFILEERRORBOX);
-    const tarntest::TemporaryFolder folder;
-    for (const char* name : {"text.dll", "text.so"}) tarntest::fill(folder.file(name), "text");
-    for (const char* name : {"text", "text.dll"}) expectNoModule(folder.file(name), ERROR_BAD_EXE_FORMAT);
-    for (const std::string& name : {"tarn-none"s, ""s, folder.file("missing.dll")})
-        expectNoModule(name, ERROR_MOD_NOT_FOUND);
-    EXPECT_EQ(SetErrorMode(0), SEM_NOOPENFILEERRORBOX);
-}
-
-TEST(Modules, AModuleIsUnloadedByItsLastRelease) {
-#if defined(_WIN32)
-    const std::string name = "kernel32", function = "GetTickCount";
-#else
-    const tarntest::TemporaryFolder folder;
-    const std::string name = folder.file("maths"), function = "cos";
-    Dl_info info{};
-    ASSERT_NE(::dladdr(::dlsym(RTLD_DEFAULT, function.c_str()), &info), 0);
-    std::filesystem::copy_file(info.dli_fname, name + ".so");
-#endif
-    const HMODULE module = LoadLibraryA(name.c_str());
-    EXPECT_EQ(LoadLibraryA(name.c_str()), module);
-    EXPECT_EQ(GetProcAddress(module, "tarnNoSuchFunction"), nullptr);
-    EXPECT_EQ(GetLastError(), ERROR_PROC_NOT_FOUND);
-    EXPECT_TRUE(DisableThreadLibraryCalls(module));
-    EXPECT_TRUE(FreeLibrary(module));
-    EXPECT_NE(GetProcAddress(module, function.c_str()), nullptr);
-    EXPECT_TRUE(FreeLibrary(module));
-#if !defined(_WIN32)
-    EXPECT_FALSE(FreeLibrary(module));
-    EXPECT_FALSE(DisableThreadLibraryCalls(module));
-    EXPECT_EQ(GetProcAddress(module, function.c_str()), nullptr);
-#endif
 }
 
 #if !defined(_WIN32)

@@ -90,19 +90,6 @@ TEST_F(ProfileFiles, AFileThatIsHeldReadsAsMissingAndIsNotWritten) {
 
 #if !defined(_WIN32)
 
-TEST_F(ProfileFiles, TwoWritersLoseNothingAndAReaderMissesNothing) {
-    write("s", "fixed", "v");
-    tarntest::twoWritersAndAReader(
-        [&](const std::string& name, const std::string& round) {
-            EXPECT_TRUE(write("s", name.c_str(), round.c_str()));
-            EXPECT_EQ(read("s", name.c_str()), round);
-        },
-        [&](const std::string& name) {
-            EXPECT_EQ(read("s", "fixed"), "v");
-            return read("s", name.c_str(), "0");
-        });
-}
-
 TEST_F(ProfileFiles, AWriterKilledAtAnySystemCallLeavesOneOfTheTwoFilesAndNoLock) {
     for (const std::string& before : {"[s]\r\nk=old\r\n"s, ""s}) {
         int stops = 0;

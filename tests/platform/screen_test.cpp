@@ -1,12 +1,9 @@
-// Device contexts, bitmaps, palettes, memory and resources: platform/drawing/screen.cpp, device_contexts.cpp,
-// bitmaps.cpp, dib.cpp, resources.cpp, global_memory.cpp, and the system's own on Windows.
+// Device contexts, bitmaps and resources: platform/drawing/screen.cpp, device_contexts.cpp, bitmaps.cpp,
+// resources.cpp, and the system's own on Windows.
 
-#include "tests/plain/packed_bitmap.h"
 #include "tests/support.h"
 
 namespace {
-
-using tarntest::PackedBitmap, tarntest::pixelsOf;
 
 // A memory device context that shows a bitmap; both are released with the object.
 struct Canvas {
@@ -50,92 +47,6 @@ TEST(Screen, BitmapsFitTheirContextAndAreInOneAtATime) {
     const Canvas monochrome(CreateCompatibleBitmap(one.context, 17, 2));
     EXPECT_EQ(measures(monochrome.bitmap), (std::vector<LONG>{17, 4, 1}));
     EXPECT_EQ(CreateCompatibleBitmap(one.screen, 0x7FFFFFFF, 0x7FFFFFFF), nullptr);
-}
-
-TEST(Screen, PalettesReadBackAndAreSelectedInTurn) {
-    const Canvas canvas(1, 1);
-    const LOGPALETTE colors{0x300, 1, {{1, 2, 3, 0}}};
-    const HPALETTE palette = CreatePalette(&colors);
-    WORD count = 0;
-    EXPECT_EQ(GetObjectA(palette, sizeof count, &count), 2);
-    EXPECT_EQ(count, 1);
-    PALETTEENTRY entries[9]{};
-    EXPECT_EQ(GetPaletteEntries(palette, 0, 9, entries), 1U);
-    EXPECT_EQ(entries[0].peGreen, 2);
-    EXPECT_EQ(GetPaletteEntries(palette, 1, 9, entries), 0U);
-    const HPALETTE earlier = SelectPalette(canvas.screen, palette, FALSE);
-    EXPECT_EQ(RealizePalette(canvas.screen), 0U);
-    EXPECT_EQ(SelectPalette(canvas.screen, earlier, FALSE), palette);
-    EXPECT_TRUE(DeleteObject(palette));
-}
-
-TEST(Screen, RectanglesFillFromLeftAndTopInToRightAndBottomOut) {
-    // A rectangle, and the part of a bitmap of 6 x 5 that it fills.
-    const struct {
-        RECT rectangle, filled;
-    } rows[] = {{{1, 1, 3, 2}, {1, 1, 3, 2}},
-                {{-2147483647, -5, 2147483647, 99}, {0, 0, 6, 5}},
-                {{4, 3, 2, 1}, {3, 2, 5, 4}},
-                {{7, 0, 9, 5}, {0, 0, 0, 0}}};
-    const auto brush = reinterpret_cast<HBRUSH>(ULONG_PTR{COLOR_HIGHLIGHT + 1});
-    for (const auto& [rectangle, filled] : rows) {
-        const Canvas canvas(6, 5);
-        EXPECT_EQ(FillRect(canvas.context, &rectangle, brush), 1);
-        for (int place = 0; place < 56; ++place) {
-            const int x = place % 8 - 1, y = place / 8 - 1;
-            const bool outside = x < 0 || y < 0 || x >= 6 || y >= 5;
-            const bool inside = x >= filled.left && x < filled.right && y >= filled.top && y < filled.bottom;
-            const COLORREF shown = inside ? GetSysColor(COLOR_HIGHLIGHT) : 0;
-            EXPECT_EQ(GetPixel(canvas.context, x, y), outside ? CLR_INVALID : shown);
-        }
-    }
-    EXPECT_EQ(FillRect(Canvas(1, 1).screen, &rows[0].rectangle, brush), 1);
-}
-
-HBITMAP decode(HDC context, const PackedBitmap& packed) {
-    const BITMAPINFO* info = packed.info();
-    const void* pixels = packed.bytes.data() + packed.pixelOffset;
-    return CreateDIBitmap(context, &info->bmiHeader, CBM_INIT, pixels, info, DIB_RGB_COLORS);
-}
-
-TEST(Screen, BitmapsOfEveryDepthDecodeInBothDirections) {
-    const Canvas target(1, 1);
-    for (const int depth : {1, 4, 8, 16, 24, 32}) {
-        for (const int height : {5, -5}) {
-            const PackedBitmap packed(depth, 7, height);
-            const HBITMAP decoded = decode(target.screen, packed);
-            EXPECT_EQ(pixelsOf(decoded), packed.colors()) << depth << ' ' << height;
-            EXPECT_TRUE(DeleteObject(decoded));
-        }
-    }
-    PackedBitmap bent(4, 3, 3);
-    auto& header = *reinterpret_cast<BITMAPINFOHEADER*>(bent.described.data());
-    const Canvas monochrome(decode(nullptr, bent));
-    const Canvas blank(CreateDIBitmap(target.screen, &header, 0, nullptr, nullptr, DIB_RGB_COLORS));
-    EXPECT_EQ(measures(monochrome.bitmap), (std::vector<LONG>{3, 2, 1}));
-    EXPECT_EQ(GetPixel(blank.context, 2, 2), 0U) << "without pixels";
-    header.biWidth = 0;
-    const Canvas empty(decode(target.screen, bent));
-    EXPECT_EQ(measures(empty.bitmap), (std::vector<LONG>{1, 2, 1}));
-    header.biWidth = -3;
-    EXPECT_EQ(decode(target.screen, bent), nullptr);
-    header.biWidth = 3;
-    header.biBitCount = 7;
-    EXPECT_EQ(decode(target.screen, bent), nullptr);
-}
-
-TEST(Screen, GlobalMemoryCountsItsLocks) {
-    const HGLOBAL memory = GlobalAlloc(GHND, 100), fixed = GlobalAlloc(0, 100);
-    EXPECT_EQ(GlobalLock(fixed), fixed);
-    for (int i = 0; i < 2; ++i) EXPECT_TRUE(GlobalUnlock(fixed));
-    EXPECT_EQ(GlobalLock(memory), GlobalLock(memory));
-    EXPECT_TRUE(GlobalUnlock(memory));
-    SetLastError(ERROR_INVALID_HANDLE);
-    for (const DWORD error : {ERROR_SUCCESS, ERROR_NOT_LOCKED}) {
-        EXPECT_FALSE(GlobalUnlock(memory));
-        EXPECT_EQ(GetLastError(), error);
-    }
-    for (const HGLOBAL each : {memory, fixed}) EXPECT_EQ(GlobalFree(each), nullptr);
 }
 
 #if !defined(_WIN32)

@@ -155,36 +155,4 @@ TEST_F(IndexDataFileTest, EveryFormAndItsDamageReadAsFarAsTheyAreWhole) {
     }
 }
 
-// The seeds of the fuzz target of this form have more of such files.
-TEST_F(IndexDataFileTest, AFileHoldsLessThanItPromises) {
-    const Owned one = number(tagLong, 1), four = number(tagLong, 4);
-    const std::string oneHeld = value(tagLong, word(1)), fourHeld = value(tagLong, word(4));
-    const struct {
-        std::string bytes;
-        Records records;
-    } cases[] = {
-        {"x" + word(12) + word(1) + word(1) + record(7, 0, 1) + fourHeld, {}},
-        // A pair of keys that is there twice counts once.
-        {header(12, 3) + record(1, 0, 1) + record(2, 0, 1) + record(1, 0, 5) + oneHeld + fourHeld,
-         {{1, 0, 1, {one}}, {2, 0, 1, {four}}}},
-        // A million values more than the file can hold, in all.
-        {header(12, 2) + record(1, 0, 0x7FFFFFFF) + record(2, 1, 5) + fourHeld,
-         {{1, 0, 1'000'001, {four}}, {2, 1, 0, {}}}},
-    };
-    for (const auto& each : cases) expectLoaded(each.bytes, each.records);
-    EXPECT_EQ(loaded.readIndexDataFile(folder.file("missing").c_str()), 0);
-    expectRecords(loaded, {});
-}
-
-TEST_F(IndexDataFileTest, AVectorTooDeepIsPassedOver) {
-    const std::string front = value(tagVector, "") + word(1), end = value(tagText, "end");
-    std::string bytes = header(12, 2) + record(1, 0, 1) + record(2, 0, 1);
-    Owned passedOver;
-    for (int depth = 0; depth < 100'000; ++depth) {
-        bytes += front;
-        if (depth < 64) passedOver = vectorOf({passedOver});
-    }
-    expectLoaded(bytes + end + end, {{1, 0, 1, {passedOver}}, {2, 0, 1, {text("end")}}});
-}
-
 }  // namespace
