@@ -1,5 +1,5 @@
 // Modules on dlopen.  A module that is loaded twice has one handle and is unloaded by its last FreeLibrary.
-// Tests: tests/core/exception_test.cpp.
+// Tests: tests/platform/messages_test.cpp, tests/core/exception_test.cpp.
 
 #include <dlfcn.h>
 #include <elf.h>

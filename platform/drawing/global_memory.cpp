@@ -1,6 +1,6 @@
 // Global and local memory: a moveable block is a checked handle with a count of locks, a fixed block is known
 // by its address.
-// Tests: tests/present/bitmap_test.cpp.
+// Tests: tests/platform/screen_test.cpp.
 
 #include "platform/drawing/global_memory.h"
 

@@ -1,4 +1,4 @@
-// The dictionary's types: engine/operations.cpp.
+// The dictionary's types and descriptions: engine/operations.cpp.
 
 #include "core/exception.h"
 #include "tests/engine/records.h"
@@ -7,12 +7,14 @@ namespace {
 
 using namespace tarntest;
 
-struct Host : tarnGlobalInterfaces, tarnFieldDictionary {
+struct Host : tarnGlobalInterfaces, tarnFieldDictionary, tarnFieldDescriptions {
     std::vector<std::int32_t> codes;  // by id; any other id throws
+    char entry[80] = {};
 
     tarnUserDialog* userDialog() override { return nullptr; }
     tarnFieldDictionary* fieldDictionary() override { return this; }
     std::int32_t getFieldType(std::int32_t id) override { return codes.at(static_cast<std::size_t>(id)); }
+    const void* getFieldRecord(std::int32_t id) override { return id == 5 ? entry : nullptr; }
 };
 
 TEST(Operations, ATextAloneBecomesTheDictionarysType) {
@@ -40,6 +42,14 @@ TEST(Operations, ATextAloneBecomesTheDictionarysType) {
         fields[0].second = fields[1].second = each.becomes;
         expectRecord(record, fields, 0);
     }
+}
+
+TEST(Operations, ADescriptionStartsInsideTheDictionarysRecord) {
+    tarnEngineData record;
+    Host host;
+    EXPECT_EQ(record.getDataDescription(5), nullptr);
+    record.descriptions = &host;
+    EXPECT_EQ(tarnEngineData(&record).getDataDescription(5), host.entry + 71);
 }
 
 }  // namespace

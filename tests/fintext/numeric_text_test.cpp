@@ -33,6 +33,7 @@ TEST(NumericText, DecimalsAreCutFilledUpOrRoundedWrongly) {
     EXPECT_EQ(changed(stripTrailDecimal, "1.5", 4'000'000'000U), "1.5");
     EXPECT_EQ(changed(stripTrailDecimalZeros, " .000", 7U), "");
     EXPECT_EQ(changed(stripLeadZeros, " 0 0.5"), ".5");
+    EXPECT_EQ(changed(stripTrailZeros, "1.500 "), "1.5");
     EXPECT_EQ(written(formatStringToFloat, "12", 2U), "12");
     EXPECT_EQ(written(formatStringToFloat, "1.005", 2U), "1.00");
     EXPECT_EQ(written(formatStringToFloat, "1.5/2", 3U), "1.5/2");

@@ -2,9 +2,22 @@
 
 #if !defined(_WIN32)
 
+#include <chrono>
+
 #include "tests/support.h"
 
 namespace {
+
+TEST(Clock, TodayIsAnotherDay) {
+    SYSTEMTIME now{};
+    const auto before = std::chrono::floor<std::chrono::days>(std::chrono::system_clock::now());
+    GetSystemTime(&now);
+    const auto after = std::chrono::floor<std::chrono::days>(std::chrono::system_clock::now());
+    const auto shown = std::chrono::sys_days(std::chrono::year(now.wYear) / now.wMonth / now.wDay);
+    EXPECT_GE(shown, before);
+    EXPECT_LE(shown, after);
+    EXPECT_EQ(std::chrono::weekday(shown).c_encoding(), now.wDayOfWeek);
+}
 
 // Former faults
 TEST(Clock, LocalTimeStaysInTheZoneOfTheFirstCall) {

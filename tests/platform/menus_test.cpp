@@ -76,6 +76,7 @@ TEST(Menus, DeletionByCommandTakesTheFirstDepthFirst) {
         EXPECT_EQ(DeleteMenu(tree.root, each.command, MF_BYCOMMAND), each.command == none ? FALSE : TRUE);
         EXPECT_EQ(tree.counts(), each.left) << each.command;
     }
+    EXPECT_EQ(GetLastError(), ERROR_MENU_ITEM_NOT_FOUND);
 }
 
 TEST(Menus, AMenuThatIsGoneIsNowhere) {

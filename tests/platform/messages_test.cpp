@@ -1,8 +1,10 @@
-// Messages: platform/messages.cpp, and the system's own on Windows.
+// Messages and modules: platform/messages.cpp, platform/modules.cpp, and the system's own on Windows.
 
 #include "tests/support.h"
 
 namespace {
+
+using namespace std::string_literals;
 
 constexpr DWORD fromSystem = FORMAT_MESSAGE_FROM_SYSTEM;
 constexpr DWORD allocated = FORMAT_MESSAGE_ALLOCATE_BUFFER | fromSystem;
@@ -28,6 +30,21 @@ TEST(Messages, TextsEndTheirLineAndUnknownCodesHaveNone) {
         EXPECT_EQ(GetLastError(), ERROR_INSUFFICIENT_BUFFER);
         EXPECT_EQ(LocalFree(text), nullptr);
     }
+}
+
+void expectNoModule(const std::string& file, DWORD error) {
+    EXPECT_EQ(LoadLibraryA(file.c_str()), nullptr) << file;
+    EXPECT_EQ(GetLastError(), error) << file;
+}
+
+TEST(Modules, WhatCanNotBeLoadedSaysWhy) {
+    SetErrorMode(SEM_NOOPENFILEERRORBOX);
+    const tarntest::TemporaryFolder folder;
+    for (const char* name : {"text.dll", "text.so"}) tarntest::fill(folder.file(name), "text");
+    for (const char* name : {"text", "text.dll"}) expectNoModule(folder.file(name), ERROR_BAD_EXE_FORMAT);
+    for (const std::string& name : {"tarn-none"s, ""s, folder.file("missing.dll")})
+        expectNoModule(name, ERROR_MOD_NOT_FOUND);
+    EXPECT_EQ(SetErrorMode(0), SEM_NOOPENFILEERRORBOX);
 }
 
 #if !defined(_WIN32)

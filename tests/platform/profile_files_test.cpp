@@ -152,6 +152,13 @@ TEST_F(ProfileFiles, WhatIsUnderTheTemporaryNameBlocksEveryWrite) {
     EXPECT_TRUE(std::filesystem::exists(name + "/something"));
 }
 
+TEST_F(ProfileFiles, AFileAtTheLimitIsRefusedOrOneAboveItRead) {
+    std::string content;
+    fill(file, std::string(20000, 'x'));  // more than is read at once
+    EXPECT_EQ(tarn::readWhole(AT_FDCWD, file, 0, 19999, content), ERROR_FILE_CORRUPT);
+    EXPECT_EQ(tarn::readWhole(AT_FDCWD, file, 0, 20000, content), ERROR_SUCCESS);
+}
+
 TEST_F(ProfileFiles, WhatIsNoFileNeitherHangsNorIsReplaced) {
     const std::string pipe = folder.file("pipe.ini");
     ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);

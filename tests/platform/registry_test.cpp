@@ -109,14 +109,16 @@ TEST_F(Registry, ValuesKeepTheirBytes) {
 
 TEST_F(Registry, BuffersThatAreTooSmallStayAndTheSizeIsAnswered) {
     set("b", "abc");
-    RegSetValueExA(key, "t", 0, REG_SZ, reinterpret_cast<const BYTE*>("abcX"), 3);  // no NUL behind it
+    const auto* const noNul = reinterpret_cast<const BYTE*>("abcX");
+    RegSetValueExA(key, "t", 0, REG_SZ, noNul, 3);
+    RegSetValueExA(key, "m", 0, REG_MULTI_SZ, noNul, 3);
     const struct {
         const char* name;
         DWORD room;
         std::tuple<LSTATUS, DWORD, DWORD, std::string> expected;  // the code, the type, the size, the buffer
     } cases[] = {
-        {"t", 2, {234, 1, 3, "####"}}, {"t", 3, {0, 1, 3, "abc#"}},    {"t", 4, {0, 1, 3, "abc\0"s}},
-        {"b", 4, {0, 3, 3, "abc#"}},   {"none", 4, {2, 0, 4, "####"}},
+        {"t", 2, {234, 1, 3, "####"}}, {"t", 3, {0, 1, 3, "abc#"}},   {"t", 4, {0, 1, 3, "abc\0"s}},
+        {"b", 4, {0, 3, 3, "abc#"}},   {"m", 4, {0, 7, 3, "abc\0"s}}, {"none", 4, {2, 0, 4, "####"}},
     };
     for (const auto& each : cases) {
         std::string buffer = "####";
@@ -300,6 +302,8 @@ TEST_F(Registry, RootsAreThereWithoutAFolder) {
     EXPECT_EQ(open(HKEY_USERS, "x"), 2);
     EXPECT_EQ(keysOf(HKEY_USERS), Names{});
     EXPECT_EQ(RegFlushKey(HKEY_USERS), 0);
+    RegQueryInfoKeyA(HKEY_USERS, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                     nullptr, nullptr, nullptr);
     EXPECT_FALSE(fs::exists(data.path() / "tarnutil/registry/HKEY_USERS"));
     setEnvironment("XDG_DATA_HOME", "relative");  // doesn't count
     setEnvironment("HOME", data.file("home").c_str());

@@ -1,5 +1,5 @@
-// Device contexts, bitmaps and resources: platform/drawing/screen.cpp, device_contexts.cpp, bitmaps.cpp,
-// resources.cpp, and the system's own on Windows.
+// Device contexts, bitmaps, memory and resources: platform/drawing/screen.cpp, device_contexts.cpp, bitmaps.cpp,
+// global_memory.cpp, resources.cpp, and the system's own on Windows.
 
 #include "tests/support.h"
 
@@ -47,6 +47,20 @@ TEST(Screen, BitmapsFitTheirContextAndAreInOneAtATime) {
     const Canvas monochrome(CreateCompatibleBitmap(one.context, 17, 2));
     EXPECT_EQ(measures(monochrome.bitmap), (std::vector<LONG>{17, 4, 1}));
     EXPECT_EQ(CreateCompatibleBitmap(one.screen, 0x7FFFFFFF, 0x7FFFFFFF), nullptr);
+}
+
+TEST(Screen, GlobalMemoryCountsItsLocks) {
+    const HGLOBAL memory = GlobalAlloc(GHND, 100), fixed = GlobalAlloc(0, 100);
+    EXPECT_EQ(GlobalLock(fixed), fixed);
+    for (int i = 0; i < 2; ++i) EXPECT_TRUE(GlobalUnlock(fixed));
+    EXPECT_EQ(GlobalLock(memory), GlobalLock(memory));
+    EXPECT_TRUE(GlobalUnlock(memory));
+    SetLastError(ERROR_INVALID_HANDLE);
+    for (const DWORD error : {ERROR_SUCCESS, ERROR_NOT_LOCKED}) {
+        EXPECT_FALSE(GlobalUnlock(memory));
+        EXPECT_EQ(GetLastError(), error);
+    }
+    for (const HGLOBAL each : {memory, fixed}) EXPECT_EQ(GlobalFree(each), nullptr);
 }
 
 #if !defined(_WIN32)

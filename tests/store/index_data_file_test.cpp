@@ -81,6 +81,7 @@ TEST_F(IndexDataFileTest, RecordsKeepTheirFirstRepeatsAndOnlyGrow) {
     EXPECT_EQ(file.updateIndexRecord(1, 0, 3), 1);
     EXPECT_EQ(file.updateIndexRecord(1, 1, 1), 1);
     EXPECT_EQ(file.updateIndexRecord(2, 0, 2), 0);
+    EXPECT_EQ(file.getNumberRepeats(2, 0), 0);
     EXPECT_EQ(file.addDataRecord(7, 0, 0, "x"), 0);
     expectRecords(file, {{1, 0, 3, {Owned(), text("x")}}, {1, 1, 1, {}}});
 }
