@@ -13,6 +13,7 @@
 #include <limits>
 
 #include "base/ascii.h"
+#include "core/double_from_chars.h"
 #include "core/short_decimal.h"
 
 namespace tarn {
@@ -100,8 +101,8 @@ double readDouble(const char* text) {
     const bool hexadecimal = isHexadecimal(text);
     if (hexadecimal) text += 2;
     const char* const end = hexadecimal ? endOfHexadecimal(text) : text + std::strlen(text);
-    const auto result =
-        std::from_chars(text, end, number, hexadecimal ? std::chars_format::hex : std::chars_format::general);
+    const auto format = hexadecimal ? std::chars_format::hex : std::chars_format::general;
+    const auto result = doubleFromChars(text, end, number, format);
     if (result.ec == std::errc::invalid_argument) return 0.0;
     if (result.ec == std::errc::result_out_of_range) {
         number = isTooLarge(text, result.ptr, hexadecimal) ? std::numeric_limits<double>::infinity() : 0.0;

@@ -23,6 +23,7 @@ has() {
         binutils-s390x-linux-gnu) hasProgram s390x-linux-gnu-ld ;;
         build-essential) hasProgram make && hasProgram dpkg-buildpackage ;;
         clang) hasProgram clang++ ;;
+        clang-16) hasProgram clang++-16 ;;
         debhelper) hasProgram dh ;;
         dpkg-dev) hasProgram dpkg-buildpackage ;;
         g++-mingw-w64-i686-posix) hasProgram i686-w64-mingw32-g++-posix ;;
@@ -31,6 +32,7 @@ has() {
         googletest) [ -f /usr/src/googletest/CMakeLists.txt ] ;;
         libbenchmark-dev) hasHeader benchmark/benchmark.h ;;
         libboost-dev) hasHeader boost/shared_ptr.hpp ;;
+        libc++-16-dev | libc++abi-16-dev) linksWith clang++-16 -stdlib=libc++ ;;
         libc6-dev-s390x-cross) [ -f /usr/s390x-linux-gnu/include/stdio.h ] ;;
         libclang-rt-14-dev) linksWith clang++ -fsanitize=address,undefined ;;
         libglib2.0-dev) pkgconf --exists glib-2.0 ;;

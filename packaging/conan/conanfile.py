@@ -21,7 +21,7 @@ class TarnutilRecipe(ConanFile):
 
     def export_sources(self):
         root = os.path.join(self.recipe_folder, "..", "..")
-        for pattern in ("CMakeLists.txt", "LICENSE", "*.h", "*.cpp", "cmake/*"):
+        for pattern in ("CMakeLists.txt", "LICENSE", "*.h", "*.cpp", "cmake/*", "tools/debug/*"):
             copy(self, pattern, root, self.export_sources_folder, excludes=("build/*", "tests/*"))
 
     def validate(self):
