@@ -1,4 +1,4 @@
-// Arrays, lists and keyed cells: core/containers.h, core/containers.cpp.
+// Arrays, lists and keyed cells: core/containers.h, core/containers.cpp, core/keyed_list.cpp.
 
 #include "core/containers.h"
 

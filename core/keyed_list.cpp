@@ -1,0 +1,178 @@
+// The keyed list: an array of cell pointers of which a leading part is known to be in key order.  Adding in order
+// extends that part, a sort merges the rest into it, and a row is first looked for at the position that it has in
+// a column without gaps.
+// Tests: tests/core/containers_test.cpp.
+
+#include <algorithm>
+#include <cstring>
+
+#include "base/wrapping.h"
+#include "core/containers.h"
+
+namespace {
+
+constexpr std::int32_t keyTypeNumber = 1;
+constexpr std::int32_t keyTypeText = 2;
+constexpr std::int32_t capacityStep = 32;
+constexpr std::int32_t firstSlots = 4;
+constexpr std::int32_t firstBlockCells = 2;
+
+int compareTexts(const char* a, const char* b) {
+    const int order = std::strcmp(a == nullptr ? "" : a, b == nullptr ? "" : b);
+    return (order > 0) - (order < 0);
+}
+
+// The true order of the keys; binarySearchCompare answers the same sign unless its difference wraps.
+bool comesBefore(const nodeCell* a, const nodeCell* b) {
+    if (a->keyType == keyTypeNumber) return a->key.number < b->key.number;
+    return a->keyType == keyTypeText && compareTexts(a->key.text, b->key.text) < 0;
+}
+
+}  // namespace
+
+int binarySearchCompare(const nodeCell* const* a, const nodeCell* const* b) {
+    switch ((*a)->keyType) {
+        case keyTypeNumber: return tarn::wrappingDifference((*a)->key.number, (*b)->key.number);
+        case keyTypeText: return compareTexts((*a)->key.text, (*b)->key.text);
+        default: return 0;
+    }
+}
+
+// A run of cells behind a link to the older blocks.
+struct nodeList::Block {
+    Block* older;
+    nodeCell cells[1];
+
+    static std::size_t sizeFor(std::int32_t cellCount) {
+        return offsetof(Block, cells) + static_cast<std::size_t>(cellCount) * sizeof(nodeCell);
+    }
+};
+
+nodeCell* nodeList::newCell() {
+    if (freeCells_ != nullptr) {
+        nodeCell* const cell = freeCells_;
+        freeCells_ = reinterpret_cast<nodeCell*>(cell->value);
+        return cell;
+    }
+    if (unusedCells_ == 0) newBlock(std::max(firstBlockCells, count / 8));
+    return &blocks_->cells[blockCells_ - unusedCells_--];
+}
+
+// Cells come from the new block, which is made when the one before is used up or has too few left.
+void nodeList::newBlock(std::int32_t cellCount) {
+    auto* const block = static_cast<Block*>(::operator new(Block::sizeFor(cellCount)));
+    block->older = blocks_;
+    blocks_ = block;
+    blockCells_ = unusedCells_ = cellCount;
+}
+
+void nodeList::makeRoom(std::int32_t slots) {
+    if (slots <= allocated_) return;
+    auto* const grown = new nodeCell*[static_cast<std::size_t>(slots)];
+    std::copy(cells, cells + count, grown);
+    delete[] cells;
+    cells = grown;
+    allocated_ = slots;
+}
+
+void nodeList::reserve(std::int32_t further) {
+    if (further < 1) return;
+    if (count + further > allocated_) makeRoom(count + std::max(further, count / 4));
+    if (unusedCells_ < further) newBlock(std::max(further, count / 8));
+}
+
+std::int32_t nodeList::add(MOLTVARIANT* value, std::int32_t key) {
+    if (count == allocated_) makeRoom(std::max(firstSlots, count + count / 4));
+    nodeCell* const cell = newCell();
+    if (count >= capacity - 1) capacity += capacityStep;
+    cell->value = value;
+    cell->key.text = nullptr;
+    cell->key.number = key;
+    cell->keyType = keyType;
+    const bool inOrder = sorted_ == count && keyType == keyTypeNumber;
+    const bool ascends = inOrder && (count == 0 || cells[count - 1]->key.number < key);
+    const bool repeats = inOrder && !ascends && cells[count - 1]->key.number == key;
+    cells[count++] = cell;
+    if (ascends || repeats) sorted_ = count;
+    if (!ascends) mayRepeat_ = true;
+    needsSort = 1;
+    return 0;
+}
+
+void nodeList::release() {
+    while (blocks_ != nullptr) {
+        Block* const older = blocks_->older;
+        ::operator delete(blocks_);
+        blocks_ = older;
+    }
+    delete[] cells;
+    cells = nullptr;
+    freeCells_ = nullptr;
+    count = capacity = allocated_ = unusedCells_ = blockCells_ = sorted_ = needsSort = 0;
+    mayRepeat_ = false;
+}
+
+void nodeList::sort() {
+    if (needsSort == 0) return;
+    if (sorted_ < count) {
+        std::stable_sort(cells + sorted_, cells + count, comesBefore);
+        std::inplace_merge(cells, cells + sorted_, cells + count, comesBefore);
+        if (keyType == keyTypeNumber) sorted_ = count;
+    }
+    needsSort = 0;
+}
+
+std::int32_t nodeList::findInsertPosition(std::int32_t key) {
+    sort();
+    const auto position = std::partition_point(cells, cells + count, [key](const nodeCell* cell) {
+        return cell->keyType == keyTypeNumber && cell->key.number < key;
+    });
+    return static_cast<std::int32_t>(position - cells);
+}
+
+nodeCell** nodeList::search(std::int32_t key) {
+    sort();
+    if (keyType != keyTypeNumber || count == 0) return nullptr;
+    const auto keyAt = [this](std::int32_t position) { return cells[position]->key.number; };
+    if (key >= 0 && key < count && keyAt(key) == key && (key == 0 || keyAt(key - 1) != key))
+        return cells + key;
+    if (keyAt(count - 1) < key) return nullptr;
+    const std::int32_t position = findInsertPosition(key);
+    return keyAt(position) == key ? cells + position : nullptr;
+}
+
+MOLTVARIANT* nodeList::removeCell(std::int32_t position) {
+    if (position < 0 || position >= count) return nullptr;
+    nodeCell* const cell = cells[position];
+    MOLTVARIANT* const value = cell->value;
+    std::copy(cells + position + 1, cells + count, cells + position);
+    --count;
+    if (position < sorted_) --sorted_;
+    cell->value = reinterpret_cast<MOLTVARIANT*>(freeCells_);
+    freeCells_ = cell;
+    return value;
+}
+
+void nodeList::shiftKeys(std::int32_t first, std::int32_t last, std::int32_t by) {
+    first = std::max(first, 0);
+    last = std::min(last, count);
+    if (first >= last || by == 0) return;
+    bool wrapped = false;
+    for (std::int32_t i = first; i < last; ++i) {
+        std::int32_t& key = cells[i]->key.number;
+        const std::int32_t shifted = tarn::wrappingSum(key, by);
+        wrapped = wrapped || (shifted < key) != (by < 0);
+        key = shifted;
+    }
+    const auto inOrder = [this](std::int32_t i) {
+        return i < 1 || i >= count || !comesBefore(cells[i], cells[i - 1]);
+    };
+    std::int32_t ordered = sorted_;
+    if (!inOrder(last)) ordered = std::min(ordered, last);
+    if (!inOrder(first)) ordered = std::min(ordered, first);
+    if (wrapped) ordered = 0;
+    mayRepeat_ = true;
+    if (ordered == sorted_) return;
+    sorted_ = ordered;
+    needsSort = 1;
+}
