@@ -129,7 +129,6 @@ class TARN_EXPORT tarnIndexDataFile {
     TARN_HIDDEN std::int32_t findIndexRecord(std::int32_t id, std::int32_t type);
     TARN_HIDDEN Record* findRecord(std::int32_t id, std::int32_t type);
     TARN_HIDDEN int store(std::int32_t id, std::int32_t type, std::int32_t repeat, const MOLTVARIANT* value);
-    TARN_HIDDEN void readContent(const unsigned char* content, std::size_t size);
 
     std::vector<Record> records_;
     std::int32_t lastFound_ = 0;  // where the next search looks first
