@@ -4,7 +4,7 @@
 /// The containers under values and records: the root class of the polymorphic objects, a growable array, a
 /// counted list over it, a list of fields by id, and a list of cells by row number that sorts itself when it
 /// is read.  Owners of values (core/variant.h, engine/engine_data.h) use them; on their own they hold
-/// pointers and never release what a pointer leads to.
+/// pointers and never release what a pointer given to them leads to.
 ///
 ///     tarnTList<MOLTVARIANT*> list;
 ///     list.add(value);               // count 1, array->capacity 32
@@ -25,6 +25,10 @@
 #include "core/export.h"
 
 struct MOLTVARIANT;
+
+namespace tarn {
+struct Cells;  // core/cells.h
+}
 
 /// Root of the polymorphic objects.  The hooks are the client's to override: the library neither calls nor
 /// overrides them.
@@ -199,6 +203,10 @@ class TARN_EXPORT tarnFieldList {
 };
 
 /// One entry of a keyed list.
+///
+/// A value that a record, or a copy of a column, has put there lies in the list's own memory and isn't
+/// deleted by itself.  A client may put one from new in its place, once it has destroyed the old one's
+/// content; the owner of the list deletes it.
 struct nodeCell {
     MOLTVARIANT* value;  ///< may be NULL; its owner is the list's owner
     union {
@@ -211,7 +219,8 @@ struct nodeCell {
 /// Cells by key, sorted when they are first read by key.  A cell's position and its key are two things:
 /// before a sort they are unrelated, and even after one keys may have gaps.
 ///
-/// The list makes its cells itself, many in a block, and owns them; the values belong to the list's owner.
+/// The list makes its cells itself, many in a block, and owns them with the values that lie in the blocks;
+/// those that were given to it belong to the list's owner.
 /// Cells that are added in key order cost no sort: the list remembers how many leading cells are in order.
 /// So keys are read freely, but changed by shiftKeys alone.
 class TARN_EXPORT nodeList {
@@ -228,12 +237,14 @@ class TARN_EXPORT nodeList {
     ~nodeList() = default;
 
     /// Puts a cell at the end, whatever its key; a key may be there twice then.  Answers 0.
+    /// - Owner: whoever owns the list owns `value`; the cell keeps this pointer.
     std::int32_t add(MOLTVARIANT* value, std::int32_t key);
 
     /// Makes room for this many further cells, so that adding them allocates nothing.
     void reserve(std::int32_t further);
 
-    /// Releases the cells and their array, not the values.  The list is empty afterwards.
+    /// Releases the cells and their array, with the values that lie beside their cells, but none that was
+    /// given to `add`.  The list is empty afterwards.
     void release();
 
     /// Puts the cells in key order if needed; equal keys keep their order of arrival.
@@ -255,8 +266,10 @@ class TARN_EXPORT nodeList {
     std::int32_t findInsertPosition(std::int32_t key);
 
     /// Takes the cell at a position out; later cells move down by one.
-    /// - Answers its value, NULL for a position out of range.
+    /// - Answers its value, which comes from new: the one that was given to `add`, or a new one that takes
+    ///   the content over.  NULL for a position out of range.
     /// - Owner: the caller owns the value now.
+    /// - Without memory for a new one it throws std::bad_alloc before anything has changed.
     MOLTVARIANT* removeCell(std::int32_t position);
 
     /// Adds `by` to the keys of the cells from position `first` up to, not including, `last`.  Keys wrap at
@@ -264,14 +277,17 @@ class TARN_EXPORT nodeList {
     void shiftKeys(std::int32_t first, std::int32_t last, std::int32_t by);
 
   private:
+    friend struct tarn::Cells;
     struct Block;
 
     nodeCell** search(std::int32_t key);
     TARN_HIDDEN nodeCell* newCell();
-    TARN_HIDDEN void newBlock(std::int32_t cellCount);
+    TARN_HIDDEN void newBlock(std::int32_t leastCells);
     TARN_HIDDEN void makeRoom(std::int32_t slots);
+    TARN_HIDDEN void append(nodeCell* cell, std::int32_t key);
+    TARN_HIDDEN void releaseCells();
 
-    Block* blocks_ = nullptr;        // all cells live here
+    Block* blocks_ = nullptr;        // all cells live here, each with room for a value
     nodeCell* freeCells_ = nullptr;  // removed ones, chained through `value`
     std::int32_t allocated_ = 0;     // slots in `cells`
     std::int32_t unusedCells_ = 0;   // in the newest block

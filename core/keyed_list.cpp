@@ -5,8 +5,10 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 
 #include "base/wrapping.h"
+#include "core/cells.h"
 #include "core/containers.h"
 
 namespace {
@@ -16,6 +18,7 @@ constexpr std::int32_t keyTypeText = 2;
 constexpr std::int32_t capacityStep = 32;
 constexpr std::int32_t firstSlots = 4;
 constexpr std::int32_t firstBlockCells = 2;
+constexpr std::int32_t mostBlockCells = 1000;
 
 int compareTexts(const char* a, const char* b) {
     const int order = std::strcmp(a == nullptr ? "" : a, b == nullptr ? "" : b);
@@ -41,10 +44,10 @@ int binarySearchCompare(const nodeCell* const* a, const nodeCell* const* b) {
 // A run of cells behind a link to the older blocks.
 struct nodeList::Block {
     Block* older;
-    nodeCell cells[1];
+    tarn::CellPlace places[1];
 
     static std::size_t sizeFor(std::int32_t cellCount) {
-        return offsetof(Block, cells) + static_cast<std::size_t>(cellCount) * sizeof(nodeCell);
+        return offsetof(Block, places) + static_cast<std::size_t>(cellCount) * sizeof(tarn::CellPlace);
     }
 };
 
@@ -54,12 +57,14 @@ nodeCell* nodeList::newCell() {
         freeCells_ = reinterpret_cast<nodeCell*>(cell->value);
         return cell;
     }
-    if (unusedCells_ == 0) newBlock(std::max(firstBlockCells, count / 8));
-    return &blocks_->cells[blockCells_ - unusedCells_--];
+    if (unusedCells_ == 0) newBlock(1);
+    return &blocks_->places[blockCells_ - unusedCells_--].cell;
 }
 
 // Cells come from the new block, which is made when the one before is used up or has too few left.
-void nodeList::newBlock(std::int32_t cellCount) {
+void nodeList::newBlock(std::int32_t leastCells) {
+    const std::int32_t cellCount =
+        std::max(leastCells, std::clamp(count / 8, firstBlockCells, mostBlockCells));
     auto* const block = static_cast<Block*>(::operator new(Block::sizeFor(cellCount)));
     block->older = blocks_;
     blocks_ = block;
@@ -78,14 +83,20 @@ void nodeList::makeRoom(std::int32_t slots) {
 void nodeList::reserve(std::int32_t further) {
     if (further < 1) return;
     if (count + further > allocated_) makeRoom(count + std::max(further, count / 4));
-    if (unusedCells_ < further) newBlock(std::max(further, count / 8));
+    if (unusedCells_ < further) newBlock(further);
 }
 
 std::int32_t nodeList::add(MOLTVARIANT* value, std::int32_t key) {
     if (count == allocated_) makeRoom(std::max(firstSlots, count + count / 4));
     nodeCell* const cell = newCell();
-    if (count >= capacity - 1) capacity += capacityStep;
     cell->value = value;
+    append(cell, key);
+    return 0;
+}
+
+// The array has room for the cell.
+void nodeList::append(nodeCell* cell, std::int32_t key) {
+    if (count >= capacity - 1) capacity += capacityStep;
     cell->key.text = nullptr;
     cell->key.number = key;
     cell->keyType = keyType;
@@ -96,10 +107,16 @@ std::int32_t nodeList::add(MOLTVARIANT* value, std::int32_t key) {
     if (ascends || repeats) sorted_ = count;
     if (!ascends) mayRepeat_ = true;
     needsSort = 1;
-    return 0;
 }
 
 void nodeList::release() {
+    for (std::int32_t i = 0; i < count; ++i) {
+        if (tarn::Cells::ownsValue(*cells[i])) cells[i]->value->destroyContent();
+    }
+    releaseCells();
+}
+
+void nodeList::releaseCells() {
     while (blocks_ != nullptr) {
         Block* const older = blocks_->older;
         ::operator delete(blocks_);
@@ -143,13 +160,11 @@ nodeCell** nodeList::search(std::int32_t key) {
 
 MOLTVARIANT* nodeList::removeCell(std::int32_t position) {
     if (position < 0 || position >= count) return nullptr;
-    nodeCell* const cell = cells[position];
-    MOLTVARIANT* const value = cell->value;
-    std::copy(cells + position + 1, cells + count, cells + position);
-    --count;
-    if (position < sorted_) --sorted_;
-    cell->value = reinterpret_cast<MOLTVARIANT*>(freeCells_);
-    freeCells_ = cell;
+    MOLTVARIANT* value = cells[position]->value;
+    if (tarn::Cells::ownsValue(*cells[position])) value = new MOLTVARIANT(*value);
+    nodeCell* const cell = tarn::Cells::take(*this, position);
+    cell->value = nullptr;
+    tarn::Cells::destroy(*this, cell);
     return value;
 }
 
@@ -175,4 +190,32 @@ void nodeList::shiftKeys(std::int32_t first, std::int32_t last, std::int32_t by)
     if (ordered == sorted_) return;
     sorted_ = ordered;
     needsSort = 1;
+}
+
+MOLTVARIANT& tarn::Cells::add(nodeList& list, std::int32_t key) {
+    list.add(nullptr, key);
+    return valueOf(*list.cells[list.count - 1]);
+}
+
+nodeCell* tarn::Cells::take(nodeList& list, std::int32_t position) {
+    nodeCell* const cell = list.cells[position];
+    std::copy(list.cells + position + 1, list.cells + list.count, list.cells + position);
+    --list.count;
+    if (position < list.sorted_) --list.sorted_;
+    return cell;
+}
+
+void tarn::Cells::putBack(nodeList& list, nodeCell* cell, std::int32_t key) {
+    list.append(cell, key);
+}
+
+void tarn::Cells::destroy(nodeList& list, nodeCell* cell) {
+    destroyValue(*cell);
+    cell->value = reinterpret_cast<MOLTVARIANT*>(list.freeCells_);
+    list.freeCells_ = cell;
+}
+
+void tarn::Cells::destroyAll(nodeList& list) {
+    for (std::int32_t i = 0; i < list.count; ++i) destroyValue(*list.cells[i]);
+    list.releaseCells();
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-// Internal: the owner of a value made by new until a container takes it.
+// Internal: the owners of a value, or of the content of one, until a container takes it.
 
 #include <memory>
 
@@ -16,6 +16,18 @@ struct ValueDeleter {
 };
 
 using OwnedValue = std::unique_ptr<MOLTVARIANT, ValueDeleter>;
+
+// A value that destroys its content at the end, unless another one has taken it in exchange for its own.
+struct OwnedContent : MOLTVARIANT {
+    OwnedContent() = default;
+    // A deep copy; of NULL an empty value.
+    explicit OwnedContent(const MOLTVARIANT* source) : MOLTVARIANT(source) {}
+    OwnedContent(const OwnedContent&) = delete;
+    OwnedContent& operator=(const OwnedContent&) = delete;
+    ~OwnedContent() {
+        if (tag != tagEmpty) destroyContent();
+    }
+};
 
 // A deep copy; of NULL an empty value.
 inline OwnedValue copyOf(const MOLTVARIANT* source) {

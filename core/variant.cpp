@@ -11,6 +11,7 @@
 #include <memory>
 #include <string>
 
+#include "core/cells.h"
 #include "core/string.h"
 #include "core/value_owner.h"
 
@@ -150,9 +151,7 @@ void copyTo(MOLTVARIANT& target, const multiColumn* source) {
     column->nodes->reserve(source->nodes->count);
     for (std::int32_t i = 0; i < source->nodes->count; ++i) {
         const nodeCell& cell = *source->nodes->cells[i];
-        auto copy = copyOf(cell.value);
-        column->nodes->add(copy.get(), cell.key.number);
-        copy.release();
+        tarn::Cells::add(*column->nodes, cell.key.number).copyContent(cell.value);
     }
 }
 
@@ -211,9 +210,8 @@ void release(List* list) {
 }
 
 void release(multiColumn* column) {
-    forEachElement(column, destroyValue);
     if (column != nullptr && column->nodes != nullptr) {
-        column->nodes->release();
+        tarn::Cells::destroyAll(*column->nodes);
         delete column->nodes;
     }
     delete column;

@@ -16,7 +16,9 @@
 /// a view that owns nothing; copyContent makes a deep copy.
 ///
 /// What a value owns comes from: `text` new char[], `wideText` new char16_t[], `vector` new MOLTVARIANT*[],
-/// `blob.data` and `block` new unsigned char[]; everything else, elements and cells' values too, a plain new.
+/// `blob.data` and `block` new unsigned char[]; everything else, elements too, a plain new.  The values of a
+/// column's cells lie in the column's list, but for those that a client put there, which come from a plain
+/// new.
 ///
 /// Copying, measuring and releasing a value recurse into what it holds, with up to 200 bytes of stack a level
 /// in optimised code.  A file nests values 64 deep at most; a client that nests them by calls keeps to 1,000.

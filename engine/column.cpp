@@ -3,6 +3,10 @@
 
 #include "engine/column.h"
 
+#include <utility>
+
+#include "core/cells.h"
+
 namespace tarn {
 
 OwnedValue newColumn() {
@@ -13,29 +17,33 @@ OwnedValue newColumn() {
     return column;
 }
 
-void addCell(nodeList& column, std::int32_t row, OwnedValue value) {
-    column.add(value.get(), row);
-    value.release();
+void addCell(nodeList& column, std::int32_t row, MOLTVARIANT& content) {
+    std::swap(Cells::add(column, row), content);
 }
 
-void putCell(nodeList& column, std::int32_t row, OwnedValue value) {
-    nodeCell** const slot = column.find(row);
-    if (slot == nullptr) return addCell(column, row, std::move(value));
-    const OwnedValue old((*slot)->value);
-    (*slot)->value = value.release();
+void putCell(nodeList& column, std::int32_t row, MOLTVARIANT& content) {
+    nodeCell** const slot = Cells::isBehindAll(column, row) ? nullptr : column.find(row);
+    std::swap(slot == nullptr ? Cells::add(column, row) : Cells::valueOf(**slot), content);
 }
 
-void insertCell(nodeList& column, std::int32_t row, OwnedValue value) {
+void insertCell(nodeList& column, std::int32_t row, MOLTVARIANT& content) {
     column.reserve(1);
     column.shiftKeys(column.findInsertPosition(row), column.count, 1);
-    addCell(column, row, std::move(value));
+    addCell(column, row, content);
 }
 
-OwnedValue takeRow(nodeList& column, std::int32_t row, std::int32_t& position) {
+nodeCell* takeRow(nodeList& column, std::int32_t row, std::int32_t& position) {
     nodeCell** const slot = column.find(row);
     position =
         slot == nullptr ? column.findInsertPosition(row) : static_cast<std::int32_t>(slot - column.cells);
-    return OwnedValue(slot == nullptr ? nullptr : column.removeCell(position));
+    return slot == nullptr ? nullptr : Cells::take(column, position);
+}
+
+std::int32_t removeRow(nodeList& column, std::int32_t row) {
+    std::int32_t position = 0;
+    nodeCell* const cell = takeRow(column, row, position);
+    if (cell != nullptr) Cells::destroy(column, cell);
+    return position;
 }
 
 std::int32_t lastRow(nodeList& column) {

@@ -176,6 +176,8 @@ class TARN_EXPORT tarnEngineData : public tarnObject {
     /// its length.  What an indexed file promises and doesn't hold reads as readIndexDataFile says.
     /// - Answers 1, or 0 for a file that can't be read or a text that isn't in order; what was stored up to
     ///   there stays.
+    /// - Without memory it throws std::bad_alloc.  What was stored up to there stays too, a single field that
+    ///   wasn't reached may be empty, and the record can be used and destroyed.
     int loadData(const char* fileName, eLoadType mode);
 
     /// Saves the indexed form.  Each row below `numMulti` that a column has no cell for takes 16 bytes.

@@ -10,11 +10,10 @@
 #include "engine/engine_data.h"
 #include "engine/field_lookup.h"
 #include "engine/record_loader.h"
-#include "store/index_data_access.h"
-#include "store/index_data_file.h"
+#include "store/index_file_reader.h"
 #include "store/index_file_writer.h"
 
-using tarn::OwnedValue;
+using tarn::OwnedContent;
 
 namespace {
 
@@ -68,6 +67,35 @@ void writeRows(Target& target, nodeList* column, std::int32_t rows) {
     target.writeEmptyValues(rows - row);
 }
 
+// Single fields come before all columns, wherever the file has their values: they are made empty first.
+void makeFields(const std::vector<_IndexRecord>& records, tarn::RecordLoader& loader) {
+    for (const _IndexRecord& record : records) {
+        MOLTVARIANT empty;
+        if (record.type == typeField && record.repeats > 0) loader.storeField(record.id, empty);
+    }
+}
+
+// Reads a record's values, of which a field has the first alone, and another type none.
+void loadField(tarn::IndexFileReader& file, const _IndexRecord& record, tarn::RecordLoader& loader) {
+    for (std::int32_t i = 0; i < record.repeats && !file.atEnd(); ++i) {
+        OwnedContent value;
+        file.read(value);
+        if (i == 0 && record.type == typeField && loader.takesFields()) loader.storeField(record.id, value);
+    }
+}
+
+void loadColumn(tarn::IndexFileReader& file, const _IndexRecord& record, tarn::RecordLoader& loader) {
+    bool isMade = false;
+    for (std::int32_t row = 0; row < record.repeats && !file.atEnd(); ++row) {
+        OwnedContent value;
+        file.read(value);
+        if (value.tag == tagEmpty) continue;
+        if (!isMade) loader.reserveCells(record.id, 1 + file.countFilled(record.repeats - row - 1));
+        isMade = true;
+        loader.storeCell(record.id, row, value);
+    }
+}
+
 }  // namespace
 
 int tarnEngineData::saveBinaryData(const char* fileName) {
@@ -96,28 +124,15 @@ int tarnEngineData::saveData(const char* fileName) {
 }
 
 int tarnEngineData::loadBinaryData(const char* fileName, eLoadType mode) {
-    tarnIndexDataFile file;
-    const int result = file.readIndexDataFile(fileName);
+    tarn::IndexFileReader file(fileName);
     tarn::RecordLoader loader(*this, mode);
-    auto& records = tarn::IndexDataAccess::recordsOf(file);
-    for (auto& record : records) {
-        if (record.index.type != typeField || !loader.takesFields() || record.values.empty()) continue;
-        OwnedValue value(std::exchange(record.values[0], nullptr));
-        loader.storeField(record.index.id, value == nullptr ? OwnedValue(new MOLTVARIANT) : std::move(value));
-    }
-    for (auto& record : records) {
-        if (record.index.type != typeColumn) continue;
-        const auto isCell = [](const MOLTVARIANT* value) {
-            return value != nullptr && value->tag != tagEmpty;
-        };
-        const auto cells = std::count_if(record.values.begin(), record.values.end(), isCell);
-        if (cells == 0) continue;
-        loader.reserveCells(record.index.id, static_cast<std::int32_t>(cells));
-        for (std::size_t row = 0; row < record.values.size(); ++row) {
-            if (!isCell(record.values[row])) continue;
-            loader.storeCell(record.index.id, static_cast<std::int32_t>(row),
-                             OwnedValue(std::exchange(record.values[row], nullptr)));
+    if (loader.takesFields()) makeFields(file.records(), loader);
+    for (const _IndexRecord& record : file.records()) {
+        if (record.type == typeColumn) {
+            loadColumn(file, record, loader);
+        } else {
+            loadField(file, record, loader);
         }
     }
-    return result;
+    return file.isRead() ? 1 : 0;
 }

@@ -5,14 +5,14 @@
 
 #include <algorithm>
 
+#include "core/cells.h"
 #include "core/value_owner.h"
 #include "engine/column.h"
 #include "engine/engine_data.h"
 #include "engine/field_lookup.h"
 
-using tarn::copyOf;
+using tarn::OwnedContent;
 using tarn::OwnedValue;
-using tarn::takeRow;
 using tarn::wrappingSum;
 
 namespace {
@@ -46,10 +46,11 @@ void tarnEngineData::storeMultiData(std::int32_t id, std::int32_t row, const MOL
                                     int appendOnly) {
     nodeList* const column = fields == nullptr ? nullptr : findOrMakeColumn(id);
     if (column == nullptr) return;
+    OwnedContent copy(value);
     if (appendOnly != 0) {
-        tarn::addCell(*column, row, copyOf(value));
+        tarn::addCell(*column, row, copy);
     } else {
-        tarn::putCell(*column, row, copyOf(value));
+        tarn::putCell(*column, row, copy);
     }
     raiseNumMulti(row);
 }
@@ -57,7 +58,8 @@ void tarnEngineData::storeMultiData(std::int32_t id, std::int32_t row, const MOL
 void tarnEngineData::insertMultiData(std::int32_t id, std::int32_t row, const MOLTVARIANT* value) {
     nodeList* const column = fields == nullptr ? nullptr : findOrMakeColumn(id);
     if (column == nullptr) return;
-    tarn::insertCell(*column, row, copyOf(value));
+    OwnedContent copy(value);
+    tarn::insertCell(*column, row, copy);
     raiseNumMulti(tarn::lastRow(*column));
 }
 
@@ -84,9 +86,7 @@ void tarnEngineData::removeMultiData(std::int32_t id, std::int32_t row) {
     if (fields == nullptr) return;
     for (std::int32_t i = fields->count - 1; i >= 0; --i) {
         nodeList* const column = fields->ids->getAt(i) == id ? columnAt(i) : nullptr;
-        if (column == nullptr) continue;
-        std::int32_t position = 0;
-        takeRow(*column, row, position);
+        if (column != nullptr) tarn::removeRow(*column, row);
     }
 }
 
@@ -94,9 +94,7 @@ void tarnEngineData::removeMultiData(std::int32_t row) {
     for (std::int32_t i = fields == nullptr ? -1 : fields->count - 1; i >= 0; --i) {
         nodeList* const column = columnAt(i);
         if (column == nullptr) continue;
-        std::int32_t position = 0;
-        takeRow(*column, row, position);
-        column->shiftKeys(position, column->count, -1);
+        column->shiftKeys(tarn::removeRow(*column, row), column->count, -1);
     }
     numMulti = wrappingSum(numMulti, -1);
 }
@@ -121,10 +119,14 @@ void tarnEngineData::moveMultiData(std::int32_t from, std::int32_t to) {
         nodeList* const column = columnAt(i);
         if (column == nullptr) continue;
         std::int32_t position = 0;
-        OwnedValue moved = takeRow(*column, from, position);
+        nodeCell* const moved = tarn::takeRow(*column, from, position);
         column->shiftKeys(position, column->count, -1);
         column->shiftKeys(column->findInsertPosition(to), column->count, 1);
-        tarn::addCell(*column, to, std::move(moved));
+        if (moved == nullptr) {
+            column->add(nullptr, to);
+        } else {
+            tarn::Cells::putBack(*column, moved, to);
+        }
     }
 }
 

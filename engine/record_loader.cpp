@@ -67,15 +67,16 @@ RecordLoader::~RecordLoader() {
     }
 }
 
-void RecordLoader::storeField(std::int32_t id, OwnedValue value) {
-    const std::int32_t index = finder_.find(id, false);
-    if (index >= 0) {
-        std::swap(*record_.fields->values->getAt(index), *value);
-        return;
+void RecordLoader::storeField(std::int32_t id, MOLTVARIANT& content) {
+    std::int32_t index = finder_.find(id, false);
+    if (index < 0) {
+        index = record_.fields->count;
+        OwnedValue added(new MOLTVARIANT);
+        finder_.add(id, false, index);
+        record_.fields->add(id, added.get());
+        added.release();
     }
-    finder_.add(id, false, record_.fields->count);
-    record_.fields->add(id, value.get());
-    value.release();
+    std::swap(*record_.fields->values->getAt(index), content);
 }
 
 // Files repeat their columns in the same order row after row, so the column behind the last one is tried
@@ -98,23 +99,23 @@ void RecordLoader::reserveCells(std::int32_t id, std::int32_t cells) {
     if (nodeList* const column = record_.columnAt(columnIndex(id)); column != nullptr) column->reserve(cells);
 }
 
-void RecordLoader::storeCell(std::int32_t id, std::int32_t row, OwnedValue value) {
+void RecordLoader::storeCell(std::int32_t id, std::int32_t row, MOLTVARIANT& content) {
     const std::int32_t index = columnIndex(id);
-    if (inserts_) return insertCell(index, row, std::move(value));
+    if (inserts_) return insertCell(index, row, content);
     nodeList* const column = record_.columnAt(index);
     if (column == nullptr) return;
-    putCell(*column, wrappingSum(base_, row), std::move(value));
+    putCell(*column, wrappingSum(base_, row), content);
     record_.raiseNumMulti(wrappingSum(base_, row));
 }
 
-void RecordLoader::insertCell(std::int32_t index, std::int32_t row, OwnedValue value) {
+void RecordLoader::insertCell(std::int32_t index, std::int32_t row, MOLTVARIANT& content) {
     nodeList* const column = record_.columnAt(index);
     if (column == nullptr) return;
     const auto place = static_cast<std::size_t>(index);
     if (place >= insertions_.size()) insertions_.resize(place + 1);
     Insertion& insertion = insertions_[place];
     if (insertion.column == nullptr) insertion.begin(*column);
-    insertion.insert(row, std::move(value));
+    insertion.insert(row, content);
 }
 
 void RecordLoader::Insertion::begin(nodeList& cells) {
@@ -123,11 +124,11 @@ void RecordLoader::Insertion::begin(nodeList& cells) {
     oldCells = column->count;
 }
 
-void RecordLoader::Insertion::insert(std::int32_t row, OwnedValue value) {
+void RecordLoader::Insertion::insert(std::int32_t row, MOLTVARIANT& content) {
     settleBefore(row);
     column->reserve(1);
     recent.push_back({column->count, moved + 1});
-    addCell(*column, row, std::move(value));
+    addCell(*column, row, content);
     ++moved;
 }
 

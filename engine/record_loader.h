@@ -49,10 +49,11 @@ class RecordLoader {
 
     // Whether single fields of the file are wanted: the record had no field at all.
     [[nodiscard]] bool takesFields() const { return takesFields_; }
-    void storeField(std::int32_t id, OwnedValue value);
+    // Gives the field this content, in exchange for what it held: nothing if it is new.
+    void storeField(std::int32_t id, MOLTVARIANT& content);
 
-    // Stores a cell in a row of the file, counted from 0.  Rows come in ascending order.
-    void storeCell(std::int32_t id, std::int32_t row, OwnedValue value);
+    // The same with a cell, in a row of the file, counted from 0.  Rows come in ascending order.
+    void storeCell(std::int32_t id, std::int32_t row, MOLTVARIANT& content);
 
     // Makes room for this many cells of one column.
     void reserveCells(std::int32_t id, std::int32_t cells);
@@ -74,7 +75,7 @@ class RecordLoader {
         std::vector<NewCell> recent;
 
         void begin(nodeList& cells);
-        void insert(std::int32_t row, OwnedValue value);
+        void insert(std::int32_t row, MOLTVARIANT& content);
         void settleBefore(std::int64_t row);
         void finish();
     };
@@ -82,7 +83,7 @@ class RecordLoader {
     // The record, emptied for loadReplace.
     static tarnEngineData& prepared(tarnEngineData& record, eLoadType mode);
     std::int32_t columnIndex(std::int32_t id);
-    void insertCell(std::int32_t index, std::int32_t row, OwnedValue value);
+    void insertCell(std::int32_t index, std::int32_t row, MOLTVARIANT& content);
 
     tarnEngineData& record_;
     bool inserts_;

@@ -3,7 +3,6 @@
 // Tests: tests/engine/record_files_test.cpp.
 
 #include <cstring>
-#include <memory>
 
 #include "core/number_text.h"
 #include "core/string.h"
@@ -14,7 +13,7 @@
 #include "store/index_format.h"
 #include "store/whole_file.h"
 
-using tarn::OwnedValue;
+using tarn::OwnedContent;
 using tarn::readLong;
 
 namespace {
@@ -76,32 +75,24 @@ std::int32_t tagOf(std::int32_t code) {
     }
 }
 
-// A value of a type code from its text; empty for a code without a text form.
-OwnedValue valueOf(std::int32_t code, const char* text) {
-    OwnedValue value(new MOLTVARIANT);
+// Makes an empty value one of a type code from its text; for a code without a text form it stays empty.
+void readValue(std::int32_t code, const char* text, MOLTVARIANT& value) {
     const std::int32_t tag = tagOf(code);
-    if (tag == tagEmpty) return value;
-    value->payload.text = newstr(text);
-    value->tag = tagText;
-    convertFromString(value.get(), tag);
-    return value;
+    if (tag == tagEmpty) return;
+    value.payload.text = newstr(text);
+    value.tag = tagText;
+    convertFromString(&value, tag);
 }
 
-struct Field {
-    std::int32_t id = 0;
-    OwnedValue value;  // NULL for a token that is no field
-};
-
 // A field is the id, the type code and the value's text, with dividers between; the text may hold more of
-// them.
-Field parseField(const char* token) {
-    Field field;
+// them.  Answers false for a token that is no field.
+bool readField(const char* token, std::int32_t& id, MOLTVARIANT& value) {
     const char* const first = token == nullptr ? nullptr : std::strchr(token, divider);
     const char* const second = first == nullptr ? nullptr : std::strchr(first + 1, divider);
-    if (second == nullptr) return field;
-    field.id = readLong(token);
-    field.value = valueOf(readLong(first + 1), second + 1);
-    return field;
+    if (second == nullptr) return false;
+    id = readLong(token);
+    readValue(readLong(first + 1), second + 1, value);
+    return true;
 }
 
 bool isHeader(const char* token) {
@@ -115,9 +106,10 @@ bool loadFields(TokenCursor& tokens, tarn::RecordLoader& loader) {
         const char* const token = tokens.next();
         if (token == nullptr) return false;
         if (!loader.takesFields()) continue;
-        Field field = parseField(token);
-        if (field.value == nullptr) return false;
-        loader.storeField(field.id, std::move(field.value));
+        std::int32_t id = 0;
+        OwnedContent value;
+        if (!readField(token, id, value)) return false;
+        loader.storeField(id, value);
     }
     return true;
 }
@@ -127,9 +119,10 @@ bool loadRow(TokenCursor& tokens, tarn::RecordLoader& loader, std::int32_t row) 
     const char* next = tokens.peekClosed();
     const std::int32_t firstId = readLong(next);
     do {
-        Field field = parseField(tokens.next());
-        if (field.value == nullptr) return false;
-        loader.storeCell(field.id, row, std::move(field.value));
+        std::int32_t id = 0;
+        OwnedContent value;
+        if (!readField(tokens.next(), id, value)) return false;
+        loader.storeCell(id, row, value);
         next = tokens.peekClosed();
     } while (next != nullptr && readLong(next) != firstId);
     return true;

@@ -31,10 +31,6 @@ struct _IndexRecord {
     std::int32_t offset;   ///< of the first value in the data block; -1 until the first save
 };
 
-namespace tarn {
-struct IndexDataAccess;  // store/index_data_access.h
-}
-
 /// One set of records.
 class TARN_EXPORT tarnIndexDataFile {
   public:
@@ -113,8 +109,6 @@ class TARN_EXPORT tarnIndexDataFile {
     /// @}
 
   private:
-    friend struct tarn::IndexDataAccess;
-
     // A value that was never stored is a NULL entry until somebody asks for it.
     struct Record {
         _IndexRecord index;
