@@ -222,11 +222,12 @@ struct nodeCell {
 /// The list makes its cells itself, many in a block, and owns them with the values that lie in the blocks;
 /// those that were given to it belong to the list's owner.
 /// Cells that are added in key order cost no sort: the list remembers how many leading cells are in order.
+/// Each of a few others costs a search, and together one move of the pointers before or behind their places.
 /// So keys are read freely, but changed by shiftKeys alone.
 class TARN_EXPORT nodeList {
   public:
     std::int32_t count = 0;
-    nodeCell** cells = nullptr;  ///< the first `count` are in use, new nodeCell*[]
+    nodeCell** cells = nullptr;  ///< the first `count` are in use, within a new nodeCell*[]
     std::int32_t capacity = 32;  ///< one is always left free, and it grows by 32
     std::int32_t keyType = 1;    ///< of cells to come: 1 number, 2 text
     std::int32_t needsSort = 0;  ///< 1: the cells may be out of key order
@@ -284,7 +285,12 @@ class TARN_EXPORT nodeList {
     TARN_HIDDEN nodeCell* newCell();
     TARN_HIDDEN void newBlock(std::int32_t leastCells);
     TARN_HIDDEN void makeRoom(std::int32_t slots);
+    TARN_HIDDEN bool makeFrontRoom(std::int32_t slots);
+    [[nodiscard]] TARN_HIDDEN std::int32_t frontRoom() const;
+    TARN_HIDDEN void moveTo(nodeCell** array, std::int32_t room);
+    TARN_HIDDEN void moveFront(std::int32_t by);
     TARN_HIDDEN void append(nodeCell* cell, std::int32_t key);
+    TARN_HIDDEN void placeFew();
     TARN_HIDDEN void releaseCells();
 
     Block* blocks_ = nullptr;        // all cells live here, each with room for a value
