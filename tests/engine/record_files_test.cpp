@@ -30,6 +30,26 @@ struct RecordFilesTest : testing::Test {
     }
 };
 
+// 17 times 4 MiB are more than is held in memory, 1,100 times more than a reader takes; all are views of one.
+TEST_F(RecordFilesTest, ALongFileIsWrittenWholeOrNotAtAll) {
+    const Owned large = blob(std::string(std::size_t{4} << 20, 'x'));
+    for (std::int32_t row = 0; row < 1100; ++row) record.storeMultiData(7, row, nullptr, 1);
+    const nodeList& column = *record.fields->values->getAt(0)->payload.multi->nodes;
+    for (std::int32_t row = 0; row < 1100; ++row) column.cells[row]->value->assignContent(&large);
+    fill(name, "old");
+    EXPECT_EQ(record.saveData(name.c_str()), 0);
+    EXPECT_EQ(contentOf(name), "old");
+    record.setNumMulti(17);
+    EXPECT_EQ(record.saveData(name.c_str()), 1);
+    for (std::int32_t row = 0; row < 1100; ++row) column.cells[row]->value->initContent(nullptr);
+    ASSERT_EQ(record.loadData(name.c_str(), loadReplace), 1);
+    for (std::int32_t row = 0; row < 17; ++row) {
+        MOLTVARIANT view;
+        ASSERT_EQ(record.getMultiData(7, row, &view), 0);
+        EXPECT_EQ(std::memcmp(view.payload.blob.data, large.payload.blob.data, std::size_t{4} << 20), 0);
+    }
+}
+
 // Single cells in 3,000 columns of 100,001 rows are 4.8 GB of empty values, more than a reader takes; with 2,000
 // rows they are more than is held in memory.
 TEST_F(RecordFilesTest, AFileThatNobodyCouldReadIsNotWritten) {
