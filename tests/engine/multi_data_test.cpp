@@ -1,8 +1,8 @@
 // Columns of rows: engine/multi_data.cpp, engine/column.cpp.  fuzz/record_work_fuzz.cpp has them beside a model.
 
-#include <set>
-
+#include "core/value_owner.h"
 #include "tests/engine/records.h"
+#include "tests/plain/record_model.h"
 
 namespace {
 
@@ -10,6 +10,7 @@ using namespace tarntest;
 
 struct MultiDataTest : testing::Test {
     tarnEngineData record;
+    tarnplain::RecordModel model;
 
     void store(int id, int row, const Owned& cell) { record.storeMultiData(id, row, &cell, 0); }
     void add(int id, int row, const Owned& cell) { record.storeMultiData(id, row, &cell, 1); }
@@ -30,6 +31,44 @@ TEST_F(MultiDataTest, AValueIsFoundByItsPositionInItsOwnColumn) {
     EXPECT_EQ(record.findMultiData(7, &sameNumber), -1);
     record.moveMultiData(0, 9);  // column 7 gets a cell without a value, which equals nothing
     EXPECT_EQ(record.findMultiData(7, &empty), -1);
+}
+
+// Pages of 1 to 331 rows that overlap, newest first or in any order, with look-ups and other changes between.
+TEST_F(MultiDataTest, LatePagesLandWhereThePlainModelHasThem) {
+    std::mt19937 random(6);
+    for (int step = 0; step < 120; ++step) {
+        const int page = step % 20 < 10 ? 9 - step % 10 : static_cast<int>(random() % 10);
+        const auto bothDo = [&](unsigned operation, int row) {
+            const Owned value = whole(step * 1000 + row);
+            tarnplain::work(record, operation, 7, row, 0, &value);
+            tarnplain::work(model, operation, 7, row, 0, &value);
+        };
+        if (step % 10 == 0) bothDo(8, 0);
+        for (int i = 0, row = page * 50; i <= step / 10 * 30; ++i, row += 3)
+            bothDo(model.hasRow(7, row) ? 1 : 0, row);
+        const auto [found, expected] = model.answersOf(record);
+        ASSERT_EQ(found, expected) << step;
+        for (const unsigned operation : {1U, 2U, 3U, 4U}) bothDo(operation, static_cast<int>(random() % 900));
+    }
+}
+
+TEST_F(MultiDataTest, ValuesOfAClientLieAmongThoseOfTheRecord) {
+    for (const int row : {0, 1, 2}) store(7, row, text("the record's"));
+    nodeList& nodes = *record.fields->values->getAt(0)->payload.multi->nodes;
+    nodes.cells[1]->value->destroyContent();
+    nodes.cells[1]->value = text("put there").release();
+    MOLTVARIANT* const added = text("added").release();
+    nodes.add(added, 3);
+    record.moveMultiData(3, 0);
+    store(7, 2, text("over it"));  // the row has moved
+    EXPECT_EQ(nodes.removeCell(0), added);
+    EXPECT_EQ(text("the record's"), *tarn::OwnedValue(nodes.removeCell(0)));
+    EXPECT_EQ(text("over it"), *nodes.cells[0]->value);
+    nodes.add(added, 9);
+    record.removeMultiData(7, 2);
+    expectRecord(record, {{7, columnOf({{3, text("the record's")}, {9, text("added")}})}}, 3);
+    nodes.release();
+    EXPECT_EQ(text("added"), *tarn::OwnedValue(added));
 }
 
 TEST_F(MultiDataTest, ACellTakesNullAndAViewOfItself) {

@@ -7,6 +7,7 @@
 
 #include <new>
 
+#include "core/value_owner.h"
 #include "tests/faults/families.h"
 
 namespace {
@@ -177,9 +178,30 @@ TEST_F(Allocation, AFailedChangeLeavesTheObject) {
     const auto store = [&](auto& made) { made.storeData(99, &content); };
     const auto insert = [&](auto& made) { made.insertMultiData(336, 1, &content); };
     const auto move = [](auto& made) { made.moveMultiData(4, 1); };
+    const auto put = [&](auto& made) { made.storeMultiData(336, 99, &content, 0); };
+    const auto handOut = [](auto& made) {
+        const tarn::OwnedValue cell(made.fields->values->getAt(0)->payload.multi->nodes->removeCell(3));
+    };
     expectKept("record store", record, store, shown);
     expectKept("record insert", record, insert, shown);
     expectKept("record move", record, move, shown);
+    expectKept("row put", record, put, shown);
+    expectKept("cell handed out", record, handOut, shown);
+
+    auto loaded = record();
+    memory.failAt(1, true);
+    loaded->removeMultiData(2);  // needs none
+    memory.failAt(0);
+    const std::string file = folder.file("saved");
+    loaded->saveData(file.c_str());
+    loaded->loadData(file.c_str(), loadReplace);
+    walk("record load", [&](auto failing) {
+        auto made = record();
+        failing([&] { made->loadData(file.c_str(), loadReplace); });  // may leave some rows
+        made->storeMultiData(336, 30, &content, 0);
+        made->loadData(file.c_str(), loadReplace);
+        EXPECT_EQ(shown(*made), shown(*loaded));
+    });
 
     const auto string = [] { return std::make_unique<tarnString>(longText); };
     const auto append = [](auto& made) { made.append(longText); };
