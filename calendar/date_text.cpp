@@ -16,6 +16,7 @@
 
 #include "base/ascii.h"
 #include "calendar/market_calendar.h"
+#include "core/century.h"
 #include "core/number_text.h"
 #include "platform/win32.h"
 
@@ -69,7 +70,7 @@ bool readCompactDate(const char* text, CalendarDate& date) {
     const std::size_t length = text == nullptr ? 0 : std::strlen(text);
     if (length != 6 && length != 8) return false;
     date = {numberInColumns(text, 4, length), numberInColumns(text, 0, 2), numberInColumns(text, 2, 4)};
-    if (length == 6) date.year += date.year <= 90 ? 2000 : 1900;
+    if (length == 6) date.year += centuryOf(date.year);
     return true;
 }
 
