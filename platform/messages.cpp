@@ -28,6 +28,7 @@ constexpr CodeText codeTexts[] = {
     {ERROR_ACCESS_DENIED, "Access was denied."},
     {ERROR_INVALID_HANDLE, "The handle is not valid."},
     {ERROR_NOT_ENOUGH_MEMORY, "There is not enough memory."},
+    {ERROR_NOT_SAME_DEVICE, "The files are on different devices."},
     {ERROR_WRITE_FAULT, "The device could not be written."},
     {ERROR_READ_FAULT, "The device could not be read."},
     {ERROR_GEN_FAILURE, "The device does not work."},

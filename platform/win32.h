@@ -74,6 +74,7 @@ constexpr DWORD ERROR_TOO_MANY_OPEN_FILES = 4;
 constexpr DWORD ERROR_ACCESS_DENIED = 5;
 constexpr DWORD ERROR_INVALID_HANDLE = 6;
 constexpr DWORD ERROR_NOT_ENOUGH_MEMORY = 8;
+constexpr DWORD ERROR_NOT_SAME_DEVICE = 17;
 constexpr DWORD ERROR_WRITE_FAULT = 29;
 constexpr DWORD ERROR_READ_FAULT = 30;
 constexpr DWORD ERROR_GEN_FAILURE = 31;
@@ -133,6 +134,9 @@ constexpr DWORD FILE_FLAG_SEQUENTIAL_SCAN = 0x08000000;
 constexpr DWORD FILE_BEGIN = 0;
 constexpr DWORD FILE_CURRENT = 1;
 constexpr DWORD FILE_END = 2;
+constexpr DWORD MOVEFILE_REPLACE_EXISTING = 1;
+constexpr DWORD MOVEFILE_COPY_ALLOWED = 2;
+constexpr DWORD MOVEFILE_WRITE_THROUGH = 8;
 constexpr DWORD MAX_PATH = 260;
 
 /// Opens or makes a file.  `\` in a name counts as `/`.  Sharing modes hold between all opens that go through
@@ -157,8 +161,22 @@ TARN_LINKAGE BOOL ReadFile(HANDLE file, void* buffer, DWORD bytes, DWORD* bytesR
 /// - Answers FALSE for a fault of the device and for a handle without write access.
 TARN_LINKAGE BOOL WriteFile(HANDLE file, const void* buffer, DWORD bytes, DWORD* bytesWritten,
                             OVERLAPPED* overlapped);
+/// Writes a file through to the disk.
+/// - Answers FALSE for a fault of the device and for a handle without write access.
+TARN_LINKAGE BOOL FlushFileBuffers(HANDLE file);
 /// Closes a file.  Answers FALSE for what is no open file.
 TARN_LINKAGE BOOL CloseHandle(HANDLE handle);
+/// Gives a file or folder another name, in one step where both names are on the same file system.
+/// - `flags`: MOVEFILE_REPLACE_EXISTING lets a file that has the new name be replaced; the moved file takes over
+///   its permissions, and a symbolic link under the new name is followed.  MOVEFILE_COPY_ALLOWED copies a file
+///   to another file system.  With MOVEFILE_WRITE_THROUGH the new name is on the disk when the call returns; the
+///   content is what FlushFileBuffers made of it.
+/// - Answers FALSE, with both files as they were, for a file that is open and for a folder under the new name.
+///   After a failure to write a folder through the file has its new name.
+TARN_LINKAGE BOOL MoveFileExA(const char* from, const char* to, DWORD flags);
+/// Deletes a file, or a symbolic link itself.
+/// - Answers FALSE for a folder and for a file that is open.
+TARN_LINKAGE BOOL DeleteFileA(const char* name);
 /// Writes the current directory and answers its length without the NUL.  If the buffer is too small, it
 /// answers the size that the buffer should have.
 TARN_LINKAGE DWORD GetCurrentDirectoryA(DWORD size, char* buffer);

@@ -235,6 +235,13 @@ BOOL WriteFile(HANDLE file, const void* buffer, DWORD bytes, DWORD* bytesWritten
     });
 }
 
+BOOL FlushFileBuffers(HANDLE file) {
+    const OpenFile target = toFile(file);
+    if ((target.access & writeAccess) == 0) return fail(wrongAccess(target.descriptor), FALSE);
+    if (retried([&] { return ::fsync(target.descriptor); }) != 0) return fail(tarn::fromErrno(errno), FALSE);
+    return TRUE;
+}
+
 BOOL CloseHandle(HANDLE handle) {
     if (handle == INVALID_HANDLE_VALUE) return TRUE;  // the process's own handle, which nothing closes
     if (::close(toFile(handle).descriptor) != 0 && errno == EBADF) return fail(ERROR_INVALID_HANDLE, FALSE);

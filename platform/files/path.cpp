@@ -2,7 +2,11 @@
 
 #include "platform/files/path.h"
 
+#include <unistd.h>
+
 #include <algorithm>
+#include <climits>
+#include <string_view>
 
 namespace tarn {
 
@@ -26,6 +30,25 @@ std::string folderOf(const std::string& path) {
 
 bool isReservedName(const std::string& path) {
     return path.find_first_of("*?\"<>|") != std::string::npos;
+}
+
+std::string linkedFile(std::string path) {
+    constexpr int mostLinks = 40;  // the system's own limit; a longer chain then fails to open
+    for (int i = 0; i < mostLinks; ++i) {
+        char target[PATH_MAX];
+        const ssize_t length = ::readlink(path.c_str(), target, sizeof target);
+        if (length <= 0) break;
+        const std::string_view name(target, static_cast<std::size_t>(length));
+        path = name.front() == '/' ? std::string(name) : folderOf(path).append("/").append(name);
+    }
+    return path;
+}
+
+std::string temporaryName(const std::string& path) {
+    constexpr std::size_t longestKept = 200;  // of the 255 that file systems have room for
+    const std::size_t slash = path.rfind('/');
+    const std::string name = path.substr(slash == std::string::npos ? 0 : slash + 1, longestKept);
+    return folderOf(path).append("/.").append(name).append(".new");
 }
 
 }  // namespace tarn

@@ -95,17 +95,6 @@ bool readInto(int descriptor, std::span<char> buffer, std::size_t& done) {
     return true;
 }
 
-// Gives a new file the owner and the permissions of the one that it replaces.  Only the permissions have to
-// succeed: a file of another's stays writable to who could write it, but can't be given away.
-bool takeOver(int descriptor, const struct stat& made, const struct stat& former) {
-    if (made.st_uid != former.st_uid || made.st_gid != former.st_gid) {
-        if (::fchown(descriptor, former.st_uid, former.st_gid) != 0 && errno != EPERM) return false;
-    } else if (((made.st_mode ^ former.st_mode) & permissionBits) == 0) {
-        return true;
-    }
-    return ::fchmod(descriptor, former.st_mode & permissionBits) == 0;
-}
-
 }  // namespace
 
 Replacement::~Replacement() {
@@ -150,18 +139,38 @@ DWORD Replacement::tryToBegin(unsigned permissions) {
     return ERROR_SUCCESS;
 }
 
-DWORD Replacement::commit(const std::string& target, std::string_view content, const struct stat* former) {
-    struct stat made {};
-    if (former != nullptr &&
-        (::fstat(file_.number(), &made) != 0 || !takeOver(file_.number(), made, *former))) {
-        return fromErrno(errno);
-    }
-    if (!writeAll(file_.number(), content) || retried([&] { return ::fsync(file_.number()); }) != 0 ||
+DWORD Replacement::write(std::string_view piece) {
+    return writeAll(file_.number(), piece) ? ERROR_SUCCESS : fromErrno(errno);
+}
+
+DWORD Replacement::commit(const std::string& target, const struct stat* former) {
+    const DWORD code = former == nullptr ? ERROR_SUCCESS : takeOver(file_.number(), *former);
+    if (code != ERROR_SUCCESS) return code;
+    if (retried([&] { return ::fsync(file_.number()); }) != 0 ||
         ::renameat(folder_, temporary_.c_str(), folder_, target.c_str()) != 0) {
         return fromErrno(errno);
     }
     const Descriptor closed = std::move(file_);
     return ERROR_SUCCESS;
+}
+
+DWORD Replacement::commit(const std::string& target, std::string_view content, const struct stat* former) {
+    const DWORD code = write(content);
+    return code != ERROR_SUCCESS ? code : commit(target, former);
+}
+
+// Only the permissions have to succeed: a file of another's stays writable to who could write it, but can't be
+// given away.
+DWORD takeOver(int descriptor, const struct stat& former) {
+    struct stat made {};
+    if (::fstat(descriptor, &made) != 0) return fromErrno(errno);
+    if (made.st_uid != former.st_uid || made.st_gid != former.st_gid) {
+        if (::fchown(descriptor, former.st_uid, former.st_gid) != 0 && errno != EPERM)
+            return fromErrno(errno);
+    } else if (((made.st_mode ^ former.st_mode) & permissionBits) == 0) {
+        return ERROR_SUCCESS;
+    }
+    return ::fchmod(descriptor, former.st_mode & permissionBits) == 0 ? ERROR_SUCCESS : fromErrno(errno);
 }
 
 DWORD readWhole(int folder, const std::string& name, int flags, std::size_t limit, std::string& content) {

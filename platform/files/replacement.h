@@ -39,9 +39,14 @@ class Replacement {
     // ERROR_SHARING_VIOLATION if another holds the lock for longer than five seconds.
     DWORD begin(int folder, const std::string& temporary, unsigned permissions);
 
+    // Puts a piece of the content at the end.
+    DWORD write(std::string_view piece);
+
     // Writes the content through to the disk and renames the file; the folder is left to the system, see
     // syncFolder.  With `former`, the file gets the permissions and, where the system allows it, the owner of
     // the file that it replaces.  The lock ends here.
+    DWORD commit(const std::string& target, const struct stat* former);
+    // The same with a content of one piece.
     DWORD commit(const std::string& target, std::string_view content, const struct stat* former);
 
   private:
@@ -51,6 +56,9 @@ class Replacement {
     std::string temporary_;
     Descriptor file_;
 };
+
+// Gives an open file the permissions and, where the system allows it, the owner of the file that it replaces.
+DWORD takeOver(int descriptor, const struct stat& former);
 
 // Reads a file whole, a small one without asking for its size first.
 //   flags    of open, beside reading: O_NOFOLLOW refuses a symbolic link

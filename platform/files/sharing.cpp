@@ -23,19 +23,21 @@ namespace {
 
 constexpr off_t firstMark = off_t{1} << 62;
 constexpr int markCount = 4;
+constexpr int reads = 0;
 constexpr int deniesReading = 2;
 
-struct flock markLock(int mark, int type) {
+struct flock markLock(int mark, int type, int count = 1) {
     struct flock lock {};
     lock.l_type = static_cast<short>(type);
     lock.l_whence = SEEK_SET;
     lock.l_start = firstMark + mark;
-    lock.l_len = 1;
+    lock.l_len = count;
     return lock;
 }
 
-bool isMarkedByAnother(int descriptor, int mark) {
-    struct flock lock = markLock(mark, F_WRLCK);
+// Whether another has one of `count` marks.
+bool isMarkedByAnother(int descriptor, int mark, int count = 1) {
+    struct flock lock = markLock(mark, F_WRLCK, count);
     return ::fcntl(descriptor, F_OFD_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
 }
 
@@ -74,6 +76,10 @@ bool share(int descriptor, const SharingTerms& terms) {
 
 bool isReadingDenied(int descriptor) {
     return isMarkedByAnother(descriptor, deniesReading);
+}
+
+bool isInUse(int descriptor) {
+    return isMarkedByAnother(descriptor, reads, 2);
 }
 
 }  // namespace tarn

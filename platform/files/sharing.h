@@ -29,4 +29,7 @@ bool share(int descriptor, const SharingTerms& terms);
 // marked, so this serves only who reads at once and closes.
 bool isReadingDenied(int descriptor);
 
+// Answers whether another open file reads or writes it just now.  Nothing is marked.
+bool isInUse(int descriptor);
+
 }  // namespace tarn

@@ -11,7 +11,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <climits>
 #include <cstring>
 #include <limits>
 #include <optional>
@@ -102,19 +101,6 @@ std::optional<std::string> changed(const Document& document, const Change& chang
     return withValue(document.text, section, encoded(change.key), encoded(change.text));
 }
 
-// Follows symbolic links to the file that is to be replaced, which need not exist yet.
-std::string linkedFile(std::string path) {
-    constexpr int mostLinks = 40;  // the system's own limit; a longer chain then fails to open
-    for (int i = 0; i < mostLinks; ++i) {
-        char target[PATH_MAX];
-        const ssize_t length = ::readlink(path.c_str(), target, sizeof target);
-        if (length <= 0) break;
-        const std::string_view name(target, static_cast<std::size_t>(length));
-        path = name.front() == '/' ? std::string(name) : tarn::folderOf(path).append("/").append(name);
-    }
-    return path;
-}
-
 // Keeps other programs from opening the file without sharing, as long as the object lives.
 class HeldFile {
   public:
@@ -133,14 +119,6 @@ class HeldFile {
     DWORD error_;
 };
 
-// The name under which a file's replacement is written; very long names that begin alike share it.
-std::string temporaryName(const std::string& path) {
-    constexpr std::size_t longestKept = 200;  // of the 255 that file systems have room for
-    const std::size_t slash = path.rfind('/');
-    const std::string name = path.substr(slash == std::string::npos ? 0 : slash + 1, longestKept);
-    return tarn::folderOf(path).append("/.").append(name).append(".new");
-}
-
 // Writes through to the disk that the file has been replaced.
 DWORD flush(const std::string& path) {
     return path.empty() ? ERROR_SUCCESS : tarn::syncFolder(AT_FDCWD, tarn::folderOf(path));
@@ -155,7 +133,7 @@ DWORD change(const std::string& path, const Change& wanted) {
     if (!exists && tarn::fromErrno(errno, path) != ERROR_FILE_NOT_FOUND) return tarn::fromErrno(errno, path);
 
     tarn::Replacement replacement;
-    DWORD code = replacement.begin(AT_FDCWD, temporaryName(path),
+    DWORD code = replacement.begin(AT_FDCWD, tarn::temporaryName(path),
                                    exists ? former.st_mode & permissionsOfNew : permissionsOfNew);
     if (code != ERROR_SUCCESS) return code;
     const HeldFile held(path);
@@ -211,10 +189,10 @@ BOOL GetPrivateProfileStructA(const char* section, const char* key, void* buffer
 BOOL WritePrivateProfileStringA(const char* section, const char* key, const char* text, const char* file) {
     if (section == nullptr) {
         const bool isFlush = key == nullptr && text == nullptr;
-        SetLastError(isFlush ? flush(linkedFile(tarn::systemPath(file))) : ERROR_FILE_NOT_FOUND);
+        SetLastError(isFlush ? flush(tarn::linkedFile(tarn::systemPath(file))) : ERROR_FILE_NOT_FOUND);
         return FALSE;
     }
-    const DWORD code = change(linkedFile(tarn::systemPath(file)), {section, key, text});
+    const DWORD code = change(tarn::linkedFile(tarn::systemPath(file)), {section, key, text});
     if (code != ERROR_SUCCESS) SetLastError(code);
     return code == ERROR_SUCCESS ? TRUE : FALSE;
 }
