@@ -74,8 +74,8 @@ struct LoadProgress {
 /// What a progress function wants.
 enum class Next : std::int32_t { goOn = 0, cancel };
 
-/// Is called every 64 KiB at least once, and may show a line or cancel the load.  An exception out of it
-/// cancels the load too and goes no further.
+/// Is called behind each 64 KiB of a file and at its end, and may show a line or cancel the load.  An exception
+/// out of it cancels the load too and is dropped.
 using ProgressFunction = std::function<Next(const LoadProgress&)>;
 
 /// What a failed load leaves behind.
