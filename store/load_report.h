@@ -62,7 +62,7 @@ struct [[nodiscard]] LoadReport {
     /// Answers a line for people, without a line end.  After an error it says where that is, and what the
     /// system says: `half.txt: byte 8997 of 9000: field 336, row 279: the file ends within it`.  Otherwise it
     /// counts what was taken.
-    ///   fileName  stands in front, unless it is empty
+    /// - `fileName`: stands in front, unless it is empty
     [[nodiscard]] TARN_EXPORT std::string message(std::string_view fileName) const;
 };
 

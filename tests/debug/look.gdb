@@ -14,7 +14,7 @@ see values
 python
 for name in ("block", "list", "multi", "*record.root", "record", "*record.fields", "*multi.payload.multi",
              "*multi.payload.multi->nodes", "string", "buffer", "date", "noDate", "unknown", "lost", "circle",
-             "lessThanNone", "tooMany", "badString", "badBuffer", "noColumn", "longText"):
+             "lessThanNone", "tooMany", "badString", "badBuffer", "noColumn", "longText", "owned", "view", "noView"):
     gdb.execute("see " + name)
 end
 set print elements 3

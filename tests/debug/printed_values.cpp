@@ -2,6 +2,7 @@
 // everything below; tests/debug/expected.txt is what gdb prints then.
 
 #include "calendar/market_calendar.h"
+#include "core/value.h"
 #include "engine/engine_data.h"
 #include "store/index_data_file.h"
 #include "tests/values.h"
@@ -59,6 +60,9 @@ int main(int count, char**) {
     [[maybe_unused]] const multiColumn noColumn{};
     [[maybe_unused]] const PKDATE date{0x3B7E};
     [[maybe_unused]] const PKDATE noDate{};
+    const tarn::Value owned("12 1/2");
+    [[maybe_unused]] const tarn::ValueView view(list);
+    [[maybe_unused]] const tarn::ValueView noView;
     look(count);
     return 0;
 }

@@ -329,6 +329,27 @@ def string_text(string):
     return text_at(int(string["text"]), checked_count(string["length"], what="length"))
 
 
+class OwnedValuePrinter(Printer):
+    """A tarn::Value, which shows as what it owns."""
+
+    def printer(self):
+        return ValuePrinter(self.value["value_"])
+
+    def text(self):
+        return self.printer().to_string()
+
+    def items(self):
+        return self.printer().items()
+
+
+class ValueViewPrinter(OwnedValuePrinter):
+    def printer(self):
+        return ValuePrinter(self.value["value_"].dereference())
+
+    def text(self):
+        return "nothing" if int(self.value["value_"]) == 0 else super().text()
+
+
 class RecordPrinter(Printer):
     def text(self):
         rows = text_or_failure(lambda: counted(checked_count(self.value["numMulti"], what="rows"), "row"))
@@ -393,6 +414,8 @@ def build_printers():
         ("tarnString", StringPrinter),
         ("tarnBuffer", BufferPrinter),
         ("PKDATE", DatePrinter),
+        ("tarn::Value", OwnedValuePrinter),
+        ("tarn::ValueView", ValueViewPrinter),
     ):
         printers.add_printer(name, "^%s$" % name, printer)
     return printers
