@@ -128,6 +128,7 @@ class RegistryKey {
         std::swap(key_, other.key_);
         return *this;
     }
+    /// Closes the key.
     TARN_EXPORT ~RegistryKey();
 
     /// Reads a value; the empty name is that of the key's default value.

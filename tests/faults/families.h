@@ -6,6 +6,7 @@
 
 #include <atomic>
 
+#include "tarn.h"
 #include "tarnutil.h"
 #include "tests/plain/packed_bitmap.h"
 #include "tests/support.h"
@@ -54,6 +55,19 @@ inline std::string values(int n) {
     const tarnException failure(1, string);
     const tarnException caught(failure);
     return readable(&copy) + readable(&converted) + formed.get() + caught.message.text;
+}
+
+inline std::string owners(int n) {
+    const tarn::Value value{tarn::ValueView(*familyTree)};
+    tarn::MenuTree menu;
+    const tarn::LoadReport loaded = menu.load(familyFile("menu", n));
+    tarn::Ini ini = tarn::Ini::at(familyFile("owners", n) + ".ini");
+    tarn::RegistryKey key = tarn::RegistryKey::create(HKEY_CURRENT_USER, familyFile("key", n).substr(1));
+    const bool isSet = ini.set("section", "key", longText) && key.set("value", longText);
+    const auto setting = ini.text("section", "key");
+    const auto stored = key.value("value").text();
+    if (!loaded || !isSet || !setting || !stored) return reported;
+    return readable(value.clone().raw()) + loaded.message(longText) + setting.value + *stored;
 }
 
 inline std::string record(int n) {
@@ -188,13 +202,10 @@ inline std::string pictures(int n) {
 constexpr struct {
     const char* name;
     std::string (*answer)(int);
-} families[] = {{"containers", containers},
-                {"values", values},
-                {"record", record},
-                {"files", files},
-                {"ini file and registry", settings},
-                {"texts", texts},
-                {"presentation", presentation},
+} families[] = {{"containers", containers}, {"values", values},
+                {"record", record},         {"owners", owners},
+                {"files", files},           {"ini file and registry", settings},
+                {"texts", texts},           {"presentation", presentation},
                 {"pictures", pictures}};
 
 // What all of them need: their files, a value of many tags, a clock that stands still, and the pictures'

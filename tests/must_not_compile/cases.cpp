@@ -1,7 +1,9 @@
-// What the C++ headers refuse: core/value.h.  CMakeLists.txt compiles this file once for each number
+// What the C++ headers refuse: core/value.h, present/menu_tree.h, store/client_settings.h.  CMakeLists.txt compiles this file once for each number
 // of TARN_CASE.  Number 0 is what is allowed next to it and has to compile; every other has to fail.
 
 #include "core/value.h"
+#include "present/menu_tree.h"
+#include "store/client_settings.h"
 
 using tarn::Value;
 using tarn::ValueView;
@@ -19,7 +21,8 @@ void tryCase(Value value, MOLTVARIANT plain, const char* constant) {
     (void)value.view();
     (void)value.clone();
     (void)std::string_view(text);
-    (void)constant;
+    if (!tarn::MenuTree().load(constant)) return;
+    if (!tarn::Ini(constant).text(constant, constant)) return;
 #elif TARN_CASE == 1
     (void)view.get<bool>();
 #elif TARN_CASE == 2
@@ -56,6 +59,10 @@ void tryCase(Value value, MOLTVARIANT plain, const char* constant) {
     tarn::Text copy = text;
 #elif TARN_CASE == 18
     tarn::adopt(newstr("text"));
+#elif TARN_CASE == 19
+    tarn::MenuTree().load(constant);
+#elif TARN_CASE == 20
+    tarn::Ini(constant).text(constant, constant);
 #else
 #error "there is no such case"
 #endif
