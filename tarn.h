@@ -9,4 +9,5 @@
 #include "core/value.h"
 #include "present/menu_tree.h"
 #include "store/client_settings.h"
+#include "store/keyed_file.h"
 #include "store/load_report.h"

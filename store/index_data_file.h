@@ -31,6 +31,12 @@ struct _IndexRecord {
     std::int32_t offset;   ///< of the first value in the data block; -1 until the first save
 };
 
+namespace tarn {
+class IndexFileReader;
+class KeyedFile;
+struct SaveReport;
+}  // namespace tarn
+
 /// One set of records.
 class TARN_EXPORT tarnIndexDataFile {
   public:
@@ -109,6 +115,8 @@ class TARN_EXPORT tarnIndexDataFile {
     /// @}
 
   private:
+    friend class tarn::KeyedFile;
+
     // A value that was never stored is a NULL entry until somebody asks for it.
     struct Record {
         _IndexRecord index;
@@ -122,6 +130,8 @@ class TARN_EXPORT tarnIndexDataFile {
     TARN_HIDDEN void clearIndexData();
     TARN_HIDDEN std::int32_t findIndexRecord(std::int32_t id, std::int32_t type);
     TARN_HIDDEN Record* findRecord(std::int32_t id, std::int32_t type);
+    TARN_HIDDEN void readRecords(tarn::IndexFileReader& file);
+    TARN_HIDDEN tarn::SaveReport writeRecords(const char* fileName, bool isFlushed);
     TARN_HIDDEN int store(std::int32_t id, std::int32_t type, std::int32_t repeat, const MOLTVARIANT* value);
 
     std::vector<Record> records_;

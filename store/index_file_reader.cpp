@@ -56,7 +56,8 @@ bool passOver(Bytes& rest, std::uint64_t values) {
 }
 
 // The records of an index block, each pair of keys once, in their order.
-std::vector<_IndexRecord> readIndex(Bytes block) {
+//   firstRepeated  out: the place of the first record whose keys are there already, or the number of records
+std::vector<_IndexRecord> readIndex(Bytes block, std::size_t& firstRepeated) {
     std::vector<_IndexRecord> records;
     records.reserve(block.size() / indexRecordSize);
     for (; !block.empty(); block = block.subspan(indexRecordSize)) {
@@ -72,6 +73,8 @@ std::vector<_IndexRecord> readIndex(Bytes block) {
     });
     std::vector<bool> repeated(records.size());
     for (std::size_t i = 1; i < order.size(); ++i) repeated[order[i]] = keys(order[i]) == keys(order[i - 1]);
+    firstRepeated =
+        static_cast<std::size_t>(std::find(repeated.begin(), repeated.end(), true) - repeated.begin());
     std::size_t kept = 0;
     for (std::size_t i = 0; i < records.size(); ++i) {
         if (!repeated[i]) records[kept++] = records[i];
@@ -84,40 +87,122 @@ std::vector<_IndexRecord> readIndex(Bytes block) {
 
 IndexFileReader::IndexFileReader(const char* fileName)
     : file_(readWholeFile(fileName, 0, FILE_ATTRIBUTE_NORMAL, 0, longestUnsigned)),
-      rest_(reinterpret_cast<const unsigned char*>(file_.data.get()), file_.size) {
+      report_(dropped_),
+      content_(reinterpret_cast<const unsigned char*>(file_.data.get()), file_.size),
+      rest_(content_) {
     if (!readHead()) rest_ = {};
 }
 
-// Answers false for a file without values.
-bool IndexFileReader::readHead() {
-    if (rest_.empty() || rest_.front() != marker) return false;
-    rest_ = rest_.subspan(1);
+IndexFileReader::IndexFileReader(std::span<const unsigned char> content, LoadReport& report)
+    : report_(report), content_(content), rest_(content) {
+    report_.fileSize = report_.offset = content.size();
+    if (!readHead()) rest_ = {};
+}
 
-    // The header is as long as its own first word says, up to the three words that it has.
+// ------------------------------------------------------------------------------------------------ reports
+
+// The first error counts.
+void IndexFileReader::report(LoadError error, const unsigned char* at) {
+    if (report_.error != LoadError::none) return;
+    report_.error = error;
+    report_.offset = static_cast<std::uint64_t>(at - content_.data());
+    if (record_ >= records_.size()) return;
+    report_.item = static_cast<std::int32_t>(record_);
+    report_.id = records_[record_].id;
+    report_.row = records_[record_].repeats - left_;
+}
+
+void IndexFileReader::reportRecord(LoadError error, const unsigned char* at, std::size_t index,
+                                   std::int32_t id) {
+    if (report_.error != LoadError::none) return;
+    report(error, at);
+    report_.item = static_cast<std::int32_t>(index);
+    report_.id = id;
+    report_.row = -1;
+}
+
+// Goes on to the first record from here on that has values.
+void IndexFileReader::findValues() {
+    while (record_ < records_.size() && records_[record_].repeats <= 0) ++record_;
+    if (record_ < records_.size()) left_ = records_[record_].repeats;
+}
+
+void IndexFileReader::finish() {
+    if (record_ < records_.size()) return report(LoadError::truncated, content_.data() + content_.size());
+    if (report_.error != LoadError::none || rest_.empty()) return;
+    report_.skipped = static_cast<std::int64_t>(rest_.size());
+    report_.skippedAt = content_.size() - rest_.size();
+}
+
+// --------------------------------------------------------------------------------------------------- head
+
+// The header is as long as its own first word says, up to the three words that it has.  Answers false for a file
+// without values.
+bool IndexFileReader::readHeader() {
+    if (rest_.empty() || rest_.front() != marker) {
+        report(LoadError::wrongForm, content_.data());
+        return false;
+    }
+    take(rest_, sizeof marker);
     unsigned char header[headerSize] = {};
     std::copy_n(rest_.data(), std::min(rest_.size(), wordSize), header);
     const std::size_t stated = loadWord(header);
     std::copy_n(rest_.data(), std::min({rest_.size(), stated, sizeof header}), header);
     header_ = {signedWord(header), signedWord(header + 4), signedWord(header + 8)};
-    const std::size_t recordCount = loadWord(header + 8);
-    if (recordCount == 0 || stated > rest_.size()) return false;
-    rest_ = rest_.subspan(stated);
-
-    if (recordCount > rest_.size() / indexRecordSize) return false;
-    records_ = readIndex(rest_.first(recordCount * indexRecordSize));
-    rest_ = rest_.subspan(recordCount * indexRecordSize);
-
-    places_ = rest_.size() / prefixSize + sparePlaces;
-    for (_IndexRecord& record : records_) {
-        const std::uint64_t promised = static_cast<std::uint64_t>(std::max(record.repeats, 0));
-        if (promised > places_) record.repeats = static_cast<std::int32_t>(places_);
-        places_ -= std::min(promised, places_);
-    }
+    if (rest_.size() < headerSize) report(LoadError::truncated, rest_.data());
+    if (stated < headerSize || stated > rest_.size()) report(LoadError::badHeader, rest_.data());
+    if (header_.recordCount == 0 || stated > rest_.size()) return false;
+    take(rest_, stated);
     return true;
 }
 
+bool IndexFileReader::readHead() {
+    if (!readHeader()) return false;
+    const auto recordCount = static_cast<std::uint32_t>(header_.recordCount);
+    const std::size_t whole = rest_.size() / indexRecordSize;
+    if (recordCount > whole) {
+        reportRecord(LoadError::truncated, rest_.data() + whole * indexRecordSize, whole, 0);
+        return false;
+    }
+    const unsigned char* const block = take(rest_, recordCount * indexRecordSize);
+    std::size_t firstRepeated = recordCount;
+    records_ = readIndex({block, recordCount * indexRecordSize}, firstRepeated);
+    if (firstRepeated < recordCount) {
+        const unsigned char* const at = block + firstRepeated * indexRecordSize;
+        reportRecord(LoadError::badIndex, at, firstRepeated, signedWord(at));
+    }
+    report_.fields = static_cast<std::int32_t>(records_.size());
+    limitRepeats();
+    findValues();
+    return true;
+}
+
+void IndexFileReader::limitRepeats() {
+    places_ = rest_.size() / prefixSize + sparePlaces;
+    for (std::size_t i = 0; i < records_.size(); ++i) {
+        _IndexRecord& record = records_[i];
+        const std::uint64_t promised = static_cast<std::uint64_t>(std::max(record.repeats, 0));
+        if (promised > places_) {
+            // No record is left out of the block in front, or that has been reported already.
+            const std::size_t behind = (records_.size() - i) * indexRecordSize;
+            reportRecord(LoadError::badIndex, rest_.data() - behind, i, record.id);
+            record.repeats = static_cast<std::int32_t>(places_);
+        }
+        places_ -= std::min(promised, places_);
+    }
+}
+
+// ------------------------------------------------------------------------------------------------- values
+
 void IndexFileReader::read(MOLTVARIANT& value) {
-    if (readValue(value, 1)) return;
+    const unsigned char* const begin = rest_.data();
+    if (readValue(value, 1)) {
+        if (value.tag != tagEmpty) ++report_.values;
+        if (--left_ > 0) return;
+        ++record_;
+        return findValues();
+    }
+    report(LoadError::truncated, begin);
     value.destroyContent();
     rest_ = {};
 }
@@ -181,7 +266,10 @@ bool IndexFileReader::readWideText(MOLTVARIANT& value, std::size_t size) {
 bool IndexFileReader::readVector(MOLTVARIANT& value, int depth) {
     if (rest_.size() < wordSize) return false;
     const std::uint32_t count = loadWord(take(rest_, wordSize));
-    if (depth > deepestVector) return passOver(rest_, count);
+    if (depth > deepestVector) {
+        report(LoadError::tooDeep, rest_.data() - prefixSize - wordSize);
+        return passOver(rest_, count);
+    }
     if (count > places_ || count > rest_.size() / prefixSize) return false;
     places_ -= count;
     value.payload.vector = new MOLTVARIANT*[std::size_t{count} + 1]();
@@ -205,6 +293,7 @@ bool IndexFileReader::readBlob(MOLTVARIANT& value) {
 }
 
 bool IndexFileReader::readPlain(MOLTVARIANT& value, std::int32_t tag, std::size_t size) {
+    if (hasNoForm(tag) || size > payloadSize) report(LoadError::badItem, rest_.data() - prefixSize);
     unsigned char payload[payloadSize] = {};
     std::copy_n(take(rest_, size), std::min(size, payloadSize), payload);
     if (hasNoForm(tag)) return true;
@@ -220,6 +309,11 @@ int tarnIndexDataFile::readIndexDataFile(const char* fileName) {
     clearIndexData();
     tarn::IndexFileReader file(fileName);
     if (!file.isRead()) return 0;
+    readRecords(file);
+    return 1;
+}
+
+void tarnIndexDataFile::readRecords(tarn::IndexFileReader& file) {
     header_ = {file.header().size, file.header().version, file.header().recordCount};
     records_.reserve(file.records().size());
     for (const _IndexRecord& record : file.records()) {
@@ -228,10 +322,9 @@ int tarnIndexDataFile::readIndexDataFile(const char* fileName) {
     }
     for (Record& record : records_) {
         for (MOLTVARIANT*& value : record.values) {
-            if (file.atEnd()) return 1;
+            if (file.atEnd()) return;
             value = new MOLTVARIANT;
             file.read(*value);
         }
     }
-    return 1;
 }

@@ -107,28 +107,42 @@ void IndexFileWriter::beginRecord() {
     index_[records_++].offset = static_cast<std::int32_t>(offset_);
 }
 
-bool IndexFileWriter::finish() {
+bool IndexFileWriter::finish(bool isFlushed) {
     flush();
     if (!file_.has_value()) createFile(held_.size() * chunk);
-    good_ = good_ && SetFilePointer(file_->get(), 0, nullptr, FILE_BEGIN) == 0;
+    if (report_) require(SetFilePointer(file_->get(), 0, nullptr, FILE_BEGIN) == 0, SaveError::cantWrite);
     writeIndex();
     flush();
-    return good_;
+    if (report_ && isFlushed) require(FlushFileBuffers(file_->get()) != FALSE, SaveError::cantWrite);
+    return static_cast<bool>(report_);
+}
+
+// The first failure counts.
+void IndexFileWriter::require(bool isDone, SaveError error) {
+    if (isDone || !report_) return;
+    report_.error = error;
+    report_.system = GetLastError();
 }
 
 void IndexFileWriter::createFile(std::uint64_t length) {
     const bool isReadable = length <= longestReadable;
     file_.emplace(isReadable ? fileName_ : nullptr, GENERIC_WRITE, 0, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL);
-    good_ = file_->isOpen();
+    if (isReadable) {
+        require(file_->isOpen(), SaveError::cantCreate);
+    } else {
+        report_.error = SaveError::tooLarge;
+    }
     for (const Piece& piece : held_) writeOut(piece.bytes.get(), piece.size);
     held_.clear();
 }
 
 void IndexFileWriter::writeOut(const unsigned char* bytes, std::size_t count) {
     if (!file_.has_value()) createFile(measure_());
+    if (!report_) return;
     DWORD written = 0;
-    good_ = good_ && WriteFile(file_->get(), bytes, static_cast<DWORD>(count), &written, nullptr) != 0 &&
-            written == count;
+    const bool isWritten = WriteFile(file_->get(), bytes, static_cast<DWORD>(count), &written, nullptr) != 0;
+    if (isWritten && written != count) SetLastError(ERROR_DISK_FULL);
+    require(isWritten && written == count, SaveError::cantWrite);
 }
 
 void IndexFileWriter::flush() {
@@ -226,25 +240,30 @@ void IndexFileWriter::writeValue(const MOLTVARIANT* value) {
 }
 
 void IndexFileWriter::writeEmptyValues(std::int32_t count) {
-    for (; count > 0 && good_; --count) writeValue(nullptr);
+    for (; count > 0 && report_; --count) writeValue(nullptr);
 }
 
 }  // namespace tarn
 
 int tarnIndexDataFile::writeIndexDataFile(const char* fileName) {
+    return writeRecords(fileName, false) ? 1 : 0;
+}
+
+tarn::SaveReport tarnIndexDataFile::writeRecords(const char* fileName, bool isFlushed) {
     std::vector<_IndexRecord> index;
     index.reserve(records_.size());
     for (const Record& record : records_) index.push_back(record.index);
-    const bool written = tarn::writeIndexFile(fileName, index, [this](auto& target) {
+    const auto putValues = [this](auto& target) {
         for (const Record& record : records_) {
             target.beginRecord();
             for (const MOLTVARIANT* const value : record.values) target.writeValue(value);
         }
-    });
-    if (!written) return 0;
+    };
+    const tarn::SaveReport report = tarn::writeIndexFile(fileName, index, putValues, isFlushed);
+    if (!report) return report;
     header_ = {static_cast<std::int32_t>(tarn::indexfile::headerSize),
                static_cast<std::int32_t>(tarn::indexfile::formatVersion),
                static_cast<std::int32_t>(records_.size())};
     for (std::size_t i = 0; i < index.size(); ++i) records_[i].index.offset = index[i].offset;
-    return 1;
+    return report;
 }

@@ -13,6 +13,7 @@
 #include "core/variant.h"
 #include "store/file_handle.h"
 #include "store/index_data_file.h"
+#include "store/load_report.h"
 #include "store/whole_file.h"
 
 namespace tarn {
@@ -54,7 +55,12 @@ class IndexFileWriter {
     void writeValue(const MOLTVARIANT* value);
     // None for a count below 1.
     void writeEmptyValues(std::int32_t count);
-    bool finish();
+    // Answers whether the file is whole.
+    //   isFlushed  also writes it through to the disk
+    bool finish(bool isFlushed = false);
+
+    // After finish: what failed.
+    [[nodiscard]] const SaveReport& report() const { return report_; }
 
   private:
     // A chunk that waits for the file to be created.
@@ -78,6 +84,7 @@ class IndexFileWriter {
     void writeVector(const MOLTVARIANT& value);
     void writePlain(const MOLTVARIANT& value);
     void writeIndex();
+    void require(bool isDone, SaveError error);
     void createFile(std::uint64_t length);
     void writeOut(const unsigned char* bytes, std::size_t count);
     void flush();
@@ -89,7 +96,7 @@ class IndexFileWriter {
     std::vector<_IndexRecord>& index_;
     Measure measure_;
     std::optional<FileHandle> file_;  // once it is created
-    bool good_ = true;
+    SaveReport report_;
     std::vector<Piece> held_;
     std::size_t records_ = 0;   // begun
     std::uint32_t offset_ = 0;  // of the next value, as an index record counts it
@@ -100,14 +107,20 @@ class IndexFileWriter {
 // Writes a whole file, but none longer than a reader takes.  `putValues` gives the values of all records of
 // `index` to the measure or the writer that it is handed; `index` takes the offsets.
 template <class PutValues>
-bool writeIndexFile(const char* fileName, std::vector<_IndexRecord>& index, const PutValues& putValues) {
+SaveReport writeIndexFile(const char* fileName, std::vector<_IndexRecord>& index, const PutValues& putValues,
+                          bool isFlushed) {
     IndexFileWriter writer(fileName, index, [&] {
         IndexFileMeasure measure(index.size());
         putValues(measure);
         return measure.length();
     });
     putValues(writer);
-    return writer.finish();
+    writer.finish(isFlushed);
+    return writer.report();
+}
+template <class PutValues>
+bool writeIndexFile(const char* fileName, std::vector<_IndexRecord>& index, const PutValues& putValues) {
+    return static_cast<bool>(writeIndexFile(fileName, index, putValues, false));
 }
 
 }  // namespace tarn
