@@ -66,7 +66,13 @@ inline std::string owners(int n) {
     const bool isSet = ini.set("section", "key", longText) && key.set("value", longText);
     const auto setting = ini.text("section", "key");
     const auto stored = key.value("value").text();
-    if (!loaded || !isSet || !setting || !stored) return reported;
+    tarn::KeyedFile keyed;
+    tarn::KeyedFile again;
+    keyed.set({7, 0}, 1, value);
+    const std::string file = familyFile("keyed", n);
+    const bool isSaved = keyed.save(file) && again.load(file);
+    if (!loaded || !isSet || !setting || !stored || !isSaved) return reported;
+    EXPECT_EQ(again.size({7, 0}), 2);
     return readable(value.clone().raw()) + loaded.message(longText) + setting.value + *stored;
 }
 
