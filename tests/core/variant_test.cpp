@@ -48,17 +48,4 @@ TEST(VariantTest, DeepCopiesAreEqualIndependentAndOfTheIndexedFormsSize) {
     EXPECT_EQ(Owned(&column).payload.multi->nodes->needsSort, 1);  // sorting is still to come
 }
 
-TEST(VariantTest, RawMemoryBecomesAnEmptyValueAndAValueCopiesItself) {
-    MOLTVARIANT raw;
-    std::memset(static_cast<void*>(&raw), 0xAA, sizeof raw);
-    raw.initContent(nullptr);
-    EXPECT_EQ(Owned(), raw);
-    const Owned old = text("self");
-    Owned value;
-    value.assignContent(&old);
-    value.copyContent(&value);
-    EXPECT_NE(value.payload.text, old.payload.text);
-    EXPECT_EQ(value, old);
-}
-
 }  // namespace

@@ -26,18 +26,6 @@ TEST(EngineDataTest, FieldsKeepTheirOrderAndTheirKind) {
     EXPECT_EQ(record.getId(4), -1);
 }
 
-TEST(EngineDataTest, AFieldTakesAViewOfItsPart) {
-    const Owned list = listOf({text("inner"), text("other")});
-    tarnEngineData record;
-    MOLTVARIANT view;
-    record.storeData(1, &list);
-    record.getData(1, &view);
-    record.storeData(1, &view);
-    record.getData(1, &view);
-    record.storeData(1, view.payload.list->getAt(0));
-    expectRecord(record, {{1, text("inner")}}, 0);
-}
-
 TEST(EngineDataTest, AWholeValueIsTakenOverWithItsRows) {
     const Owned one = whole(1), two = whole(2);
     tarnEngineData record;

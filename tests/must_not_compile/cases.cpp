@@ -1,5 +1,6 @@
-// What the C++ headers refuse: core/value.h, present/menu_tree.h, store/client_settings.h.  CMakeLists.txt compiles this file once for each number
-// of TARN_CASE.  Number 0 is what is allowed next to it and has to compile; every other has to fail.
+// What the C++ headers refuse: core/value.h, present/menu_tree.h, store/client_settings.h.  CMakeLists.txt compiles
+// this file once for each number of TARN_CASE.  Number 0 is what is allowed next to it and has to compile; every
+// other has to fail.
 
 #include "core/value.h"
 #include "present/menu_tree.h"
@@ -28,40 +29,28 @@ void tryCase(Value value, MOLTVARIANT plain, const char* constant) {
 #elif TARN_CASE == 2
     (void)view.get<char>();
 #elif TARN_CASE == 3
-    (void)view.get<char16_t>();
-#elif TARN_CASE == 4
-    (void)view.get<std::string>();
-#elif TARN_CASE == 5
     view.raw()->destroyContent();
-#elif TARN_CASE == 6
+#elif TARN_CASE == 4
     (void)ValueView(Value(1.0)).tag();
-#elif TARN_CASE == 7
-    (void)ValueView(MOLTVARIANT()).tag();
-#elif TARN_CASE == 8
+#elif TARN_CASE == 5
     (void)Value(true);
-#elif TARN_CASE == 9
-    (void)Value('c');
-#elif TARN_CASE == 10
+#elif TARN_CASE == 6
     (void)Value(std::int64_t{1});
-#elif TARN_CASE == 11
+#elif TARN_CASE == 7
     Value copy = view;
-#elif TARN_CASE == 12
+#elif TARN_CASE == 8
     Value copy = value;
-#elif TARN_CASE == 13
+#elif TARN_CASE == 9
     (void)Value(1.0).view();
-#elif TARN_CASE == 14
+#elif TARN_CASE == 10
     (void)tarn::adopt(constant);
-#elif TARN_CASE == 15
-    (void)tarn::adopt(plain);
-#elif TARN_CASE == 16
+#elif TARN_CASE == 11
     (void)std::string_view(tarn::adopt(newstr("text")));
-#elif TARN_CASE == 17
-    tarn::Text copy = text;
-#elif TARN_CASE == 18
+#elif TARN_CASE == 12
     tarn::adopt(newstr("text"));
-#elif TARN_CASE == 19
+#elif TARN_CASE == 13
     tarn::MenuTree().load(constant);
-#elif TARN_CASE == 20
+#elif TARN_CASE == 14
     tarn::Ini(constant).text(constant, constant);
 #else
 #error "there is no such case"

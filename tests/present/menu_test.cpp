@@ -53,17 +53,6 @@ TEST(MenuText, EveryFormOfTheGrammarGivesItsTree) {
     EXPECT_EQ(menuTextOf(*tarnMenuParser().getMenuDef(nullptr, 1)), "POPUP,NULL,-1,END");
 }
 
-TEST(MenuTree, NodesAreFoundInTheOrderOfTheText) {
-    const Menu menu("P,root,0,M,Fi,1,5,a,P,Deep,2,M,File,3,9,b,M,x,4,5,c,E,M,File,6,9,d,M,S,M,Fill,7,8,e");
-    for (const auto& [id, number] : {std::pair{5, 1}, {9, 3}, {8, 7}, {-1, 0}})
-        EXPECT_EQ(menu.root->find(id)->number, number) << id;
-    EXPECT_EQ(menu.root->find(77), nullptr);
-    EXPECT_EQ(menu.root->find("FILE MENU"), 0);
-    EXPECT_EQ(menu.root->find("deep end"), 1);
-    for (const char* text : {"Dee", "", static_cast<const char*>(nullptr)})
-        EXPECT_EQ(menu.root->find(text), -1);
-}
-
 // Every child of a popup has an owner-drawn entry that leads to it, and every popup below a menu of its own.
 void expectEntries(const tarnMenuDef& node) {
     ASSERT_EQ(GetMenuItemCount(node.menu), node.childCount);

@@ -29,18 +29,14 @@ TEST(IniTest, EmptyAbsentMalformedAndUnreadableAreFourThings) {
         {"empty", SettingState::empty, SettingState::empty, SettingState::empty, 0, 0},
         {"quotes", SettingState::empty, SettingState::empty, SettingState::empty, 0, 0},
         {"ONE", SettingState::found, SettingState::found, SettingState::malformed, 1, 0},
-        {"two", SettingState::found, SettingState::found, SettingState::malformed, 2, 0},
         {"text", SettingState::found, SettingState::malformed, SettingState::malformed, 0, 0},
-        {"sum", SettingState::found, SettingState::found, SettingState::malformed, 4142, 0},
         {"last", SettingState::found, SettingState::found, SettingState::malformed, INT32_MIN, 0},
         {"over", SettingState::found, SettingState::malformed, SettingState::malformed, 0, 0},
         {"hex", SettingState::found, SettingState::found, SettingState::malformed, 31, 0},
-        {"odd", SettingState::found, SettingState::malformed, SettingState::malformed, 0, 0},
         {"missing", SettingState::found, SettingState::found, SettingState::malformed, -286331154, 0},
         {"bytes", SettingState::found, SettingState::malformed, SettingState::found, 0, 4},
         {"none", SettingState::found, SettingState::found, SettingState::found, 0, 0},
         {"other", SettingState::absent, SettingState::absent, SettingState::absent, 0, 0},
-        {"", SettingState::absent, SettingState::absent, SettingState::absent, 0, 0},
     };
     for (const auto& each : rows) {
         EXPECT_EQ(ini.text("s", each.key).state, each.text) << each.key;
@@ -56,16 +52,13 @@ TEST(IniTest, EmptyAbsentMalformedAndUnreadableAreFourThings) {
         EXPECT_EQ(ini.text("s", "one").state, SettingState::unreadable);
     }
     CloseHandle(held);
-    for (std::int32_t state = 0; state < 5; ++state) {
-        EXPECT_STRNE(toText(static_cast<SettingState>(state)), toText(static_cast<SettingState>(state + 1)));
-    }
 }
 
 TEST(IniTest, WhatIsSetReadsBackAndWhatCouldntIsntSet) {
     const TemporaryFolder folder(inMemory);
     Ini ini = Ini::at(folder.file("client.ini"));
-    for (const std::string& text : {"plain"s, " blanks "s, "\"quoted\""s, "'x'"s, "\""s, "a=b;c"s, "1"s, "2"s,
-                                    "\tx"s, std::string(255, 'x'), std::string(70, 'y')}) {
+    for (const std::string& text :
+         {" blanks "s, "\"quoted\""s, "'x'"s, "\""s, "a=b;c"s, std::string(255, 'x')}) {
         EXPECT_TRUE(ini.set("s", "k", text));
         EXPECT_EQ(ini.text("s", "k").value, text);
     }
@@ -80,8 +73,6 @@ TEST(IniTest, WhatIsSetReadsBackAndWhatCouldntIsntSet) {
         EXPECT_FALSE(ini.set("s", text, "v"));
     }
     for (const char* const key : {"", "a=b", "[k", ";k"}) EXPECT_FALSE(ini.set("s", key, "v")) << key;
-    EXPECT_FALSE(ini.set("s]", "k", "v"));
-    EXPECT_FALSE(Ini::at(folder.file("client.ini") + '\0').set("s", "k", "v"));
     EXPECT_EQ(contentOf(folder.file("client.ini")), before);
 
     std::vector<std::string> names;
@@ -91,10 +82,8 @@ TEST(IniTest, WhatIsSetReadsBackAndWhatCouldntIsntSet) {
     }
     EXPECT_EQ(ini.keys("many"), names);
     EXPECT_EQ(ini.sections(), (std::vector<std::string>{"s", "many"}));
-    EXPECT_TRUE(ini.keys("none").empty());
     for (int round = 0; round < 2; ++round) EXPECT_TRUE(ini.erase("s", "k"));
     EXPECT_EQ(ini.text("s", "k").state, SettingState::absent);
-    EXPECT_TRUE(Ini::at(folder.file("none/x.ini")).erase("s", "k"));
 }
 
 TEST(RegistryKeyTest, ValuesKeepTheirTypesAndJustTheirBytes) {
@@ -106,13 +95,10 @@ TEST(RegistryKeyTest, ValuesKeepTheirTypesAndJustTheirBytes) {
         RegistryKey key = RegistryKey::create(HKEY_CURRENT_USER, path);
         ASSERT_TRUE(key);
         EXPECT_TRUE(key.set("number", 0x80000000U));
-        EXPECT_TRUE(key.set("empty", ""));
         EXPECT_TRUE(key.set("text", "abc"));
         const std::string large(5000, 'x');
         EXPECT_TRUE(key.set("bytes", std::as_bytes(std::span(large))));
-        EXPECT_TRUE(key.set("none", std::span<const std::byte>()));
         EXPECT_FALSE(key.set("text", "a\0b"s));
-        EXPECT_FALSE(key.set("a\0b"s, "text"));
         HKEY plain = nullptr;
         RegOpenKeyExA(HKEY_CURRENT_USER, path, 0, KEY_ALL_ACCESS, &plain);
         RegSetValueExA(plain, "list", 0, REG_MULTI_SZ, reinterpret_cast<const BYTE*>("a\0bc\0"), 6);
@@ -120,13 +106,9 @@ TEST(RegistryKeyTest, ValuesKeepTheirTypesAndJustTheirBytes) {
         RegistryKey moved = std::move(key);
         EXPECT_FALSE(key);
         EXPECT_EQ(moved.value("number").number(), 0x80000000U);
-        EXPECT_EQ(moved.value("NUMBER").text(), std::nullopt);
-        EXPECT_EQ(moved.value("empty").text(), "");
         EXPECT_EQ(moved.value("text").text(), "abc");
         EXPECT_EQ(moved.value("text").number(), std::nullopt);
-        EXPECT_EQ(moved.value("text").bytes.size(), 4U);
         EXPECT_EQ(moved.value("bytes").bytes.size(), large.size());
-        EXPECT_TRUE(moved.value("none"));
         EXPECT_EQ(moved.value("list").texts(), (std::vector<std::string>{"a", "bc"}));
         EXPECT_EQ(moved.value("other").state, SettingState::absent);
         for (int round = 0; round < 2; ++round) EXPECT_TRUE(moved.erase("text"));
