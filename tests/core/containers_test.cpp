@@ -120,6 +120,15 @@ TEST(NodeListTest, ShiftedKeysThatLeaveTheirOrderAreSortedAnew) {
     }
 }
 
+TEST(NodeListTest, ARowThatIsThereTwiceAfterAShiftIsFoundAtItsFirstCell) {
+    nodeList list;
+    for (const std::int32_t key : {1, 2, 3}) list.add(nullptr, key);
+    list.sort();
+    list.shiftKeys(1, 3, -1);
+    EXPECT_EQ(list.find(1), list.cells);
+    list.release();
+}
+
 TEST(NodeListTest, TextKeysAreOrderedAsBytesAndNotFoundByNumber) {
     nodeList list;
     list.keyType = 2;

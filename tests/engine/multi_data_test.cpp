@@ -26,6 +26,7 @@ TEST_F(MultiDataTest, AValueIsFoundByItsPositionInItsOwnColumn) {
     EXPECT_EQ(record.findMultiData(7, &ten), 1);    // a position, while the column isn't sorted
     EXPECT_EQ(record.getMultiData(7, 5, &out), 1);  // the column's index, not the row
     EXPECT_EQ(record.findMultiData(7, &ten), 0);
+    EXPECT_EQ(record.getMultiData(7, 4, &out), -1);
     EXPECT_EQ(record.findMultiData(6, &ten), 0);  // the first field
     EXPECT_EQ(record.findMultiData(8, &ten), -1);
     EXPECT_EQ(record.findMultiData(7, &sameNumber), -1);

@@ -134,6 +134,7 @@ TEST_F(Files, BytesAndPointerAreAtAnotherPlace) {
         {2, false, FILE_END, 9, before},
         {fourGiB - 1, true, FILE_BEGIN, fourGiB - 1, ERROR_SUCCESS},  // looks like a refusal
         {8, true, FILE_CURRENT, fourGiB + 7, before},
+        {2 * fourGiB + 7, true, FILE_BEGIN, 2 * fourGiB + 7, before},
     };
     for (const auto& each : rows) {
         SCOPED_TRACE(each.distance);
@@ -150,7 +151,7 @@ TEST_F(Files, BytesAndPointerAreAtAnotherPlace) {
     EXPECT_EQ(count, 2U);
     DWORD sizeHigh = 0;
     EXPECT_EQ(GetFileSize(file.get(), &sizeHigh), 9U);
-    EXPECT_EQ(sizeHigh, 1U);
+    EXPECT_EQ(sizeHigh, 2U);
     SetFilePointer(file.get(), 5, nullptr, FILE_BEGIN);
     EXPECT_EQ(read(4), std::string("nt\0\0", 4));
 }

@@ -47,10 +47,12 @@ TEST(Menus, EntriesReadBackAsFarAsTheyAreAskedFor) {
     info.cbSize = offsetof(MENUITEMINFOA, hbmpItem);
     info.fMask = MIIM_DATA;
     info.wID = 77;
+    info.fState = 77;
     info.hSubMenu = tree.root;
     EXPECT_TRUE(GetMenuItemInfoA(tree.root, 4, FALSE, &info));
     EXPECT_EQ(info.dwItemData, 1004U);
     EXPECT_EQ(info.wID, 77U) << "not asked for";
+    EXPECT_EQ(info.fState, 77U) << "not asked for";
     EXPECT_EQ(info.hSubMenu, nullptr) << "not asked for";
     char text[] = "untouched";
     info.fMask = MIIM_TYPE;

@@ -41,9 +41,12 @@ TEST(Modules, WhatCanNotBeLoadedSaysWhy) {
     SetErrorMode(SEM_NOOPENFILEERRORBOX);
     const tarntest::TemporaryFolder folder;
     for (const char* name : {"text.dll", "text.so"}) tarntest::fill(folder.file(name), "text");
-    for (const char* name : {"text", "text.dll"}) expectNoModule(folder.file(name), ERROR_BAD_EXE_FORMAT);
+    for (const char* name : {"text", "text.dll"})
+        expectNoModule(folder.path().string() + '\\' + name, ERROR_BAD_EXE_FORMAT);
     for (const std::string& name : {"tarn-none"s, ""s, folder.file("missing.dll")})
         expectNoModule(name, ERROR_MOD_NOT_FOUND);
+    EXPECT_FALSE(DisableThreadLibraryCalls(nullptr));
+    EXPECT_EQ(GetLastError(), ERROR_MOD_NOT_FOUND);
     EXPECT_EQ(SetErrorMode(0), SEM_NOOPENFILEERRORBOX);
 }
 

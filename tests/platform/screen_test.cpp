@@ -47,6 +47,16 @@ TEST(Screen, BitmapsFitTheirContextAndAreInOneAtATime) {
     const Canvas monochrome(CreateCompatibleBitmap(one.context, 17, 2));
     EXPECT_EQ(measures(monochrome.bitmap), (std::vector<LONG>{17, 4, 1}));
     EXPECT_EQ(CreateCompatibleBitmap(one.screen, 0x7FFFFFFF, 0x7FFFFFFF), nullptr);
+    EXPECT_EQ(ReleaseDC(nullptr, nullptr), 0);
+}
+
+TEST(Screen, ARectangleFillsUpToItsRightAndBottom) {
+    const Canvas canvas(3, 3);
+    const RECT rectangle{0, 0, 2, 2};
+    FillRect(canvas.context, &rectangle, reinterpret_cast<HBRUSH>(ULONG_PTR{COLOR_HIGHLIGHT + 1}));
+    EXPECT_EQ(GetPixel(canvas.context, 1, 1), GetSysColor(COLOR_HIGHLIGHT));
+    EXPECT_EQ(GetPixel(canvas.context, 2, 1), 0U);
+    EXPECT_EQ(GetPixel(canvas.context, 1, 3), CLR_INVALID);
 }
 
 TEST(Screen, GlobalMemoryCountsItsLocks) {

@@ -43,7 +43,7 @@ TEST_F(FileTools, WhatCantBeReadIsNullAndARefusedWriteLeavesTheFileAlone) {
     }
     fill(name, "content");
     EXPECT_EQ(writeFile(name.c_str(), "text", -1), 0);
-    EXPECT_EQ(writeFile(name.c_str(), nullptr, 4), 0);
+    EXPECT_EQ(writeFile(name.c_str(), nullptr, 1), 0);
     EXPECT_EQ(writeFile(here.c_str(), "text", 4), 0);
     translateFile(2, form.c_str(), name.c_str());
     const HANDLE held = CreateFileA(name.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,

@@ -72,9 +72,8 @@ struct IndexDataFileTest : testing::Test {
 };
 
 TEST_F(IndexDataFileTest, RecordsKeepTheirFirstRepeatsAndOnlyGrow) {
+    for (const std::int32_t repeats : {-4, 9}) file.addIndexRecord(1, 1, repeats);
     file.addIndexRecord(1, 0, 2);
-    file.addIndexRecord(1, 0, 9);
-    file.addIndexRecord(1, 1, -4);
     for (const std::int32_t repeat : {-1, 1, 2}) EXPECT_EQ(file.addDataRecord(1, 0, repeat, "x"), 1);
     expectRecords(file, {{1, 0, 2, {Owned(), text("x")}}, {1, 1, -4, {}}});
     EXPECT_EQ(file.updateIndexRecord(1, 0, 1), 1);

@@ -55,6 +55,7 @@ TEST_F(RegistryObject, TextsNumbersAndBlocksAreStoredUnderTheirTypes) {
     }
     RegCloseKey(key);
     for (const int expected : {1, 0}) EXPECT_EQ(registry.deleteValue("list"), expected);
+    EXPECT_EQ(registry.set("text", nullptr, 0), 0);
     EXPECT_EQ(registry.flushKey(), 1);
 }
 
