@@ -13,6 +13,7 @@ namespace tarn::registry {
 
 constexpr std::size_t longestValueName = 16383;
 constexpr std::size_t largestValue = 1U << 20;
+constexpr std::size_t smallestLargeValue = 4096;  // from here on the file has the faster checksum
 
 enum class RecordKind { key, value };
 
