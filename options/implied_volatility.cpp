@@ -26,6 +26,8 @@ struct Forecast {
 };
 
 constexpr Forecast noForecast;
+// Decides every trial: the market price is above all that the model can answer.
+constexpr Forecast beyondReach{std::numeric_limits<double>::infinity(), 1, 0};
 
 // Says whether the price at volatilities up to `reach` away from g may be taken from the line with slope
 // vega.  Vega grows by d1 d2 / g per 1.00 of volatility, relatively, and |d1 d2| is at most
@@ -43,6 +45,10 @@ Forecast forecast(const EuropeanOption& option, double marketPrice, double g, Mo
     // The line is off by less than 0.07 of the tolerance, for it is used over less than two of them and the
     // margin; N is off by less than 7.5e-8 here and there.
     const double margin = 0.1 * searchTolerance + 2e-7 * (option.stock + option.discountedStrike);
+    // No volatility makes a call worth more than the stock, or a put more than its discounted strike.
+    const double highestPrice = option.isPut ? option.discountedStrike : option.stock;
+    if (marketPrice - highestPrice > searchTolerance + margin && std::isfinite(point.price))
+        return beyondReach;
     for (int i = 0; i < mostPrices; ++i) {
         const double slope = modelVega(option, point);
         const double miss = marketPrice - point.price;

@@ -36,12 +36,12 @@ struct OptionTerms {
     double strikePrice;
     double stockPrice;
     std::int32_t daysToExpiration;
-    std::int32_t exDividendDays1, exDividendDays2, exDividendDays3;
-    double dividendAmount;  // finite
-    double splitFactor;
-    const std::int32_t* dividendDays;
-    const double* dividendAmounts;
-    std::int32_t dividendMode;
+    std::int32_t exDividendDays1 = 0, exDividendDays2 = 0, exDividendDays3 = 0;
+    double dividendAmount = 0;  // finite
+    double splitFactor = 0;
+    const std::int32_t* dividendDays = nullptr;
+    const double* dividendAmounts = nullptr;
+    std::int32_t dividendMode = earlyExerciseMode;
 };
 
 struct Value {
@@ -68,6 +68,11 @@ bool isUsable(const OptionTerms& terms) {
 }
 
 // ------------------------------------------------------------------------------------- repair of the prices
+
+// Whether dividends or a split may change a price; most options have neither.
+bool needsRepair(double dividendAmount, double splitFactor, std::int32_t dividendMode) {
+    return dividendAmount > 0 || splitFactor > 0 || dividendMode == scheduleMode;
+}
 
 // A dividend that isn't finite counts for nothing.
 double finiteAmount(double amount) {
@@ -161,7 +166,8 @@ Value withEarlyExercise(Value held, const OptionTerms& terms, double stock, doub
     return held;
 }
 
-Value valueFrom(const EuropeanOption& option, const ModelPoint& point, const OptionTerms& terms) {
+[[gnu::always_inline]] inline Value valueFrom(const EuropeanOption& option, const ModelPoint& point,
+                                              const OptionTerms& terms) {
     Value result{};
     if (point.price >= 0) {  // not for NaN
         result.value = point.price;
@@ -184,7 +190,8 @@ Sensitivities sensitivitiesFrom(const EuropeanOption& option, const ModelPoint& 
             .vega = modelVega(option, point)};
 }
 
-Valuation valuation(const OptionTerms& terms) {
+// Inlined twice: once for the terms that need no repair, whose constants leave the bare formula.
+[[gnu::always_inline]] inline Valuation valuation(const OptionTerms& terms) {
     if (terms.daysToExpiration < 1) return {valueAtExpiration(terms), {}};
     if (!isUsable(terms)) return {};
     const double logGrowth = std::log(1 + terms.interestRate);
@@ -202,12 +209,18 @@ Valuation valuation(const OptionTerms& terms) {
         value = withEarlyExercise(value, terms, stock, scaleStrike(prices), logGrowth);
     }
 
-    const RepairedPrices ownPrices = pricesForSensitivities(terms, stock);
-    if (ownPrices != prices) {
-        option = optionOn(ownPrices);
-        point = modelPoint(option, terms.volatility);
+    if (needsRepair(terms.dividendAmount, terms.splitFactor, terms.dividendMode)) {
+        const RepairedPrices ownPrices = pricesForSensitivities(terms, stock);
+        if (ownPrices != prices) {
+            option = optionOn(ownPrices);
+            point = modelPoint(option, terms.volatility);
+        }
     }
     return {value, sensitivitiesFrom(option, point, terms.volatility)};
+}
+
+[[gnu::noinline]] Valuation valuationWithRepair(const OptionTerms& terms) {
+    return valuation(terms);
 }
 
 void store(double result, double* out) {
@@ -226,10 +239,19 @@ std::int32_t doCalculateBSValue(int isPut, double strikePrice, double interestRa
                                 double stockPrice, std::int32_t daysToExpiration, double* gamma,
                                 double* theta, double* vega, double* delta, double* optionValue,
                                 double* impliedVolatility) {
-    const auto [value, sensitivities] = tarn::valuation(
-        {isPut != 0, interestRate, volatility, marketPrice, strikePrice, stockPrice, daysToExpiration,
-         exDividendDays1, exDividendDays2, exDividendDays3, tarn::finiteAmount(dividendAmount), splitFactor,
-         dividendDays, dividendAmounts, dividendMode});
+    const auto [value, sensitivities] =
+        tarn::needsRepair(dividendAmount, splitFactor, dividendMode)
+            ? tarn::valuationWithRepair({isPut != 0, interestRate, volatility, marketPrice, strikePrice,
+                                         stockPrice, daysToExpiration, exDividendDays1, exDividendDays2,
+                                         exDividendDays3, tarn::finiteAmount(dividendAmount), splitFactor,
+                                         dividendDays, dividendAmounts, dividendMode})
+            : tarn::valuation({.isPut = isPut != 0,
+                               .interestRate = interestRate,
+                               .volatility = volatility,
+                               .marketPrice = marketPrice,
+                               .strikePrice = strikePrice,
+                               .stockPrice = stockPrice,
+                               .daysToExpiration = daysToExpiration});
     tarn::store(value.value, optionValue);
     tarn::store(value.delta, delta);
     tarn::store(value.impliedVolatility, impliedVolatility);
