@@ -46,13 +46,13 @@ constexpr std::size_t listedDays(std::span<const HolidaysOfYear> table) {
 
 // The weekday numbers of all listed holidays, in order.
 constexpr auto closings = [] {
-    std::array<std::int64_t, listedDays(marketHolidays) + listedDays(settlementHolidays)> numbers{};
+    std::array<std::int32_t, listedDays(marketHolidays) + listedDays(settlementHolidays)> numbers{};
     auto next = numbers.begin();
     constexpr std::span<const HolidaysOfYear> tables[] = {marketHolidays, settlementHolidays};
     for (const auto& table : tables) {
         for (const auto& year : table) {
             for (const auto& [month, day] : year.days) {
-                *next++ = weekdayNumber(dayNumber({year.year, month, day}));
+                *next++ = static_cast<std::int32_t>(weekdayNumber(dayNumber({year.year, month, day})));
             }
         }
     }
@@ -60,10 +60,17 @@ constexpr auto closings = [] {
     return numbers;
 }();
 
+// How many closings are on weekday `number` or before.  A search's branches would be mispredicted, and there
+// are so few that comparing with all of them is quicker.
+std::ptrdiff_t closingsUpTo(std::int64_t number) {
+    const auto limit = static_cast<std::int32_t>(std::clamp<std::int64_t>(number, 0, closings.back()));
+    return std::ranges::count_if(closings, [limit](std::int32_t closing) { return closing <= limit; });
+}
+
 // The `count`th business day after weekday `from`, by number.
 std::int64_t countForward(std::int64_t from, std::int64_t count) {
     std::int64_t number = from + count;
-    for (auto closing = std::ranges::upper_bound(closings, from); closing != closings.end(); ++closing) {
+    for (auto closing = closings.begin() + closingsUpTo(from); closing != closings.end(); ++closing) {
         if (*closing > number) break;
         ++number;
     }
@@ -73,7 +80,7 @@ std::int64_t countForward(std::int64_t from, std::int64_t count) {
 // The `count`th business day before weekday `from`.
 std::int64_t countBackward(std::int64_t from, std::int64_t count) {
     std::int64_t number = from - count;
-    for (auto closing = std::ranges::lower_bound(closings, from); closing != closings.begin();) {
+    for (auto closing = closings.begin() + closingsUpTo(from - 1); closing != closings.begin();) {
         if (*--closing < number) break;
         --number;
     }
@@ -102,8 +109,9 @@ std::optional<CalendarDate> businessDaysFrom(CalendarDate start, std::int64_t co
 
 // The year, from a text that is widened in front if it is too short to have a century.
 std::int32_t readYear(const char* text, std::size_t length) {
+    if (length == 4) return numberInColumns(text, 0, length);
     const std::int32_t year = readLong(text);
-    if (length >= 4) return year;
+    if (length > 4) return year;
     return readLong(std::string(year > 90 ? "19" : "20").append(text, length).c_str());
 }
 
@@ -115,12 +123,13 @@ std::optional<CalendarDate> settlementDate(const char* text, std::size_t length,
 }
 
 // printf("%s \n"), at a third of its cost.
-void printLine(const char* text) {
+void printLine(const char (&text)[dateTextSize]) {
     char line[dateTextSize + 2];
-    char* end = std::copy_n(text, std::strlen(text), line);
-    *end++ = ' ';
-    *end++ = '\n';
-    std::fwrite(line, 1, static_cast<std::size_t>(end - line), stdout);
+    std::memcpy(line, text, dateTextSize);
+    const std::size_t length = std::strlen(line);
+    line[length] = ' ';
+    line[length + 1] = '\n';
+    std::fwrite(line, 1, length + 2, stdout);
 }
 
 }  // namespace
@@ -129,13 +138,15 @@ void printLine(const char* text) {
 
 char* getSettlementDate(const char* date, std::int32_t businessDays, int fourDigitYear) {
     if (date == nullptr) return nullptr;
-    std::unique_ptr<char[]> result(new char[tarn::dateTextSize]());
+    char text[tarn::dateTextSize] = {};
     const std::size_t length = std::strlen(date);
     if (const auto found = tarn::settlementDate(date, length, businessDays)) {
-        tarn::writeDate(*found, fourDigitYear != 0, result.get());
+        tarn::writeDate(*found, fourDigitYear != 0, text);
     } else {
-        std::memcpy(result.get(), date, std::min(length, tarn::dateTextSize - 1));
+        std::memcpy(text, date, std::min(length, tarn::dateTextSize - 1));
     }
-    tarn::printLine(result.get());
-    return result.release();
+    auto* const result = new char[tarn::dateTextSize];
+    std::memcpy(result, text, tarn::dateTextSize);
+    tarn::printLine(text);
+    return result;
 }
