@@ -13,7 +13,6 @@
 #include <array>
 #include <cstdio>
 #include <cstring>
-#include <memory>
 #include <optional>
 #include <span>
 #include <string>
