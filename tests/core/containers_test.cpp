@@ -53,6 +53,14 @@ TEST(ArrayTest, IndexesOutsideAreEmptyAndAWriteReachesThemAlone) {
     EXPECT_EQ(array.getAt(64), 0);
 }
 
+TEST(ObjectTest, HooksOfTheLibraryDoNothing) {
+    tarnObject object;
+    EXPECT_EQ(object.objectHook1(1, 2), 0);
+    EXPECT_EQ(object.objectHook2(1, 2), 0);
+    EXPECT_EQ(object.objectHook3(1), 0);
+    EXPECT_EQ(object.objectHook5(1), 0);
+}
+
 TEST(NodeListTest, OneSlotIsLeftFree) {
     nodeList list;
     for (std::int32_t i = 1; i <= 64; ++i) {

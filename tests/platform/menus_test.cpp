@@ -75,6 +75,7 @@ TEST(Menus, DeletionByCommandTakesTheFirstDepthFirst) {
     } rows[] = {{3, {4, 2, 1}}, {4, {4, 3, 0}}, {1, {3, 3, 1}}, {0, {3, 3, 1}}, {none, {4, 3, 1}}};
     for (const auto& each : rows) {
         const Tree tree;
+        SetLastError(ERROR_SUCCESS);
         EXPECT_EQ(DeleteMenu(tree.root, each.command, MF_BYCOMMAND), each.command == none ? FALSE : TRUE);
         EXPECT_EQ(tree.counts(), each.left) << each.command;
     }

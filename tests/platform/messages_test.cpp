@@ -45,6 +45,7 @@ TEST(Modules, WhatCanNotBeLoadedSaysWhy) {
         expectNoModule(folder.path().string() + '\\' + name, ERROR_BAD_EXE_FORMAT);
     for (const std::string& name : {"tarn-none"s, ""s, folder.file("missing.dll")})
         expectNoModule(name, ERROR_MOD_NOT_FOUND);
+    SetLastError(ERROR_SUCCESS);
     EXPECT_FALSE(DisableThreadLibraryCalls(nullptr));
     EXPECT_EQ(GetLastError(), ERROR_MOD_NOT_FOUND);
     EXPECT_EQ(SetErrorMode(0), SEM_NOOPENFILEERRORBOX);

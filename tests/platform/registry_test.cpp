@@ -94,6 +94,9 @@ TEST_F(Registry, PathsAnswerTheirCodesAndKeysKeepTheirFirstSpelling) {
     HKEY none = key;
     RegOpenKeyExA(key, "None", 0, KEY_ALL_ACCESS, &none);
     EXPECT_EQ(none, nullptr);
+    none = key;
+    EXPECT_EQ(create(key, "\\A", &none), 161);
+    EXPECT_EQ(none, nullptr);
 }
 
 TEST_F(Registry, ValuesKeepTheirBytes) {

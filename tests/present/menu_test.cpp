@@ -53,6 +53,11 @@ TEST(MenuText, EveryFormOfTheGrammarGivesItsTree) {
     EXPECT_EQ(menuTextOf(*tarnMenuParser().getMenuDef(nullptr, 1)), "POPUP,NULL,-1,END");
 }
 
+TEST(MenuTree, ABlankLabelIsNotFoundInsteadOfAnother) {
+    const Menu menu("P,root,0,M, ,1,5,a,M,File,2,6,b");
+    EXPECT_EQ(menu.root->find("FILE MENU"), 1);
+}
+
 // Every child of a popup has an owner-drawn entry that leads to it, and every popup below a menu of its own.
 void expectEntries(const tarnMenuDef& node) {
     ASSERT_EQ(GetMenuItemCount(node.menu), node.childCount);
