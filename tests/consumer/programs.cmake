@@ -1,5 +1,5 @@
-# The programs of both CMake consumers: one that calls every folder, one with the C++ headers, and one with derived classes under each set
-# of flags.
+# The programs of both CMake consumers: one that calls every folder, one with the C++ headers, and one with derived
+# classes under each set of flags.
 function(consumer_program name source)
   add_executable(${name} ${CMAKE_CURRENT_FUNCTION_LIST_DIR}/${source})
   target_link_libraries(${name} PRIVATE tarnutil::tarnutil)

@@ -53,32 +53,6 @@ TEST(ConversionTest, AFormatTakesThePayloadOfItsTag) {
         const Text text(inCLocale([&] { return convertToString(&each.value, each.format); }));
         EXPECT_STREQ(text.get(), each.text);
     }
-    wchar_t wide[] = L"wide";
-    MOLTVARIANT view;
-    view.tag = tagText;
-    view.payload.text = reinterpret_cast<char*>(wide);
-    EXPECT_STREQ(Text(convertToString(&view, "%ls")).get(), "wide");
-}
-
-// tests/data reads a text of every type.
-TEST(ConversionTest, ATextBeyondItsTagIsCutAndOtherTagsLeaveItAlone) {
-    const struct {
-        const char* content;
-        Owned value;
-    } rows[] = {
-        {"70000", number(tagShort, 4464)},
-        {"99999999999", number(tagLong, INT32_MAX)},
-        {"12x", number(tagNumber, 12)},
-        {nullptr, number(tagChar, 0)},
-    };
-    for (const auto& each : rows) {
-        Owned value = text(each.content);
-        convertFromString(&value, each.value.tag);
-        EXPECT_EQ(each.value, value);
-    }
-    Owned unchanged = text("12");
-    convertFromString(&unchanged, tagUShort);
-    EXPECT_EQ(unchanged, text("12"));
 }
 
 TEST(ConversionTest, AFieldTypeMakesTheTagOfThirtyTwoBits) {

@@ -86,25 +86,6 @@ TEST_F(StoredFiles, MenusAndScrambledFilesHoldWhatWasWritten) {
     EXPECT_EQ(contentOf(name), "Plain text of 27 characters     ");
 }
 
-TEST_F(StoredFiles, IniFilesHoldWhatWasWritten) {
-    std::int32_t width = 0;
-    char title[16] = {}, place[4] = {};
-    tarnIniFile ini("client");
-    ini.setIniFileDirectory(TARN_STORED_FILES);
-    ini.readIniInt("window", "width", 0, width);
-    ini.readIniString("window", "title", "", title, sizeof title);
-    ini.readIniStruct("window", "place", nullptr, place, sizeof place);
-    EXPECT_EQ(width, 640);
-    EXPECT_STREQ(title, "Orders");
-    EXPECT_EQ(std::string(place, 4), "\x12\x34\xAB\xFF");
-    ini.setIniFileDirectory(folder.path().string().c_str());
-    ini.writeIniInt("window", "width", width);
-    ini.writeIniString("window", "title", title);
-    ini.writeIniStruct("window", "place", place, sizeof place);
-    name = folder.file("client.ini");
-    expectSameAs("client.ini");
-}
-
 TEST_F(StoredFiles, Base64HoldsWhatWasWritten) {
     unsigned char bytes[9] = {};
     char encoded[13] = {};

@@ -13,8 +13,8 @@ echo ---\n
 see values
 python
 for name in ("block", "list", "multi", "*record.root", "record", "*record.fields", "*multi.payload.multi",
-             "*multi.payload.multi->nodes", "string", "buffer", "date", "noDate", "unknown", "lost", "circle",
-             "lessThanNone", "tooMany", "badString", "badBuffer", "noColumn", "longText", "owned", "view", "noView"):
+             "*multi.payload.multi->nodes", "string", "buffer", "date", "lost", "circle", "tooMany",
+             "badString", "longText", "owned", "view", "noView"):
     gdb.execute("see " + name)
 end
 set print elements 3

@@ -50,22 +50,6 @@ TEST_F(RecordFilesTest, ALongFileIsWrittenWholeOrNotAtAll) {
     }
 }
 
-// Single cells in 3,000 columns of 100,001 rows are 4.8 GB of empty values, more than a reader takes; with 2,000
-// rows they are more than is held in memory.
-TEST_F(RecordFilesTest, AFileThatNobodyCouldReadIsNotWritten) {
-    const Owned one = whole(1);
-    for (std::int32_t id = 0; id < 3000; ++id) record.storeMultiData(id, 0, &one, 1);
-    record.setNumMulti(100'001);
-    fill(name, "old");
-    EXPECT_EQ(record.saveData(name.c_str()), 0);
-    EXPECT_EQ(contentOf(name), "old");
-    for (const std::int32_t rows : {-1, 2000}) {
-        record.setNumMulti(rows);
-        EXPECT_EQ(record.saveData(name.c_str()), 1);
-        EXPECT_EQ(std::filesystem::file_size(name), 13U + 3000U * (16 + (rows < 0 ? 0 : 12 + 1999 * 16)));
-    }
-}
-
 // Empty cells leave gaps, a column without any other cell isn't made, a list has no form in a file.  Of an id
 // that is there twice, in a record that a client built by hand, the last value takes the first one's place.
 TEST_F(RecordFilesTest, ASavedRecordLoadsEqualWithItsGaps) {

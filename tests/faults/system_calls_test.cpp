@@ -316,20 +316,6 @@ TEST_F(SystemCalls, AFlushReachesEveryFolderUpToTheOneThatWasThere) {
     EXPECT_EQ(calls.synchronised, expected);
 }
 
-TEST_F(SystemCalls, WhatIsInAFolderThatIsNoKeyIsLostOnlyToANewKey) {
-    const std::string old = folder.file("tarnutil/registry/HKEY_CURRENT_USER/k-client/k-old");
-    tarnRegistry made(HKEY_CURRENT_USER);
-    failEach(EIO, [&](auto failing) {
-        std::filesystem::create_directories(old + "/k-below");
-        tarntest::fill(old + "/v-v", "old");
-        const int answer = failing([&] { return made.openKey("client\\old", 1); });
-        EXPECT_EQ(std::filesystem::exists(old + "/v-v"), answer == 0) << calls.lastFailed;
-        EXPECT_EQ(made.closeKey(), answer) << calls.lastFailed;
-        RegDeleteKeyA(HKEY_CURRENT_USER, "client\\old");
-    });
-    EXPECT_FALSE(std::filesystem::exists(old));
-}
-
 TEST_F(SystemCalls, ALockOfAnotherIsWaitedForWithoutEndOrNotAtAll) {
     const int foreign = ::open(folder.file(".client.ini.new").c_str(), O_RDWR | O_CREAT, 0600);
     struct flock lock {};

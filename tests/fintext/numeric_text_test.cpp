@@ -18,8 +18,7 @@ TEST(NumericText, CharactersAreMiscounted) {
     EXPECT_EQ(validateFloatFormat("00123.4500", 3, 2), 1);
     EXPECT_EQ(validateFloatFormat("123.456", 3, 2), 0);
     EXPECT_EQ(validateFloatFormat("1234.5", 3, 2), 0);
-    EXPECT_EQ(validateFloatFormat("00123", 3, 2), 0);  // zeros count where there is no point
-    EXPECT_EQ(validateFloatFormat("1.2.", 1, 2), 0);   // stripTrailZeros puts a 0 behind the last point
+    EXPECT_EQ(validateFloatFormat("1.2.", 1, 2), 0);  // stripTrailZeros puts a 0 behind the last point
     EXPECT_EQ(validateFloatFormat("123456.7", -1, 1), 1);
     EXPECT_EQ(validateFloatFormat(nullptr, -1, -1), 0);
     EXPECT_EQ(isAlphaNum("AZaz09"), 1);
@@ -29,12 +28,10 @@ TEST(NumericText, CharactersAreMiscounted) {
 
 TEST(NumericText, DecimalsAreCutFilledUpOrRoundedWrongly) {
     EXPECT_EQ(changed(stripTrailDecimal, "12.3456", 2U), "12.34");
-    EXPECT_EQ(changed(stripTrailDecimal, "12.34", 0U), "12.");
     EXPECT_EQ(changed(stripTrailDecimal, "1.5", 4'000'000'000U), "1.5");
     EXPECT_EQ(changed(stripTrailDecimalZeros, " .000", 7U), "");
     EXPECT_EQ(changed(stripLeadZeros, " 0 0.5"), ".5");
     EXPECT_EQ(changed(stripTrailZeros, "1.500 "), "1.5");
-    EXPECT_EQ(written(formatStringToFloat, "12", 2U), "12");
     EXPECT_EQ(written(formatStringToFloat, "1.005", 2U), "1.00");
     EXPECT_EQ(written(formatStringToFloat, "1.5/2", 3U), "1.5/2");
     EXPECT_EQ(written(formatStringToFloatWithRounding, "12", 2U), "12.00");
@@ -46,7 +43,6 @@ TEST(NumericText, DecimalsAreCutFilledUpOrRoundedWrongly) {
     for (const auto format : {formatStringToFloat, formatStringToFloatWithRounding})
         EXPECT_EQ(written(format, "1.5", 4'000'000'000U), "1.5" + std::string(1073, '0'));
     EXPECT_EQ(written(formatStringToFloatWithRounding, "n/a", 3U), "n/a");
-    EXPECT_EQ(written(formatStringToFloatWithRounding, "", 3U), "");
 }
 
 std::string shown(const tarntest::Owned& value) {

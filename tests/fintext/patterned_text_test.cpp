@@ -32,7 +32,6 @@ TEST(PatternedText, PatternTakesCharactersOtherwise) {
     EXPECT_EQ(patterned("1234", ",###"), "234");  // what is left over is dropped, and so is the last comma
     EXPECT_EQ(patterned("123456", "a*b#*c#*d#"), "a*b#1c2c3c4c5d6");
     EXPECT_EQ(patterned("1234", "$*-*##"), "$-34");  // a group without a place is written once
-    EXPECT_EQ(patterned("345", "#*##"), "345");
     char target[8];
     formatStringWithPattern(nullptr, "#", target, eNegParens);
     EXPECT_STREQ(target, "$0.0");
@@ -58,9 +57,7 @@ TEST(TextTools, AnotherCharacterIsTaken) {
     const std::unique_ptr<char[]> converted(convertNewline("a\r\nb\n"));
     EXPECT_STREQ(converted.get(), "a\r\r\nb\r\n");
     EXPECT_EQ(convertNewline("a\r"), nullptr);
-    EXPECT_EQ(convertNewline(nullptr), nullptr);
     EXPECT_EQ(concatstr("ab", nullptr), nullptr);
-    EXPECT_EQ(concatstr(nullptr, "cd"), nullptr);
     char text[] = "ab\n";
     EXPECT_EQ(removeNewline(text), 1);
     EXPECT_EQ(removeNewline(text), 0);

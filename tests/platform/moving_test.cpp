@@ -56,19 +56,6 @@ TEST_F(Moving, AFileAndAFolderGetTheirNewNames) {
     EXPECT_EQ(contentOf(folder.file("other/x")), "fresh");
 }
 
-TEST_F(Moving, AMoveToAnotherFileSystemIsACopyIfThatIsAllowed) {
-    const TemporaryFolder other(inMemory);
-    const std::string target = other.file("target");
-    const std::string content(200'000, 'x');
-    fill(fresh, content);
-    fill(target, "former");
-    const DWORD flags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_COPY_ALLOWED | MOVEFILE_WRITE_THROUGH;
-    EXPECT_EQ(MoveFileExA(fresh.c_str(), target.c_str(), flags), TRUE);
-    EXPECT_EQ(contentOf(target), content);
-    EXPECT_FALSE(std::filesystem::exists(fresh));
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(other.path()), {}), 1);
-}
-
 TEST_F(Moving, OnlyAFileThatIsntOpenIsDeleted) {
     const HANDLE reader = open(old, GENERIC_READ);
     EXPECT_EQ(DeleteFileA(old.c_str()), FALSE);

@@ -18,17 +18,6 @@ using tarntest::ProfileFiles;
 
 namespace {
 
-TEST_F(ProfileFiles, WhatIsMissingTellsHow) {
-    EXPECT_EQ(read(nullptr, nullptr), "");
-    EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
-    file = folder.file("none") + "\\x.ini";
-    EXPECT_EQ(read("s", "k"), "DEF");
-    EXPECT_EQ(GetLastError(), ERROR_PATH_NOT_FOUND);
-    SetLastError(0);
-    EXPECT_FALSE(write("s", "k", "v"));
-    EXPECT_EQ(GetLastError(), ERROR_PATH_NOT_FOUND);
-}
-
 TEST_F(ProfileFiles, CutListsEndInTwoNulsWithinTheBuffer) {
     const std::string sections = "s\0t\0S\0"s, fallback = "abcdef";
     fill(file, "[s]\r\n[t]\r\n[S]\r\n");

@@ -210,18 +210,6 @@ TEST_F(Registry, NoNameLeavesTheFolderOrMeetsAnother) {
     EXPECT_TRUE(fs::exists(folder / "k-a%2f..%2f..%2fb/key"));
 }
 
-// Also where the time of the folder doesn't move, as within a tick of the clock.
-TEST_F(Registry, AListShowsEveryChange) {
-    const auto now = fs::file_time_type::clock::now();
-    Names names;
-    for (const int hours : {-2, -1, 1, 1}) {
-        names.push_back("k" + std::to_string(names.size()));
-        create(key, names.back());
-        fs::last_write_time(folder, now + std::chrono::hours(hours));
-        EXPECT_EQ(keysOf(key), names);
-    }
-}
-
 TEST_F(Registry, ADamagedValueIsRefusedAndCanBeReplaced) {
     fs::create_directories(folder / "v-v/x");
     EXPECT_EQ(get("v"), "error 1015");

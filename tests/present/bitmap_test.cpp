@@ -113,10 +113,6 @@ TEST(Bitmap, AShortTableAndMasksAreReadWhereverTheyAre) {
             expectPixels(packed, {}, "cut");
         }
     }
-    PackedBitmap deep(32, 1, 1);  // ten bits of red, ten of green and none of blue
-    deep.bytes.resize(56);
-    deep.setWords(4, {BI_BITFIELDS, 0, 0, 0, 0, 0, 0x3FF00000, 0xFFC00, 0, 513U << 20 | 0xFFFFF});
-    expectPixels(deep, {RGB(128, 255, 0)}, "wide masks");
 }
 
 // A packed bitmap of 4 x 3 pixels whose pixels are these runs, up to its end.
