@@ -178,6 +178,15 @@ TEST_F(Files, HandlesAllowMoreThanTheyWereOpenedForOrLongerThanTheyAreOpen) {
     EXPECT_EQ(contentOf(present), "content");
 }
 
+TEST(CurrentFolder, IsWrittenBehindItsRoom) {
+    char text[4096] = "untouched";
+    const DWORD room = GetCurrentDirectoryA(0, nullptr);
+    EXPECT_EQ(GetCurrentDirectoryA(room - 1, text), room);
+    EXPECT_STREQ(text, "untouched");
+    EXPECT_EQ(GetCurrentDirectoryA(room, text), room - 1);
+    EXPECT_EQ(std::filesystem::path(text), std::filesystem::current_path());
+}
+
 #if !defined(_WIN32)
 
 TEST_F(Files, DevicesAndFifosNeitherHangNorShare) {

@@ -59,6 +59,16 @@ TEST(Screen, ARectangleFillsUpToItsRightAndBottom) {
     EXPECT_EQ(GetPixel(canvas.context, 1, 3), CLR_INVALID);
 }
 
+TEST(Screen, PalettesAreSelectedInTurn) {
+    const Canvas canvas(1, 1);
+    const LOGPALETTE colors{0x300, 1, {{1, 2, 3, 0}}};
+    const HPALETTE palette = CreatePalette(&colors);
+    const HPALETTE earlier = SelectPalette(canvas.screen, palette, FALSE);
+    EXPECT_EQ(RealizePalette(canvas.screen), 0U);
+    EXPECT_EQ(SelectPalette(canvas.screen, earlier, FALSE), palette);
+    EXPECT_TRUE(DeleteObject(palette));
+}
+
 TEST(Screen, GlobalMemoryCountsItsLocks) {
     const HGLOBAL memory = GlobalAlloc(GHND, 100), fixed = GlobalAlloc(0, 100);
     EXPECT_EQ(GlobalLock(fixed), fixed);
@@ -89,6 +99,8 @@ TEST(Screen, ResourcesAreFoundByNumberAndByText) {
     }
     EXPECT_EQ(FindResourceA(nullptr, "#101", "#10"), nullptr);
     EXPECT_EQ(GetLastError(), ERROR_RESOURCE_TYPE_NOT_FOUND);
+    EXPECT_EQ(LoadBitmapA(module, "#101"), nullptr) << "another type";
+    EXPECT_FALSE(FreeResource(found)) << "nothing has to be freed";
     tarn::removeResources(module);
     EXPECT_EQ(LockResource(found), nullptr);
 }

@@ -53,6 +53,15 @@ TEST(MenuText, EveryFormOfTheGrammarGivesItsTree) {
     EXPECT_EQ(menuTextOf(*tarnMenuParser().getMenuDef(nullptr, 1)), "POPUP,NULL,-1,END");
 }
 
+TEST(MenuText, TokensOfASecondTextFollowThoseOfTheFirst) {
+    tarnParser parser;
+    char first[] = " a b ,\t,c", second[] = "d\n";
+    const _link* const head = parser.parseTokens(first);
+    EXPECT_EQ(parser.parseTokens(second), head);
+    EXPECT_EQ(std::string(head->text, head->length), "a b");
+    EXPECT_STREQ(head->next->next->text, "d");
+}
+
 TEST(MenuTree, ABlankLabelIsNotFoundInsteadOfAnother) {
     const Menu menu("P,root,0,M, ,1,5,a,M,File,2,6,b");
     EXPECT_EQ(menu.root->find("FILE MENU"), 1);

@@ -40,6 +40,8 @@ TEST_F(RegistryObject, ATreeOf512LevelsIsDeletedWithWhatIsDamagedAndItsTopKeepsI
     }
     EXPECT_EQ(registry.deleteSubKey("top"), 0);
     EXPECT_EQ(registry.set("text", nullptr, 0), 0);
+    for (const int expected : {1, 0}) EXPECT_EQ(top.deleteValue("v"), expected);
+    EXPECT_EQ(top.set("v", 5), 1);
 #if !defined(_WIN32)
     EXPECT_EQ(tarnRegistry(HKEY_CURRENT_USER).openKey((deepest + "\\d").c_str(), 1), 0);
     const auto folder = data.path() / "tarnutil/registry/HKEY_CURRENT_USER/k-software/k-tarnutil-store/k-top";

@@ -28,4 +28,11 @@ TEST(Scramble, EveryPathScramblesAlikeAndTakesTheWayBack) {
     }
 }
 
+TEST(Scramble, ATextComesBackFromItsOwnBuffer) {
+    char text[17] = "sixteen letters!";
+    scramble(text, 16);
+    unscramble(text, 16);
+    EXPECT_STREQ(text, "sixteen letters!");
+}
+
 }  // namespace
