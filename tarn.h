@@ -8,6 +8,7 @@
 #include "core/date.h"
 #include "core/value.h"
 #include "present/menu_tree.h"
+#include "store/base64.h"
 #include "store/client_settings.h"
 #include "store/keyed_file.h"
 #include "store/load_report.h"

@@ -17,7 +17,6 @@ namespace {
 
 constexpr std::size_t groupBytes = 3;
 constexpr std::size_t groupCharacters = 4;
-constexpr unsigned outside = 64;  // the value of a character that isn't in the alphabet
 constexpr std::uint32_t outsideGroup = 1U << 24;
 
 struct Pair {
@@ -45,7 +44,7 @@ struct Tables {
     }
     [[nodiscard]] unsigned valueOf(char character) const {
         const std::uint32_t value = places[3][static_cast<unsigned char>(character)];
-        return value == outsideGroup ? outside : value;
+        return value == outsideGroup ? outsideAlphabet : value;
     }
 };
 
@@ -76,28 +75,35 @@ char* encodeChunk(const unsigned char* source, std::size_t length, char* target,
 // Decodes a last group that has one to three characters of the alphabet in front and answers its bytes.  The
 // third character alone decides between one and two bytes, also where the second is outside.
 std::size_t decodeLastGroup(std::string_view text, unsigned char* target, const Tables& tables) {
-    std::array<unsigned, groupCharacters - 1> values{outside, outside, outside};
+    std::array<unsigned, groupCharacters - 1> values{outsideAlphabet, outsideAlphabet, outsideAlphabet};
     const std::size_t present = std::min(text.size(), values.size());
     for (std::size_t i = 0; i < present; ++i) values[i] = tables.valueOf(text[i]);
-    if (values[0] == outside) return 0;
+    if (values[0] == outsideAlphabet) return 0;
     target[0] = static_cast<unsigned char>(values[0] << 2 | values[1] >> 4);
-    if (values[2] == outside) return 1;
+    if (values[2] == outsideAlphabet) return 1;
     target[1] = static_cast<unsigned char>(values[1] << 4 | values[2] >> 2);
     return 2;
+}
+
+// decodeGroups by the tables alone.
+std::size_t decodeByTables(std::string_view text, unsigned char* target, const Tables& tables) {
+    std::size_t done = 0;
+    for (; text.size() - done >= groupCharacters; done += groupCharacters, target += groupBytes) {
+        const std::uint32_t bits = tables.bitsOf(text.data() + done);
+        if ((bits & outsideGroup) != 0) break;
+        target[0] = static_cast<unsigned char>(bits >> 16);
+        target[1] = static_cast<unsigned char>(bits >> 8);
+        target[2] = static_cast<unsigned char>(bits);
+    }
+    return done;
 }
 
 // Decodes one piece and answers its bytes.
 std::size_t decodeChunk(std::string_view text, unsigned char* target, const Tables& tables) {
     while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) text.remove_prefix(1);
-    std::size_t bytes = 0;
-    for (; text.size() >= groupCharacters; text.remove_prefix(groupCharacters), bytes += groupBytes) {
-        const std::uint32_t bits = tables.bitsOf(text.data());
-        if ((bits & outsideGroup) != 0) break;
-        target[bytes] = static_cast<unsigned char>(bits >> 16);
-        target[bytes + 1] = static_cast<unsigned char>(bits >> 8);
-        target[bytes + 2] = static_cast<unsigned char>(bits);
-    }
-    return bytes + decodeLastGroup(text, target + bytes, tables);
+    const std::size_t clean = decodeByTables(text, target, tables);
+    const std::size_t bytes = clean / groupCharacters * groupBytes;
+    return bytes + decodeLastGroup(text.substr(clean), target + bytes, tables);
 }
 
 }  // namespace
@@ -123,6 +129,17 @@ std::size_t decodeText(std::string_view text, unsigned char* target, bool standa
         bytes += decodeChunk(piece, target + bytes, standard ? standardTables : variantTables);
         text.remove_prefix(piece.size());
     }
+}
+
+std::size_t decodeGroups(std::string_view text, unsigned char* target, bool standard, VectorLevel level) {
+    const std::size_t fast =
+        level >= VectorLevel::avx2 ? decodeByAvx2(text.data(), text.size(), target, standard) : 0;
+    return fast + decodeByTables(text.substr(fast), target + fast / groupCharacters * groupBytes,
+                                 standard ? standardTables : variantTables);
+}
+
+unsigned valueOfCharacter(char character, bool standard) {
+    return (standard ? standardTables : variantTables).valueOf(character);
 }
 
 }  // namespace tarn

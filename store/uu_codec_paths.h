@@ -25,6 +25,14 @@ std::size_t encodeText(const unsigned char* source, std::size_t length, char* ta
                        bool standard, VectorLevel level);
 std::size_t decodeText(std::string_view text, unsigned char* target, bool standard, VectorLevel level);
 
+// Decodes whole groups from the front, as long as they hold nothing but the alphabet, and answers how many
+// characters they were; three bytes are written for each four.
+std::size_t decodeGroups(std::string_view text, unsigned char* target, bool standard, VectorLevel level);
+
+// The value of a character, 64 for one outside the alphabet.
+constexpr unsigned outsideAlphabet = 64;
+unsigned valueOfCharacter(char character, bool standard);
+
 // Encode whole groups from the front and answer how many bytes they were.
 std::size_t encodeByAvx2(const unsigned char* source, std::size_t length, char* target, bool standard);
 
