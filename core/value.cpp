@@ -5,6 +5,8 @@
 #include "core/value.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cstring>
 #include <string_view>
 
@@ -16,7 +18,8 @@ bool isSame(const MOLTVARIANT* a, const MOLTVARIANT* b);
 
 template <class Number>
 bool isSameBytes(const Number& a, const Number& b) {
-    return std::memcmp(&a, &b, sizeof a) == 0;
+    using Bytes = std::array<std::byte, sizeof(Number)>;
+    return std::bit_cast<Bytes>(a) == std::bit_cast<Bytes>(b);
 }
 
 // Whether two pointers lead to the same content, or both nowhere.
