@@ -47,16 +47,11 @@ TEST(StrictBase64, BadTextPassesOrIsBlamedElsewhere) {
         std::size_t offset, size = 0;
         tarn::Base64 form = {};
     } cases[] = {
-        {"Zm9vZ", Base64Error::badLength, 5, 3},
-        {"Z*=v", Base64Error::badCharacter, 1},
-        {"Z=*v", Base64Error::badCharacter, 2},
-        {"Zg=\0"sv, Base64Error::badCharacter, 3},
-        {"Zg=v", Base64Error::badPadding, 2},
-        {"Zg==", Base64Error::badCharacter, 2, 0, {true, '\0'}},
-        {"Zg", Base64Error::badPadding, 2},
-        {"Zg===", Base64Error::badPadding, 4},
-        {"Zm9v=", Base64Error::badPadding, 4, 3},
-        {"Zh==", Base64Error::strayBits, 1},
+        {"Zm9vZ", Base64Error::badLength, 5, 3},    {"Z*=v", Base64Error::badCharacter, 1},
+        {"Z=*v", Base64Error::badCharacter, 2},     {"Zg=\0"sv, Base64Error::badCharacter, 3},
+        {"Zg=v", Base64Error::badPadding, 2},       {"Zg==", Base64Error::badCharacter, 2, 0, {true, '\0'}},
+        {"Zg", Base64Error::badPadding, 2},         {"Zg===", Base64Error::badPadding, 4},
+        {"Zm9v=", Base64Error::badPadding, 4, 3},   {"Zh==", Base64Error::strayBits, 1},
         {"Zm9vZm9=", Base64Error::strayBits, 6, 3},
     };
     for (const auto& each : cases) {
