@@ -15,7 +15,7 @@
 #undef FALSE  // GLib's are macros, the platform's constants
 #undef TRUE
 
-#include "platform/win32.h"
+#include "store/settings.h"
 #include "support.h"
 
 namespace {
@@ -78,11 +78,22 @@ void writeFsyncRename(benchmark::State& state, const std::string& content, bool 
 
 // --------------------------------------------------------------------------------------- ini files, reading
 
-// Reads the value of a key of the only section into a buffer of 64 bytes.
+// Reads the value of a key of the only section into a buffer of 64 bytes, from the file `x.ini` of a folder.
 using ReadKey = void (*)(const char* file, const char* key, char* value);
 
+// The object, which opens no file, is made once.
+tarnIniFile& iniFileAt(const char* file) {
+    static tarnIniFile ini("x");
+    static std::string folder;
+    if (!std::string_view(file).starts_with(folder) || folder.empty()) {
+        folder = std::filesystem::path(file).parent_path();
+        ini.setIniFileDirectory(folder.c_str());
+    }
+    return ini;
+}
+
 void readOurs(const char* file, const char* key, char* value) {
-    GetPrivateProfileStringA(section, key, "", value, 64, file);
+    iniFileAt(file).readIniString(section, key, "", value, 64);
 }
 
 // It has no way to stop at the key.
@@ -139,7 +150,7 @@ void iniLimit(benchmark::State& state) {
 using WriteKey = void (*)(const char* file, const char* key, const char* value);
 
 void writeOurs(const char* file, const char* key, const char* value) {
-    require(WritePrivateProfileStringA(section, key, value, file) != FALSE, "writing a key");
+    require(iniFileAt(file).writeIniString(section, key, value) == 1, "writing a key");
 }
 
 // Syncs the file before it takes the other's name, and not the folder.
@@ -184,30 +195,23 @@ class Registry {
   public:
     Registry() {
         ::setenv("XDG_DATA_HOME", folder_.name(), 1);
-        require(RegCreateKeyExA(HKEY_CURRENT_USER, "Software\\bench", 0, nullptr, 0, KEY_ALL_ACCESS, nullptr,
-                                &key_, nullptr) == ERROR_SUCCESS,
-                "making a key");
+        require(key_.openKey("Software\\bench", 1) == 1, "making a key");
     }
-    ~Registry() { RegCloseKey(key_); }
+    ~Registry() { key_.closeKey(); }
     Registry(const Registry&) = delete;
     Registry& operator=(const Registry&) = delete;
 
     void write(const std::string& data) {
-        require(RegSetValueExA(key_, "value", 0, REG_BINARY, reinterpret_cast<const BYTE*>(data.data()),
-                               static_cast<DWORD>(data.size())) == ERROR_SUCCESS,
+        require(key_.setBinary("value", data.data(), static_cast<std::uint32_t>(data.size())) == 1,
                 "writing a value");
     }
-    std::size_t read(std::string& buffer) {
-        auto size = static_cast<DWORD>(buffer.size());
-        require(RegQueryValueExA(key_, "value", nullptr, nullptr, reinterpret_cast<BYTE*>(buffer.data()),
-                                 &size) == ERROR_SUCCESS,
-                "reading a value");
-        return size;
+    bool read(std::string& buffer) {
+        return key_.getBinary("value", buffer.data(), static_cast<std::uint32_t>(buffer.size())) == 1;
     }
 
   private:
     Folder folder_;
-    HKEY key_ = nullptr;
+    tarnRegistry key_{HKEY_CURRENT_USER};
 };
 
 // One table of names and values, as SQLite comes: each write waits for the disk.
@@ -234,12 +238,12 @@ class Sqlite {
         require(sqlite3_step(write_) == SQLITE_DONE, "writing a row");
         sqlite3_reset(write_);
     }
-    std::size_t read(std::string& buffer) {
+    bool read(std::string& buffer) {
         require(sqlite3_step(read_) == SQLITE_ROW, "reading a row");
         const auto size = static_cast<std::size_t>(sqlite3_column_bytes(read_, 0));
         std::memcpy(buffer.data(), sqlite3_column_blob(read_, 0), std::min(size, buffer.size()));
         sqlite3_reset(read_);
-        return size;
+        return size == buffer.size();
     }
 
   private:
@@ -261,9 +265,9 @@ void valueRead(benchmark::State& state) {
     const std::string data = valueOf(state);
     store.write(data);
     std::string buffer(data.size(), '\0');
-    require(store.read(buffer) == data.size() && buffer == data, "the value");
+    require(store.read(buffer) && buffer == data, "the value");
     for (auto _ : state) {
-        require(store.read(buffer) == data.size(), "the size of the value");
+        require(store.read(buffer), "the value");
         benchmark::DoNotOptimize(buffer.data());
     }
 }
@@ -281,7 +285,7 @@ void valueWrite(benchmark::State& state) {
         store.write(data);
     }
     std::string buffer(data.size(), '\0');
-    require(store.read(buffer) == data.size() && buffer == data, "the written value");
+    require(store.read(buffer) && buffer == data, "the written value");
 }
 
 void valueWriteLimit(benchmark::State& state) {

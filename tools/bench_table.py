@@ -147,9 +147,11 @@ def describe(folder):
     model = re.search(r"model name\s*: (.*)", pathlib.Path("/proc/cpuinfo").read_text())
     compiler = subprocess.run([cache["CMAKE_CXX_COMPILER:FILEPATH"], "--version"], stdout=subprocess.PIPE, text=True,
                               check=True).stdout.splitlines()[0]
+    commit = subprocess.run(["git", "describe", "--always", "--dirty", "--exclude=*"], cwd=GOALS.parent,
+                            stdout=subprocess.PIPE, text=True, check=True).stdout.strip()
     return {"machine": f"{model[1] if model else platform.machine()}, {os.cpu_count()} cores",
             "compiler": f"{compiler}, {cache['CMAKE_CXX_FLAGS_RELEASE:STRING']}",
-            "tarnutil": cache["CMAKE_PROJECT_VERSION:STATIC"]}
+            "tarnutil": f"{cache['CMAKE_PROJECT_VERSION:STATIC']}, commit {commit}"}
 
 
 def print_jobs(output, figures, goals, jobs):
