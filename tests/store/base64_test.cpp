@@ -83,16 +83,4 @@ TEST(StrictBase64, DamagedCharacterIsMissedOrBytesAreLost) {
     }
 }
 
-TEST(StrictBase64, ByteBehindTheRoomIsWritten) {
-    const std::string bytes(100, 'x');
-    const std::string text = encoded(bytes);
-    for (std::size_t room = 0; room <= bytes.size(); ++room) {
-        std::vector<std::byte> out(room + 1, std::byte{0x5A});
-        const tarn::Base64Read read = tarn::fromBase64(text, std::span(out).first(room));
-        EXPECT_EQ(read.error, room < bytes.size() ? Base64Error::noRoom : Base64Error::none);
-        EXPECT_EQ(read.size, bytes.size());
-        EXPECT_EQ(out.back(), std::byte{0x5A});
-    }
-}
-
 }  // namespace

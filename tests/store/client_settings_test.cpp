@@ -75,13 +75,8 @@ TEST(IniTest, WhatIsSetReadsBackAndWhatCouldntIsntSet) {
     for (const char* const key : {"", "a=b", "[k", ";k"}) EXPECT_FALSE(ini.set("s", key, "v")) << key;
     EXPECT_EQ(contentOf(folder.file("client.ini")), before);
 
-    std::vector<std::string> names;
-    for (int i = 0; i < 100; ++i) {
-        names.push_back("key" + std::to_string(i));
-        EXPECT_TRUE(ini.set("many", names.back(), i));
-    }
-    EXPECT_EQ(ini.keys("many"), names);
-    EXPECT_EQ(ini.sections(), (std::vector<std::string>{"s", "many"}));
+    EXPECT_EQ(ini.keys("s"), (std::vector<std::string>{"k", "n"}));
+    EXPECT_EQ(ini.sections(), std::vector<std::string>{"s"});
     for (int round = 0; round < 2; ++round) EXPECT_TRUE(ini.erase("s", "k"));
     EXPECT_EQ(ini.text("s", "k").state, SettingState::absent);
 }

@@ -163,18 +163,4 @@ TEST_F(KeyedFiles, ASaveThatFailsLeavesTheOldFileAndNoOther) {
     EXPECT_EQ(files(), 1U);
 }
 
-TEST_F(KeyedFiles, PlacesAreMadeAsNeededAndOthersAreNothing) {
-    Sample set;
-    EXPECT_EQ(set.size({7, 0}), 2);
-    EXPECT_FALSE(set.at({7, 0}, 0).exists());
-    EXPECT_EQ(set.at({7, 0}, 1).get<std::string_view>(), "abc");
-    for (const std::int32_t outside : {-1, 2, INT32_MAX}) EXPECT_FALSE(set.at({7, 0}, outside).exists());
-    set.set({7, 0}, -1, 1);
-    EXPECT_EQ(set.size({7, 0}), 2);
-    EXPECT_EQ(set.load(folder.file("none")).error, LoadError::cantOpen);
-    EXPECT_EQ(set.size({7, 0}), 2);
-    EXPECT_FALSE(set.load(folder.file("none"), OnDamage::keep));
-    EXPECT_EQ(set.size({7, 0}), 0);
-}
-
 }  // namespace
