@@ -1,7 +1,6 @@
-// Rows of a column stored in other orders than ascending, inserted and removed at its front, and whole records
-// copied, destroyed and loaded from their text form, beside the same in ascending order and the plain work that no
-// column gets around: one move of all pointers and one walk over the keys that change.  Each way's outcome is
-// checked before it is timed.
+// Rows of a column stored in other orders than ascending, inserted and removed at its front, and whole
+// records copied, destroyed and loaded from their text form.  They are beside the same in ascending order and
+// the plain work that no column gets around: one move of all pointers and one walk over the keys that change.
 
 #include <algorithm>
 #include <numeric>
@@ -197,8 +196,8 @@ void destroy(benchmark::State& state) {
     }
 }
 
-// What examples/option_sheet.cpp does, without its printing: load, volatility, a chain of calls and puts, save and
-// load again.
+// What examples/option_sheet.cpp does, without its printing: load, volatility, a chain of calls and puts, save
+// and load again.
 void mainJob(benchmark::State& state) {
     History history;
     for (auto _ : state) {
