@@ -79,6 +79,19 @@ TEST_F(ProfileFiles, AFileThatIsHeldReadsAsMissingAndIsNotWritten) {
 
 #if !defined(_WIN32)
 
+TEST_F(ProfileFiles, TwoWritersLoseNoLineOfEachOther) {
+    const auto writer = [&](const char* key) {
+        return tarntest::startChild([&] {
+            for (int round = 0; round < 300; ++round) {
+                const std::string value = std::to_string(round);
+                EXPECT_TRUE(write("s", key, value.c_str()));
+                EXPECT_EQ(read("s", key), value);
+            }
+        });
+    };
+    for (const pid_t child : {writer("one"), writer("two")}) EXPECT_EQ(tarntest::waitFor(child), 0);
+}
+
 TEST_F(ProfileFiles, AWriterKilledAtAnySystemCallLeavesOneOfTheTwoFilesAndNoLock) {
     for (const std::string& before : {"[s]\r\nk=old\r\n"s, ""s}) {
         int stops = 0;
