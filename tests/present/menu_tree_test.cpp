@@ -50,7 +50,6 @@ TEST_F(MenuReports, WhatIsntWholeIsReportedWhereItBegins) {
         {"P,a,1,P,b", LoadError::truncated, 6, 3, 0, 0, 0},
         {"P,a,1,P,b,2,P,c,3,E", LoadError::truncated, 6, 3, 2, 0, 0},
         {"P,a,1,x,M,S", LoadError::truncated, 0, 0, 1, 1, 6},
-        {"P", LoadError::truncated, 0, 0, 0, 0, 0},
         {"x,y", LoadError::wrongForm, 3, -1, 0, 2, 0},
     };
     for (const auto& each : rows) {

@@ -27,12 +27,10 @@ TEST(IniTest, EmptyAbsentMalformedAndUnreadableAreFourThings) {
         std::size_t size;
     } rows[] = {
         {"empty", SettingState::empty, SettingState::empty, SettingState::empty, 0, 0},
-        {"quotes", SettingState::empty, SettingState::empty, SettingState::empty, 0, 0},
         {"ONE", SettingState::found, SettingState::found, SettingState::malformed, 1, 0},
         {"text", SettingState::found, SettingState::malformed, SettingState::malformed, 0, 0},
         {"last", SettingState::found, SettingState::found, SettingState::malformed, INT32_MIN, 0},
         {"over", SettingState::found, SettingState::malformed, SettingState::malformed, 0, 0},
-        {"hex", SettingState::found, SettingState::found, SettingState::malformed, 31, 0},
         {"missing", SettingState::found, SettingState::found, SettingState::malformed, -286331154, 0},
         {"bytes", SettingState::found, SettingState::malformed, SettingState::found, 0, 4},
         {"none", SettingState::found, SettingState::found, SettingState::found, 0, 0},

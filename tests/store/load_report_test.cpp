@@ -41,7 +41,6 @@ TEST(LoadReportTest, EveryErrorHasATextOfItsOwn) {
         }
     }
     EXPECT_STREQ(toText(SaveError::tooDeep), toText(LoadError::tooDeep));
-    EXPECT_STREQ(toText(static_cast<SaveError>(-1)), "unknown");
 }
 
 }  // namespace
