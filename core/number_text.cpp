@@ -88,6 +88,12 @@ char* writeShortDecimal(char* target, double magnitude, std::uint32_t decimals) 
     return end;
 }
 
+// Some standard libraries name kinds of NaN, which printf doesn't.
+char* writeNan(char* target, double value) {
+    std::strcpy(target, std::signbit(value) ? "-nan" : "nan");
+    return target + std::strlen(target);
+}
+
 }  // namespace
 
 double readDouble(const char* text) {
@@ -132,6 +138,7 @@ const char* scanLong(const char* text, std::int32_t& number) {
 }
 
 char* writeFixed(char* target, double value, std::uint32_t decimals) {
+    if (std::isnan(value)) return writeNan(target, value);
     const double magnitude = std::fabs(value);
     if (decimals <= mostExactDecimals && magnitude < 0x1p63 && (magnitude >= 0x1p-12 || magnitude == 0.0)) {
         if (std::signbit(value)) *target++ = '-';
@@ -146,6 +153,7 @@ char* writeFixed(char* target, double value, std::uint32_t decimals) {
 }
 
 char* writeGeneral(char* target, double value, std::uint32_t digits) {
+    if (std::isnan(value)) return writeNan(target, value);
     const auto end = std::to_chars(target, target + digits + 11, value, std::chars_format::general,
                                    static_cast<int>(digits));
     *end.ptr = '\0';
