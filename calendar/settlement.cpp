@@ -20,6 +20,7 @@
 #include "calendar/date_text.h"
 #include "calendar/holidays.h"
 #include "calendar/market_calendar.h"
+#include "core/century.h"
 #include "core/number_text.h"
 
 namespace tarn {
@@ -111,7 +112,7 @@ std::int32_t readYear(const char* text, std::size_t length) {
     if (length == 4) return numberInColumns(text, 0, length);
     const std::int32_t year = readLong(text);
     if (length > 4) return year;
-    return readLong(std::string(year > 90 ? "19" : "20").append(text, length).c_str());
+    return readLong(std::to_string(centuryOf(year) / 100).append(text, length).c_str());
 }
 
 std::optional<CalendarDate> settlementDate(const char* text, std::size_t length, std::int32_t businessDays) {
