@@ -113,8 +113,7 @@ TEST(OptionValue, SharedWorkAndForecastChangeNoResult) {
         double amounts[12];
         const double price = std::exp(number(-5, 9));
         Terms t{day(0, 2), oneOf({price, price, price, price, price, 0.02, 0.0199999997})};
-        t.strike =
-            t.stock * std::exp(number(-1, 1) * oneOf({0.01, 0.3, 1})) * oneOf({1, 1, 1, 0.001, 1e-6, 1e7});
+        t.strike = t.stock * std::exp(number(-1, 1) * oneOf({0.01, 0.3, 1})) * oneOf({1, 1, 1, 0.001, 1e7});
         t.rate = oneOf({0, number(0, 0.15)});
         t.volatility = oneOf({number(0.1, 0.6), number(0.1, 0.6), number(0.02, 3), 1});
         t.days = day(-1, oneOf({40, 400, 4000}));
@@ -137,7 +136,7 @@ TEST(OptionValue, SharedWorkAndForecastChangeNoResult) {
         const Results expected = stepByStep(t);
         ASSERT_EQ(actual[implied], expected[implied]) << n;
         for (std::size_t i = 0; i < 6; ++i)
-            EXPECT_NEAR(actual[i], expected[i], 1e-9 * (1 + t.stock + std::fabs(expected[i]))) << n;
+            EXPECT_NEAR(actual[i], expected[i], 1e-10 * (1 + t.stock + std::fabs(expected[i]))) << n;
     }
 }
 
